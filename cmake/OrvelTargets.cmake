@@ -1,0 +1,43 @@
+# How every target of the project is compiled, and how a room is made.
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+
+find_package(Threads REQUIRED)
+
+add_library(orvel_flags INTERFACE)
+target_compile_features(orvel_flags INTERFACE cxx_std_20)
+target_compile_options(orvel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+                                             -Wconversion -Wno-sign-conversion)
+target_link_libraries(orvel_flags INTERFACE Threads::Threads)
+if(ORVEL_WARNINGS_AS_ERRORS)
+  target_compile_options(orvel_flags INTERFACE -Werror)
+endif()
+if(ORVEL_SANITIZE)
+  target_compile_options(orvel_flags INTERFACE -fsanitize=${ORVEL_SANITIZE} -fno-omit-frame-pointer
+                                               -fno-sanitize-recover=all)
+  target_link_options(orvel_flags INTERFACE -fsanitize=${ORVEL_SANITIZE})
+endif()
+
+# orvel_room(NAME SOURCES ... USES room ... LINKS library ...)
+#
+# Makes the library orvel_NAME from src/NAME. Its headers are reached as "NAME/Type.hpp" through a view that holds
+# this room alone, so a target sees a room only when it, or a room that it uses, names it in USES.
+function(orvel_room name)
+  cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;USES;LINKS")
+  set(view ${PROJECT_BINARY_DIR}/rooms/${name})
+  file(MAKE_DIRECTORY ${view})
+  file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${name} ${view}/${name} SYMBOLIC)
+  list(TRANSFORM room_USES PREPEND orvel_)
+  if(room_SOURCES)
+    list(TRANSFORM room_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/${name}/)
+    add_library(orvel_${name} STATIC ${room_SOURCES})
+    target_include_directories(orvel_${name} PUBLIC ${view})
+    target_link_libraries(orvel_${name} PUBLIC ${room_USES} PRIVATE orvel_flags ${room_LINKS})
+  else()
+    add_library(orvel_${name} INTERFACE)
+    target_include_directories(orvel_${name} INTERFACE ${view})
+    target_link_libraries(orvel_${name} INTERFACE ${room_USES})
+  endif()
+endfunction()

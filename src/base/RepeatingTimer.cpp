@@ -1,0 +1,38 @@
+#include "base/RepeatingTimer.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+namespace orvel {
+
+struct RepeatingTimer::Schedule {
+  Executor& executor;
+  const Clock& clock;
+  const Seconds period;
+  const Task tick;
+  Seconds next;
+  std::atomic<bool> cancelled = false;
+};
+
+RepeatingTimer::RepeatingTimer(Executor& executor, const Clock& clock, Seconds period, Task tick)
+    : schedule_(std::make_shared<Schedule>(executor, clock, period, std::move(tick), clock.now())) {
+  arm(schedule_, Seconds(0));
+}
+
+RepeatingTimer::~RepeatingTimer() {
+  schedule_->cancelled = true;
+}
+
+void RepeatingTimer::arm(const std::shared_ptr<Schedule>& schedule, Seconds delay) {
+  schedule->executor.postAfter(delay, [schedule] {
+    if (schedule->cancelled) return;
+    schedule->tick();
+    if (schedule->cancelled) return;
+    const Seconds now = schedule->clock.now();
+    schedule->next = std::max(schedule->next + schedule->period, now);
+    arm(schedule, schedule->next - now);
+  });
+}
+
+}  // namespace orvel

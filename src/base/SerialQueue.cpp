@@ -1,0 +1,69 @@
+#include "base/SerialQueue.hpp"
+
+#include "base/WorkerThreads.hpp"
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace orvel {
+
+using Moment = std::chrono::steady_clock::time_point;
+
+struct SerialQueue::State {
+  State(std::string name, WorkerThreads& owner) : label(std::move(name)), threads(owner) {}
+
+  const std::string label;
+  WorkerThreads& threads;
+  std::mutex mutex;
+  std::condition_variable_any changed;
+  std::multimap<Moment, Task> tasks;  // equal moments keep the order of posting
+  bool draining = false;
+};
+
+SerialQueue::SerialQueue(std::string label, WorkerThreads& threads)
+    : state_(std::make_shared<State>(std::move(label), threads)) {}
+
+SerialQueue::~SerialQueue() = default;
+
+const std::string& SerialQueue::label() const {
+  return state_->label;
+}
+
+void SerialQueue::post(Task task) {
+  postAfter(Seconds(0), std::move(task));
+}
+
+void SerialQueue::postAfter(Seconds delay, Task task) {
+  const auto wait = std::chrono::duration_cast<Moment::duration>(delay);
+  const std::lock_guard lock(state_->mutex);
+  state_->tasks.emplace(std::chrono::steady_clock::now() + wait, std::move(task));
+  if (state_->draining) {
+    state_->changed.notify_one();
+  } else {
+    state_->draining = state_->threads.run([state = state_] { drain(*state); });
+  }
+}
+
+void SerialQueue::drain(State& state) {
+  const std::stop_token stop = state.threads.stopToken();
+  std::unique_lock lock(state.mutex);
+  while (!state.tasks.empty() && !stop.stop_requested()) {
+    const Moment due = state.tasks.begin()->first;
+    if (due > std::chrono::steady_clock::now()) {
+      state.changed.wait_until(lock, stop, due, [&] { return state.tasks.begin()->first < due; });
+      continue;
+    }
+    Task task = std::move(state.tasks.extract(state.tasks.begin()).mapped());
+    lock.unlock();
+    task();
+    task = nullptr;
+    lock.lock();
+  }
+  if (stop.stop_requested()) state.tasks.clear();
+  state.draining = false;
+}
+
+}  // namespace orvel

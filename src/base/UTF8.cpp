@@ -1,0 +1,19 @@
+#include "base/UTF8.hpp"
+
+#include <unicode/ustring.h>
+
+#include <cstdint>
+#include <limits>
+
+namespace orvel {
+
+bool isValidUTF8(std::string_view bytes) {
+  if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return false;
+  // Measuring the UTF-16 form is the library's cheapest way to look at every byte.
+  std::int32_t units = 0;
+  UErrorCode error = U_ZERO_ERROR;
+  u_strFromUTF8(nullptr, 0, &units, bytes.data(), static_cast<std::int32_t>(bytes.size()), &error);
+  return error != U_INVALID_CHAR_FOUND;
+}
+
+}  // namespace orvel

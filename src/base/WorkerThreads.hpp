@@ -1,0 +1,43 @@
+#pragma once
+
+#include "base/Executor.hpp"
+
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <stop_token>
+
+namespace orvel {
+
+/// Owns the threads that serial queues run on. A queue has a thread only while it has work.
+///
+/// Threads: any, but `finish` is for the owner. No queue that it made is used after it is gone.
+class WorkerThreads final : public QueueFactory {
+ public:
+  WorkerThreads() = default;
+  ~WorkerThreads() override;
+  WorkerThreads(const WorkerThreads&) = delete;
+  WorkerThreads& operator=(const WorkerThreads&) = delete;
+
+  std::unique_ptr<Executor> makeSerialQueue(std::string label) override;
+
+  /// Lets every task that has begun run to its end, drops the rest, and returns when the last thread has gone.
+  /// Queues drop what is posted from then on.
+  void finish();
+
+  /// Runs `body` on a thread of its own. False when the system has no thread to give or `finish` was called.
+  bool run(Task body);
+
+  /// Says when to end early.
+  std::stop_token stopToken() const { return stop_.get_token(); }
+
+ private:
+  void threadEnded();
+
+  std::stop_source stop_;
+  std::mutex mutex_;
+  std::condition_variable ended_;
+  std::size_t running_ = 0;
+};
+
+}  // namespace orvel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "input/InputEvent.hpp"
+
+#include <optional>
+
+namespace orvel {
+
+/// Posts synthetic input into the desktop. Events take effect in the order of posting. Threads: any.
+class EventPoster {
+ public:
+  virtual ~EventPoster() = default;
+
+  /// Posts one event; it may wait until the next `flush`. False when the desktop has no such event or cannot be
+  /// reached: then nothing was posted.
+  virtual bool post(const MouseEvent& event) = 0;
+  virtual bool post(const ScrollEvent& event) = 0;
+  virtual bool post(const KeyEvent& event) = 0;
+
+  /// Where the pointer is, events posted but not yet flushed included. Nothing when the desktop cannot tell.
+  virtual std::optional<Point> pointerLocation() = 0;
+
+  /// Sends the posted events on their way. Called once for a batch of events; returns without waiting for them.
+  virtual void flush() = 0;
+};
+
+}  // namespace orvel

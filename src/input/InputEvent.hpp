@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/Geometry.hpp"
+
+#include <cstdint>
+
+namespace orvel {
+
+/// Mouse event types by their macOS numbers.
+enum class MouseEventType : std::uint32_t {
+  leftDown = 1,
+  leftUp = 2,
+  rightDown = 3,
+  rightUp = 4,
+  moved = 5,
+  leftDragged = 6,
+  rightDragged = 7,
+  otherDown = 25,
+  otherUp = 26,
+};
+
+/// One pointer event. Button codes are 0 left, 1 right, 2 middle.
+struct MouseEvent {
+  MouseEventType type = MouseEventType::moved;
+  std::uint8_t buttonCode = 0;
+  Point position;
+  std::int64_t clickState = 0;  ///< Event field 1: which click of a quick series; set on presses and releases.
+  std::int64_t deltaX = 0;      ///< Event field 4: motion in points; set on motion.
+  std::int64_t deltaY = 0;      ///< Event field 5.
+
+  friend bool operator==(const MouseEvent&, const MouseEvent&) = default;
+};
+
+/// One wheel event in pixels. Positive is up (wheel 1) and left (wheel 2).
+struct ScrollEvent {
+  std::int32_t wheel1 = 0;
+  std::int32_t wheel2 = 0;
+
+  friend bool operator==(const ScrollEvent&, const ScrollEvent&) = default;
+};
+
+/// Modifier flags of keyboard events by their macOS values.
+namespace modifier {
+inline constexpr std::uint64_t shift = 0x20000;
+inline constexpr std::uint64_t control = 0x40000;
+inline constexpr std::uint64_t option = 0x80000;
+inline constexpr std::uint64_t command = 0x100000;
+inline constexpr std::uint64_t function = 0x800000;
+}  // namespace modifier
+
+/// One press or release of a key, named by its macOS virtual key code.
+struct KeyEvent {
+  std::uint16_t keyCode = 0;
+  bool down = false;
+  std::uint64_t flags = 0;
+
+  friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
+};
+
+}  // namespace orvel

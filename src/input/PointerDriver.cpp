@@ -1,0 +1,197 @@
+#include "input/PointerDriver.hpp"
+
+#include "input/Displays.hpp"
+#include "input/EventPoster.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr int leftButton = 0;
+constexpr int rightButton = 1;
+constexpr Seconds tick{0.008};
+constexpr Seconds clockIdles{1.0};
+constexpr Seconds placementHolds{0.2};
+constexpr int scrollLimit = 4000;
+constexpr int revealSteps = 10;
+constexpr double revealRadius = 26;
+constexpr Seconds revealPause{0.014};
+
+struct ButtonEvents {
+  std::uint8_t code;
+  MouseEventType down;
+  MouseEventType up;
+};
+
+ButtonEvents eventsOf(int button) {
+  switch (button) {
+    case 1:
+      return {1, MouseEventType::rightDown, MouseEventType::rightUp};
+    case 2:
+      return {2, MouseEventType::otherDown, MouseEventType::otherUp};
+    default:
+      return {0, MouseEventType::leftDown, MouseEventType::leftUp};
+  }
+}
+
+double clampToUnit(double fraction) {
+  return std::clamp(fraction, 0.0, 1.0);
+}
+
+}  // namespace
+
+PointerDriver::PointerDriver(EventPoster& events, const Displays& displays, Clock& clock, Executor& clockQueue)
+    : events_(events), displays_(displays), clock_(clock), clockQueue_(clockQueue) {}
+
+void PointerDriver::moveRelative(double dx, double dy) {
+  const Seconds now = clock_.now();
+  state_.withLock([&](State& state) {
+    state.pending.dx += dx;
+    state.pending.dy += dy;
+    state.lastInputAt = now;
+    startClock(state);
+  });
+}
+
+void PointerDriver::startClock(State& state) {
+  if (state.clock) return;
+  state.clock = std::make_unique<RepeatingTimer>(clockQueue_, clock_, tick, [this] { flush(); });
+}
+
+void PointerDriver::stopClock() {
+  const auto taken = state_.withLock([](State& state) { return std::move(state.clock); });
+}
+
+void PointerDriver::flush() {
+  struct Taken {
+    Motion motion;
+    Point virtualPosition;
+    bool leftDown;
+    bool rightDown;
+    std::unique_ptr<RepeatingTimer> idleClock;
+  };
+  const Seconds now = clock_.now();
+  // Taken and judged under one lock: motion that arrives just now must not be left behind without a clock.
+  const Taken taken = state_.withLock([&](State& state) {
+    Taken result{std::exchange(state.pending, {}), state.virtualPosition, state.buttonsDown.contains(leftButton),
+                 state.buttonsDown.contains(rightButton), nullptr};
+    if (result.motion.isZero() && now - state.lastInputAt > clockIdles) result.idleClock = std::move(state.clock);
+    return result;
+  });
+  if (taken.motion.isZero()) return;
+  postMotion(taken.motion, events_.pointerLocation().value_or(taken.virtualPosition), taken.leftDown, taken.rightDown);
+}
+
+void PointerDriver::postMotion(Motion motion, Point from, bool leftDown, bool rightDown) {
+  const Point target = clampToDisplays({from.x + motion.dx, from.y + motion.dy});
+  const Seconds now = clock_.now();
+  state_.withLock([&](State& state) {
+    state.virtualPosition = target;
+    state.lastPostAt = now;
+  });
+  auto type = MouseEventType::moved;
+  if (leftDown) {
+    type = MouseEventType::leftDragged;
+  } else if (rightDown) {
+    type = MouseEventType::rightDragged;
+  }
+  // With both buttons held the event is a left drag that carries the right button's code.
+  events_.post(MouseEvent{.type = type,
+                          .buttonCode = static_cast<std::uint8_t>(rightDown ? rightButton : leftButton),
+                          .position = target,
+                          .deltaX = std::llround(motion.dx),
+                          .deltaY = std::llround(motion.dy)});
+  events_.flush();
+}
+
+void PointerDriver::moveAbsolute(double nx, double ny) {
+  const Rect main = displays_.layout()->main;
+  const Point position{main.minX() + clampToUnit(nx) * main.size.width,
+                       main.minY() + clampToUnit(ny) * main.size.height};
+  const bool dragging = state_.withLock([&](State& state) {
+    state.virtualPosition = position;
+    state.pending = {};
+    return state.buttonsDown.contains(leftButton);
+  });
+  events_.post(
+      MouseEvent{.type = dragging ? MouseEventType::leftDragged : MouseEventType::moved, .position = position});
+}
+
+Point PointerDriver::currentAuthoritative() {
+  const Seconds now = clock_.now();
+  const auto [placed, position] = state_.withLock([&](const State& state) {
+    const bool recent = now - state.lastPostAt <= placementHolds && state.virtualPosition != Point{};
+    return std::pair(recent, state.virtualPosition);
+  });
+  if (placed) return position;
+  const auto reported = events_.pointerLocation();
+  if (!reported) return position;
+  state_.withLock([&](State& state) { state.virtualPosition = *reported; });
+  return *reported;
+}
+
+void PointerDriver::button(int button, bool down, int clickCount) {
+  if (!postButton(button, down, clickCount)) return;
+  state_.withLock([&](State& state) {
+    if (down) {
+      state.buttonsDown.insert(button);
+    } else {
+      state.buttonsDown.erase(button);
+    }
+  });
+}
+
+bool PointerDriver::postButton(int button, bool down, int clickCount) {
+  const ButtonEvents events = eventsOf(button);
+  return events_.post(MouseEvent{.type = down ? events.down : events.up,
+                                 .buttonCode = events.code,
+                                 .position = currentAuthoritative(),
+                                 .clickState = std::max(clickCount, 1)});
+}
+
+void PointerDriver::scroll(int dx, int dy) {
+  events_.post(ScrollEvent{.wheel1 = std::clamp(dy, -scrollLimit, scrollLimit),
+                           .wheel2 = std::clamp(dx, -scrollLimit, scrollLimit)});
+}
+
+void PointerDriver::releaseAll() {
+  const auto held = state_.withLock([](const State& state) { return state.buttonsDown; });
+  for (const int heldButton : held) button(heldButton, false, 1);
+  if (!held.empty()) events_.flush();
+  stopClock();
+}
+
+void PointerDriver::reveal() {
+  const Point origin = currentAuthoritative();
+  for (int step = 0; step <= revealSteps; ++step) {
+    const double angle = 2 * std::numbers::pi * step / revealSteps;
+    postMoved(clampToDisplays({origin.x + revealRadius * std::cos(angle), origin.y + revealRadius * std::sin(angle)}));
+    clock_.sleep(revealPause);
+  }
+  const Seconds now = clock_.now();
+  state_.withLock([&](State& state) {
+    state.virtualPosition = origin;
+    state.lastPostAt = now;
+  });
+  postMoved(origin);
+}
+
+void PointerDriver::postMoved(Point position) {
+  events_.post(MouseEvent{.type = MouseEventType::moved, .position = position});
+  events_.flush();
+}
+
+Point PointerDriver::clampToDisplays(Point point) const {
+  const auto layout = displays_.layout();
+  if (layout->screens.empty()) return point;
+  Rect all = layout->screens.front();
+  for (const Rect& screen : layout->screens) all = all.unionWith(screen);
+  return {std::min(std::max(point.x, all.minX()), all.maxX() - 1),
+          std::min(std::max(point.y, all.minY()), all.maxY() - 1)};
+}
+
+}  // namespace orvel

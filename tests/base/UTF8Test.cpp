@@ -1,0 +1,26 @@
+#include "base/UTF8.hpp"
+
+#include <gtest/gtest.h>
+
+namespace orvel {
+namespace {
+
+TEST(UTF8, AcceptsEveryLengthOfCharacter) {
+  EXPECT_TRUE(isValidUTF8(""));
+  EXPECT_TRUE(isValidUTF8("plain"));
+  EXPECT_TRUE(isValidUTF8(std::string_view("a\0b", 3)));
+  EXPECT_TRUE(isValidUTF8("\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x91\x8d"));
+  EXPECT_TRUE(isValidUTF8("\xf4\x8f\xbf\xbf"));
+}
+
+TEST(UTF8, RefusesWhatIsNotWellFormed) {
+  EXPECT_FALSE(isValidUTF8("\xc3"));              // cut off
+  EXPECT_FALSE(isValidUTF8("\xa9"));              // starts in the middle
+  EXPECT_FALSE(isValidUTF8("\xc0\xaf"));          // longer than needed
+  EXPECT_FALSE(isValidUTF8("\xed\xa0\x80"));      // a surrogate
+  EXPECT_FALSE(isValidUTF8("\xf4\x90\x80\x80"));  // beyond the last character
+  EXPECT_FALSE(isValidUTF8("fine \xff not"));
+}
+
+}  // namespace
+}  // namespace orvel

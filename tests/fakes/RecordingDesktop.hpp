@@ -1,0 +1,87 @@
+#pragma once
+
+#include "input/Displays.hpp"
+#include "input/EventPoster.hpp"
+#include "input/TrustCheck.hpp"
+
+#include <memory>
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace orvel {
+
+using PostedEvent = std::variant<MouseEvent, ScrollEvent, KeyEvent>;
+
+/// A desktop that remembers what was posted into it and moves its pointer accordingly.
+class RecordingDesktop final : public EventPoster, public Displays, public TrustCheck {
+ public:
+  RecordingDesktop() { setScreens({{{0, 0}, {1000, 800}}}); }
+
+  bool post(const MouseEvent& event) override {
+    if (!record(event)) return false;
+    if (pointer) pointer = event.position;
+    return true;
+  }
+  bool post(const ScrollEvent& event) override { return record(event); }
+  bool post(const KeyEvent& event) override { return record(event); }
+
+  std::optional<Point> pointerLocation() override {
+    ++pointerQueries;
+    return pointer;
+  }
+
+  void flush() override {
+    ++flushes;
+    flushed = posted.size();
+  }
+
+  std::shared_ptr<const DisplayLayout> layout() const override { return layout_; }
+
+  /// The first one is the main display.
+  void setScreens(std::vector<Rect> screens) {
+    DisplayLayout layout;
+    if (!screens.empty()) layout.main = screens.front();
+    layout.screens = std::move(screens);
+    layout_ = std::make_shared<const DisplayLayout>(std::move(layout));
+  }
+
+  bool isTrusted() override { return trusted; }
+  bool prompt() override {
+    ++prompts;
+    return true;
+  }
+  bool openSettings() override {
+    ++settingsOpened;
+    return true;
+  }
+
+  template <class Event>
+  std::vector<Event> all() const {
+    std::vector<Event> events;
+    for (const PostedEvent& event : posted) {
+      if (const auto* match = std::get_if<Event>(&event)) events.push_back(*match);
+    }
+    return events;
+  }
+
+  std::vector<PostedEvent> posted;
+  std::size_t flushed = 0;  ///< How many of them have been flushed.
+  int flushes = 0;
+  int pointerQueries = 0;
+  std::optional<Point> pointer = Point{100, 100};
+  bool accepts = true;  ///< Whether events can be created.
+  bool trusted = true;
+  int prompts = 0;
+  int settingsOpened = 0;
+
+ private:
+  bool record(const PostedEvent& event) {
+    if (accepts) posted.push_back(event);
+    return accepts;
+  }
+
+  std::shared_ptr<const DisplayLayout> layout_;
+};
+
+}  // namespace orvel
