@@ -7,6 +7,9 @@
 namespace orvel {
 
 struct RepeatingTimer::Schedule {
+  Schedule(Executor& queue, const Clock& time, Seconds interval, Task task)
+      : executor(queue), clock(time), period(interval), tick(std::move(task)), next(time.now()) {}
+
   Executor& executor;
   const Clock& clock;
   const Seconds period;
@@ -16,7 +19,7 @@ struct RepeatingTimer::Schedule {
 };
 
 RepeatingTimer::RepeatingTimer(Executor& executor, const Clock& clock, Seconds period, Task tick)
-    : schedule_(std::make_shared<Schedule>(executor, clock, period, std::move(tick), clock.now())) {
+    : schedule_(std::make_shared<Schedule>(executor, clock, period, std::move(tick))) {
   arm(schedule_, Seconds(0));
 }
 

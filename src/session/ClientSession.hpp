@@ -1,0 +1,100 @@
+#pragma once
+
+#include "base/Executor.hpp"
+#include "base/Guarded.hpp"
+#include "input/HeldKeys.hpp"
+#include "session/SessionHub.hpp"
+#include "session/Transport.hpp"
+
+#include <boost/json/object.hpp>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace orvel {
+
+class EventPoster;
+class Machine;
+class PairingStore;
+class PermissionGate;
+class PointerDriver;
+class TrustCheck;
+
+/// What all sessions share.
+struct SessionServices {
+  EventPoster& events;
+  const Machine& machine;
+  PairingStore& pairing;
+  PermissionGate& permission;
+  PointerDriver& pointer;
+  QueueFactory& queues;
+  TrustCheck& trust;
+};
+
+/// One connected phone: greets it, checks its proof, and carries out what it sends.
+///
+/// The handlers run on the connection's serial queue, slow work on a second serial queue. While what the phone has
+/// caused but not yet taken (replies unsent, work not done) exceeds a bound, nothing more is read from it.
+///
+/// Threads: any for the public operations.
+class ClientSession final : public std::enable_shared_from_this<ClientSession> {
+ public:
+  /// `services` must outlive the session.
+  ClientSession(std::unique_ptr<Transport> transport, std::weak_ptr<SessionHub> hub, const SessionServices& services);
+  ~ClientSession();
+  ClientSession(const ClientSession&) = delete;
+  ClientSession& operator=(const ClientSession&) = delete;
+
+  /// Opens the connection. Called once, when the hub knows the session.
+  void start();
+
+  /// Sends one message as compact JSON. A message that is not valid UTF-8 is dropped.
+  void send(const boost::json::object& json);
+
+  /// Closes the connection; the session then takes itself down on its own queue.
+  void cancel();
+
+  const SessionID& id() const { return id_; }
+
+  /// Whether the phone has proved that it knows the token.
+  bool authenticated() const { return authenticated_; }
+
+  /// The name that the phone gave itself; "iPhone" until then.
+  std::string deviceName() const;
+
+ private:
+  void stateChanged(Transport::State state);
+  void sendHello();
+  void receiveNext();
+  void received(std::optional<Message> message);
+  void teardown();
+
+  void handleControl(std::span<const std::uint8_t> data);
+  void authenticate(const boost::json::object& message);
+  void deny();
+  void reveal();
+
+  void handleInput(std::span<const std::uint8_t> frame);
+
+  void handOff(Task task, std::size_t cost);
+  void settle(std::size_t cost);
+
+  const SessionID id_;
+  const std::unique_ptr<Transport> transport_;
+  const std::weak_ptr<SessionHub> hub_;
+  const SessionServices& services_;
+  const std::unique_ptr<Executor> work_;
+  const std::string nonce_;
+  std::atomic<bool> authenticated_ = false;
+  Guarded<std::string> deviceName_;
+  HeldKeys heldKeys_;
+  std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
+  bool readingPaused_ = false;
+};
+
+}  // namespace orvel

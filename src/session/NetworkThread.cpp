@@ -1,0 +1,51 @@
+#include "session/NetworkThread.hpp"
+
+#include "session/NetworkQueue.hpp"
+#include "session/WebSocketListener.hpp"
+
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+namespace orvel {
+namespace {
+
+constexpr std::chrono::seconds farewell{2};
+
+}  // namespace
+
+struct NetworkThread::Runner {
+  Runner() {
+    std::packaged_task<void()> run([this] { context.run(); });
+    ended = run.get_future();
+    thread = std::thread(std::move(run));
+  }
+
+  boost::asio::io_context context{1};
+  boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{context.get_executor()};
+  NetworkQueue queue{context};
+  std::future<void> ended;
+  std::thread thread;
+};
+
+NetworkThread::NetworkThread(SocketTuner& tuner) : tuner_(tuner), runner_(std::make_unique<Runner>()) {}
+
+NetworkThread::~NetworkThread() {
+  finish();
+}
+
+std::unique_ptr<Listener> NetworkThread::makeListener(const ListenerOptions& options) {
+  return std::make_unique<WebSocketListener>(runner_->queue, tuner_, options);
+}
+
+void NetworkThread::finish() {
+  if (!runner_->thread.joinable()) return;
+  runner_->work.reset();
+  if (runner_->ended.wait_for(farewell) == std::future_status::timeout) runner_->context.stop();
+  runner_->thread.join();
+}
+
+}  // namespace orvel

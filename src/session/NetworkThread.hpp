@@ -1,0 +1,38 @@
+#pragma once
+
+#include "session/Listener.hpp"
+
+#include <memory>
+
+namespace orvel {
+
+class SocketTuner;
+
+/// The thread on which all connections live: the listener and every session have their serial queue on it.
+///
+/// One thread, because at the rates of input frames a second one costs more in wake-ups than it takes over. Nothing
+/// that runs on it may block.
+///
+/// Threads: any; `finish` is for the owner.
+class NetworkThread final : public Network {
+ public:
+  /// `tuner` must outlive it.
+  explicit NetworkThread(SocketTuner& tuner);
+  ~NetworkThread() override;
+  NetworkThread(const NetworkThread&) = delete;
+  NetworkThread& operator=(const NetworkThread&) = delete;
+
+  std::unique_ptr<Listener> makeListener(const ListenerOptions& options) override;
+
+  /// Returns once all connections have ended, which whoever owns them must have asked for, and the thread has gone.
+  /// Peers that will not part within two seconds are left.
+  void finish();
+
+ private:
+  struct Runner;
+
+  SocketTuner& tuner_;
+  std::unique_ptr<Runner> runner_;
+};
+
+}  // namespace orvel

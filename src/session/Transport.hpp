@@ -1,0 +1,54 @@
+#pragma once
+
+#include "base/Executor.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace orvel {
+
+enum class MessageType { text, binary, close, other };
+
+/// One whole message of a phone. The payload lives until the handler returns.
+struct Message {
+  MessageType type = MessageType::other;
+  std::span<const std::uint8_t> payload;
+};
+
+/// One phone's connection. Its handlers run on `queue`, never two at once.
+class Transport {
+ public:
+  enum class State { ready, failed, cancelled };
+
+  struct Handlers {
+    /// The connection has become ready, could not become so, or was cancelled.
+    std::function<void(State)> stateChanged;
+    /// The message that `receive` asked for, or nothing when the connection has ended.
+    std::function<void(std::optional<Message>)> received;
+    /// All that had arrived has been handed over: the moment to send on what a batch of messages has piled up.
+    std::function<void()> drained;
+  };
+
+  virtual ~Transport() = default;
+
+  /// The serial queue of this connection. It outlives the transport.
+  virtual Executor& queue() = 0;
+
+  /// Opens the connection; `handlers` hear of it from now on. Called once. Threads: any.
+  virtual void start(Handlers handlers) = 0;
+
+  /// Asks for one message. Called on `queue`, again only after the answer.
+  virtual void receive() = 0;
+
+  /// Sends one whole message, once the connection is ready, after all earlier ones, then calls `sent` on `queue`, also
+  /// when it failed. Threads: any.
+  virtual void send(MessageType type, std::string payload, Task sent) = 0;
+
+  /// Closes the connection at once. Harmless when it is closed. Threads: any.
+  virtual void cancel() = 0;
+};
+
+}  // namespace orvel

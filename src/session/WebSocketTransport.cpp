@@ -1,0 +1,340 @@
+#include "session/WebSocketTransport.hpp"
+
+#include "base/UTF8.hpp"
+#include "session/NetworkQueue.hpp"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/dispatch.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/beast/core/bind_handler.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/websocket/stream.hpp>
+
+#include <array>
+#include <chrono>
+#include <list>
+#include <string_view>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+namespace websocket = boost::beast::websocket;
+
+using Error = boost::system::error_code;
+
+constexpr std::chrono::seconds handshakeLimit{10};
+constexpr std::chrono::seconds farewellLimit{1};
+constexpr std::size_t largestRequest = 32 * 1024;  // a browser sends the cookies of this address along
+constexpr std::size_t largestKeptBuffer = 64 * 1024;
+
+/// The socket below the WebSocket. Tells when all that had arrived has been read, and bounds the time that a peer may
+/// take to part.
+class SocketLayer {
+ public:
+  using executor_type = ConnectionSocket::executor_type;
+
+  explicit SocketLayer(ConnectionSocket socket) : socket_(std::move(socket)) {}
+
+  executor_type get_executor() noexcept { return socket_.get_executor(); }
+  ConnectionSocket& socket() { return socket_; }
+  void onDrained(Task drained) { drained_ = std::move(drained); }
+
+  void close() {
+    Error ignored;
+    socket_.close(ignored);
+  }
+
+  /// Has `bytes`, which were read too early, read again before all that is still to come.
+  void unread(beast::flat_buffer bytes) { early_ = std::move(bytes); }
+
+  template <class Buffers, class Handler>
+  void async_read_some(const Buffers& buffers, Handler&& handler) {
+    if (early_.size() != 0) {
+      const std::size_t count = asio::buffer_copy(buffers, early_.cdata());
+      early_.consume(count);
+      asio::post(get_executor(), beast::bind_front_handler(std::forward<Handler>(handler), Error(), count));
+      return;
+    }
+    // The WebSocket asks for more only when it has used up what it had.
+    if (drained_) drained_();
+    socket_.async_read_some(buffers, std::forward<Handler>(handler));
+  }
+
+  template <class Buffers, class Handler>
+  void async_write_some(const Buffers& buffers, Handler&& handler) {
+    socket_.async_write_some(buffers, std::forward<Handler>(handler));
+  }
+
+  friend void beast_close_socket(SocketLayer& layer) { layer.close(); }
+
+ private:
+  ConnectionSocket socket_;
+  beast::flat_buffer early_;
+  Task drained_;
+};
+
+/// Ends a connection so that our last words arrive: sends no more, reads on until the peer ends too or the limit is
+/// reached, and only then closes.
+template <class Handler>
+class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
+ public:
+  Farewell(SocketLayer& layer, Handler handler)
+      : layer_(layer), limit_(layer.get_executor(), farewellLimit), handler_(std::move(handler)) {}
+
+  void begin() {
+    Error ignored;
+    layer_.socket().shutdown(ConnectionSocket::shutdown_send, ignored);
+    limit_.async_wait([self = this->shared_from_this()](const Error& error) {
+      if (!error) self->layer_.close();
+    });
+    discard();
+  }
+
+ private:
+  void discard() {
+    layer_.socket().async_read_some(asio::buffer(scratch_),
+                                    [self = this->shared_from_this()](const Error& error, std::size_t) {
+                                      if (error) {
+                                        self->end();
+                                      } else {
+                                        self->discard();
+                                      }
+                                    });
+  }
+
+  void end() {
+    limit_.cancel();
+    layer_.close();
+    std::move(handler_)(Error());
+  }
+
+  SocketLayer& layer_;
+  asio::steady_timer limit_;
+  Handler handler_;
+  std::array<char, 1024> scratch_;
+};
+
+/// Found by the WebSocket when it has said its last word.
+template <class Handler>
+void async_teardown(beast::role_type, SocketLayer& layer, Handler&& handler) {
+  std::make_shared<Farewell<std::decay_t<Handler>>>(layer, std::forward<Handler>(handler))->begin();
+}
+
+/// The peer's request for a WebSocket, which must be whole within the limit.
+struct Opening {
+  explicit Opening(SocketLayer& layer) : limit(layer.get_executor(), handshakeLimit) {
+    parser.header_limit(largestRequest);
+  }
+
+  /// The request. One whose key is not 16 bytes in base64 comes without it, so that the WebSocket, which does not look
+  /// that closely, refuses it.
+  http::request<http::empty_body> request() {
+    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    auto request = parser.release();
+    const auto key = request[http::field::sec_websocket_key];
+    const bool isWhole = key.size() == 24 && key.find_first_not_of(digits) == 22 && key.ends_with("==");
+    if (!isWhole) request.erase(http::field::sec_websocket_key);
+    return request;
+  }
+
+  asio::steady_timer limit;
+  beast::flat_buffer received{2 * largestRequest};
+  http::request_parser<http::empty_body> parser;
+};
+
+/// One connection. Everything runs on the network thread; pending operations keep it alive.
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  Connection(ConnectionSocket socket, std::size_t maximumMessageSize) : stream_(std::move(socket)) {
+    stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeLimit,
+                                                       .idle_timeout = websocket::stream_base::none(),
+                                                       .keep_alive_pings = false});
+    stream_.auto_fragment(false);
+    stream_.read_message_max(maximumMessageSize);
+    stream_.set_option(websocket::stream_base::decorator(
+        [](websocket::response_type& response) { response.set(http::field::server, "Orvel"); }));
+    stream_.control_callback([this](websocket::frame_type kind, beast::string_view) {
+      if (kind == websocket::frame_type::close) peerLeft();
+    });
+  }
+
+  void start(Transport::Handlers handlers) {
+    handlers_ = std::move(handlers);
+    if (ended_) {
+      handlers_.stateChanged(Transport::State::cancelled);
+      return;
+    }
+    stream_.next_layer().onDrained(handlers_.drained);
+    readRequest();
+  }
+
+  void receive() {
+    asked_ = true;
+    if (!delivering_) listen();
+  }
+
+  void send(MessageType type, std::string payload, Task sent) {
+    outgoing_.push_back({type, std::move(payload), std::move(sent)});
+    if (outgoing_.size() == 1) write();
+  }
+
+  void cancel() {
+    if (std::exchange(ended_, true)) return;
+    if (parting_) {
+      closeLater();
+    } else {
+      stream_.next_layer().close();
+    }
+    if (handlers_.stateChanged) handlers_.stateChanged(Transport::State::cancelled);
+  }
+
+ private:
+  struct Outgoing {
+    MessageType type;
+    std::string payload;
+    Task sent;
+  };
+
+  void readRequest() {
+    const auto opening = std::make_shared<Opening>(stream_.next_layer());
+    opening->limit.async_wait([self = weak_from_this()](const Error& error) {
+      const auto connection = self.lock();
+      if (connection && !error) connection->stream_.next_layer().close();
+    });
+    http::async_read_header(stream_.next_layer(), opening->received, opening->parser,
+                            [self = shared_from_this(), opening](const Error& error, std::size_t) {
+                              opening->limit.cancel();
+                              self->requested(error, *opening);
+                            });
+  }
+
+  void requested(const Error& error, Opening& opening) {
+    if (ended_) return;
+    if (error) {
+      handlers_.stateChanged(Transport::State::failed);
+      return;
+    }
+    stream_.next_layer().unread(std::move(opening.received));
+    const auto request = std::make_shared<const http::request<http::empty_body>>(opening.request());
+    stream_.async_accept(*request, [self = shared_from_this(), request](const Error& refused) {
+      if (!self->ended_) self->handlers_.stateChanged(refused ? Transport::State::failed : Transport::State::ready);
+    });
+  }
+
+  void peerLeft() {
+    parting_ = true;
+    if (!ended_) handlers_.received(Message{.type = MessageType::close, .payload = {}});
+  }
+
+  /// Gives our last words, which are on their way, time to arrive.
+  void closeLater() {
+    const auto timer = std::make_shared<asio::steady_timer>(stream_.get_executor(), farewellLimit);
+    timer->async_wait([self = shared_from_this(), timer](const Error&) { self->stream_.next_layer().close(); });
+  }
+
+  /// Ends the connection for a text that is none. What the WebSocket checks on the way lets a character pass that is
+  /// cut off before an empty last fragment.
+  void refuseText() {
+    parting_ = true;
+    stream_.async_close(websocket::close_code::bad_payload, [self = shared_from_this()](const Error&) {});
+    handlers_.received(std::nullopt);
+  }
+
+  void listen() {
+    if (ended_ || !std::exchange(asked_, false)) return;
+    stream_.async_read(incoming_, [self = shared_from_this()](const Error& error, std::size_t) { self->read(error); });
+  }
+
+  void read(const Error& error) {
+    if (ended_ || parting_) return;
+    if (error) {
+      handlers_.received(std::nullopt);
+      return;
+    }
+    const auto payload = incoming_.cdata();
+    if (stream_.got_text() && !isValidUTF8({static_cast<const char*>(payload.data()), payload.size()})) {
+      refuseText();
+      return;
+    }
+    delivering_ = true;
+    handlers_.received(Message{.type = stream_.got_text() ? MessageType::text : MessageType::binary,
+                               .payload = {static_cast<const std::uint8_t*>(payload.data()), payload.size()}});
+    delivering_ = false;
+    incoming_.consume(payload.size());
+    if (incoming_.capacity() > largestKeptBuffer) incoming_ = beast::flat_buffer();
+    listen();
+  }
+
+  void write() {
+    const Outgoing& next = outgoing_.front();
+    stream_.text(next.type == MessageType::text);
+    stream_.async_write(asio::buffer(next.payload),
+                        [self = shared_from_this()](const Error&, std::size_t) { self->written(); });
+  }
+
+  void written() {
+    const Task sent = std::move(outgoing_.front().sent);
+    outgoing_.pop_front();
+    if (!outgoing_.empty()) write();
+    sent();
+  }
+
+  websocket::stream<SocketLayer, false> stream_;
+  beast::flat_buffer incoming_;
+  std::list<Outgoing> outgoing_;  // a list holds no memory while it is empty
+  Transport::Handlers handlers_;
+  bool asked_ = false;       // for a message
+  bool delivering_ = false;  // one, which still stands in `incoming_`
+  bool parting_ = false;     // a farewell is on its way and ends in its own time
+  bool ended_ = false;
+};
+
+class WebSocketTransport final : public Transport {
+ public:
+  WebSocketTransport(NetworkQueue& queue, ConnectionSocket socket, std::size_t maximumMessageSize)
+      : queue_(queue), connection_(std::make_shared<Connection>(std::move(socket), maximumMessageSize)) {}
+
+  ~WebSocketTransport() override { cancel(); }
+
+  Executor& queue() override { return queue_; }
+
+  void start(Handlers handlers) override {
+    asio::dispatch(queue_.context(), [connection = connection_, handlers = std::move(handlers)]() mutable {
+      connection->start(std::move(handlers));
+    });
+  }
+
+  void receive() override { connection_->receive(); }
+
+  void send(MessageType type, std::string payload, Task sent) override {
+    asio::dispatch(queue_.context(),
+                   [connection = connection_, type, payload = std::move(payload), sent = std::move(sent)]() mutable {
+                     connection->send(type, std::move(payload), std::move(sent));
+                   });
+  }
+
+  void cancel() override {
+    queue_.post([connection = connection_] { connection->cancel(); });
+  }
+
+ private:
+  NetworkQueue& queue_;
+  const std::shared_ptr<Connection> connection_;
+};
+
+}  // namespace
+
+std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, ConnectionSocket socket,
+                                                  std::size_t maximumMessageSize) {
+  return std::make_unique<WebSocketTransport>(queue, std::move(socket), maximumMessageSize);
+}
+
+}  // namespace orvel

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "session/Advertiser.hpp"
+#include "session/Machine.hpp"
+#include "session/Preferences.hpp"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvel {
+
+class FakeMachine final : public Machine {
+ public:
+  std::optional<std::string> localizedName() const override { return localized; }
+  std::string hostName() const override { return host; }
+  std::vector<NetworkInterface> interfaces() const override { return addresses; }
+
+  std::optional<std::string> localized = "Test Mac";
+  std::string host = "test-mac.local";
+  std::vector<NetworkInterface> addresses = {{"en0", "10.0.0.2", true, false}};
+};
+
+class MemoryPreferences final : public Preferences {
+ public:
+  std::optional<std::string> string(const std::string& key) const override {
+    const auto found = texts.find(key);
+    return found == texts.end() ? std::nullopt : std::optional(found->second);
+  }
+  void setString(const std::string& key, const std::string& value) override { texts[key] = value; }
+
+  std::vector<std::string> strings(const std::string& key) const override {
+    const auto found = lists.find(key);
+    return found == lists.end() ? std::vector<std::string>() : found->second;
+  }
+  void setStrings(const std::string& key, const std::vector<std::string>& values) override { lists[key] = values; }
+
+  void remove(const std::string& key) override {
+    texts.erase(key);
+    lists.erase(key);
+  }
+
+  std::map<std::string, std::string> texts;
+  std::map<std::string, std::vector<std::string>> lists;
+};
+
+class RecordingAdvertiser final : public Advertiser {
+ public:
+  struct Service {
+    std::string name;
+    std::string type;
+    std::uint16_t port;
+  };
+
+  void advertise(const std::string& name, const std::string& type, std::uint16_t port) override {
+    service = Service{name, type, port};
+  }
+  void withdraw() override { service.reset(); }
+
+  std::optional<Service> service;
+};
+
+}  // namespace orvel

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "session/Listener.hpp"
+#include "session/NetworkThread.hpp"
+#include "session/SocketTuner.hpp"
+#include "session/Transport.hpp"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace orvel {
+
+struct ReceivedMessage {
+  MessageType type = MessageType::other;
+  std::string payload;
+
+  friend bool operator==(const ReceivedMessage&, const ReceivedMessage&) = default;
+};
+
+/// What one connection has been through.
+struct ConnectionRecord {
+  std::vector<Transport::State> states;
+  std::vector<ReceivedMessage> messages;
+  std::size_t sendsDone = 0;
+  bool failedToReceive = false;  ///< Told of the end in place of a message.
+
+  bool has(Transport::State state) const;
+
+  /// Whether the connection has ended for whoever uses its transport.
+  bool ended() const;
+};
+
+/// The real listener on a free port of this computer. It takes every connection, reads all that comes, and lets go of
+/// a connection when it ends, as a host does.
+///
+/// Threads: any.
+class LoopbackServer {
+ public:
+  static constexpr std::size_t largestMessage = 8388608;
+
+  LoopbackServer();
+  ~LoopbackServer();
+  LoopbackServer(const LoopbackServer&) = delete;
+  LoopbackServer& operator=(const LoopbackServer&) = delete;
+
+  /// The port that it listens on; 0 when none could be opened.
+  std::uint16_t port() const { return port_; }
+
+  /// The record of the `index`th connection, in the order of connecting; an empty one when there is none yet.
+  ConnectionRecord connection(std::size_t index) const;
+
+  /// Waits until the record of the `index`th connection is as `isAsExpected` wants it; false when that does not happen.
+  bool waitFor(std::size_t index, const std::function<bool(const ConnectionRecord&)>& isAsExpected,
+               std::chrono::milliseconds limit = std::chrono::seconds(5)) const;
+
+  void send(std::size_t index, MessageType type, std::string payload);
+  void cancel(std::size_t index);
+
+ private:
+  class Peer;
+  struct Tuner final : SocketTuner {
+    bool enableKeepAlive(int, Seconds) override { return true; }
+  };
+
+  bool listen(std::uint16_t port);
+  void take(std::unique_ptr<Transport> transport);
+  void note(std::size_t index, const std::function<void(ConnectionRecord&)>& change);
+  void letGo(std::size_t index);
+  std::shared_ptr<Peer> peer(std::size_t index) const;
+
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+  std::vector<ConnectionRecord> records_;
+  std::vector<std::shared_ptr<Peer>> peers_;  // as many; null once it has ended
+  std::uint16_t port_ = 0;
+  Tuner tuner_;
+  NetworkThread network_{tuner_};
+  std::unique_ptr<Listener> listener_;
+};
+
+}  // namespace orvel
