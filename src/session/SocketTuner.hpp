@@ -4,14 +4,24 @@
 
 namespace orvel {
 
-/// The TCP options that each system spells in its own way. Threads: any.
+/// What becomes of the data that was sent to a peer.
+enum class Delivery {
+  done,     ///< The peer has acknowledged all of it.
+  pending,  ///< It is on its way, or the peer lives but has no room for it.
+  ignored,  ///< It was repeated, and the peer has not been heard of for too long.
+};
+
+/// What each system does in a way of its own to find out that a peer has vanished. Threads: any.
 class SocketTuner {
  public:
   virtual ~SocketTuner() = default;
 
   /// Has a silent peer probed after `idle`, and the connection fail when it stays silent: within 30 s for an `idle` of
-  /// 10 s, also when data to it waits unacknowledged. False when the system refuses.
+  /// 10 s, but only while nothing sent waits for an acknowledgement. False when the system refuses.
   virtual bool enableKeepAlive(int socket, Seconds idle) = 0;
+
+  /// What becomes of the data sent; a peer that is silent for longer than `patience` ignores it. Does not block.
+  virtual Delivery delivery(int socket, Seconds patience) = 0;
 };
 
 }  // namespace orvel

@@ -82,7 +82,7 @@ class WebSocketListener::Port : public std::enable_shared_from_this<Port> {
     Error ignored;
     socket.set_option(tcp::no_delay(true), ignored);
     tuner_.enableKeepAlive(socket.native_handle(), options_.keepAliveIdle);
-    handlers_.connected(makeWebSocketTransport(queue_, std::move(socket), options_.maximumMessageSize));
+    handlers_.connected(makeWebSocketTransport(queue_, tuner_, std::move(socket), options_.maximumMessageSize));
     accept();
   }
 

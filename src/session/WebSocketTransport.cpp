@@ -2,6 +2,7 @@
 
 #include "base/UTF8.hpp"
 #include "session/NetworkQueue.hpp"
+#include "session/SocketTuner.hpp"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/dispatch.hpp>
@@ -32,6 +33,8 @@ using Error = boost::system::error_code;
 
 constexpr std::chrono::seconds handshakeLimit{10};
 constexpr std::chrono::seconds farewellLimit{1};
+constexpr std::chrono::seconds deliveryCheck{3};
+constexpr Seconds deliveryPatience{14};
 constexpr std::size_t largestRequest = 32 * 1024;  // a browser sends the cookies of this address along
 constexpr std::size_t largestKeptBuffer = 64 * 1024;
 
@@ -153,7 +156,8 @@ struct Opening {
 /// One connection. Everything runs on the network thread; pending operations keep it alive.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  Connection(ConnectionSocket socket, std::size_t maximumMessageSize) : stream_(std::move(socket)) {
+  Connection(ConnectionSocket socket, SocketTuner& tuner, std::size_t maximumMessageSize)
+      : tuner_(tuner), stream_(std::move(socket)), deliveryTimer_(stream_.get_executor()) {
     stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeLimit,
                                                        .idle_timeout = websocket::stream_base::none(),
                                                        .keep_alive_pings = false});
@@ -188,6 +192,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void cancel() {
     if (std::exchange(ended_, true)) return;
+    deliveryTimer_.cancel();
     if (parting_) {
       closeLater();
     } else {
@@ -274,6 +279,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   void write() {
+    if (!std::exchange(watchingDelivery_, true)) watchDelivery();
     const Outgoing& next = outgoing_.front();
     stream_.text(next.type == MessageType::text);
     stream_.async_write(asio::buffer(next.payload),
@@ -287,7 +293,31 @@ class Connection : public std::enable_shared_from_this<Connection> {
     sent();
   }
 
+  /// Looks from time to time what becomes of what was sent, until it has arrived.
+  void watchDelivery() {
+    if (ended_) return;
+    deliveryTimer_.expires_after(deliveryCheck);
+    deliveryTimer_.async_wait([self = weak_from_this()](const Error& error) {
+      const auto connection = self.lock();
+      if (connection && !error) connection->checkDelivery();
+    });
+  }
+
+  void checkDelivery() {
+    SocketLayer& layer = stream_.next_layer();
+    const Delivery delivery = tuner_.delivery(layer.socket().native_handle(), deliveryPatience);
+    if (delivery == Delivery::ignored) {
+      layer.close();
+    } else if (delivery == Delivery::pending || !outgoing_.empty()) {
+      watchDelivery();
+    } else {
+      watchingDelivery_ = false;
+    }
+  }
+
+  SocketTuner& tuner_;
   websocket::stream<SocketLayer, false> stream_;
+  asio::steady_timer deliveryTimer_;
   beast::flat_buffer incoming_;
   std::list<Outgoing> outgoing_;  // a list holds no memory while it is empty
   Transport::Handlers handlers_;
@@ -295,12 +325,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
   bool delivering_ = false;  // one, which still stands in `incoming_`
   bool parting_ = false;     // a farewell is on its way and ends in its own time
   bool ended_ = false;
+  bool watchingDelivery_ = false;
 };
 
 class WebSocketTransport final : public Transport {
  public:
-  WebSocketTransport(NetworkQueue& queue, ConnectionSocket socket, std::size_t maximumMessageSize)
-      : queue_(queue), connection_(std::make_shared<Connection>(std::move(socket), maximumMessageSize)) {}
+  WebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
+      : queue_(queue), connection_(std::make_shared<Connection>(std::move(socket), tuner, maximumMessageSize)) {}
 
   ~WebSocketTransport() override { cancel(); }
 
@@ -332,9 +363,9 @@ class WebSocketTransport final : public Transport {
 
 }  // namespace
 
-std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, ConnectionSocket socket,
+std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket,
                                                   std::size_t maximumMessageSize) {
-  return std::make_unique<WebSocketTransport>(queue, std::move(socket), maximumMessageSize);
+  return std::make_unique<WebSocketTransport>(queue, tuner, std::move(socket), maximumMessageSize);
 }
 
 }  // namespace orvel

@@ -67,6 +67,7 @@ class LoopbackServer {
   class Peer;
   struct Tuner final : SocketTuner {
     bool enableKeepAlive(int, Seconds) override { return true; }
+    Delivery delivery(int, Seconds) override { return Delivery::done; }
   };
 
   bool listen(std::uint16_t port);

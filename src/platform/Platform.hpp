@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+
+namespace orvel {
+
+class Advertiser;
+class Displays;
+class EventPoster;
+class Machine;
+class Preferences;
+class SocketTuner;
+class TrustCheck;
+class Workspace;
+
+/// The leaves of the desktop at hand, each behind the seam of the room that needs it.
+class Platform {
+ public:
+  virtual ~Platform() = default;
+
+  virtual Advertiser& advertiser() = 0;
+  virtual Displays& displays() = 0;
+  virtual EventPoster& events() = 0;
+  virtual Machine& machine() = 0;
+  virtual Preferences& preferences() = 0;
+  virtual SocketTuner& socketTuner() = 0;
+  virtual TrustCheck& trust() = 0;
+  virtual Workspace& workspace() = 0;
+
+  /// Calls `handler`, once and from any thread, when the desktop has gone and this program has no more to serve.
+  /// Called before anything else.
+  virtual void observeEnd(std::function<void()> handler) = 0;
+};
+
+/// Opens the desktop of this login, or says in a sentence for the user why there is none.
+std::variant<std::unique_ptr<Platform>, std::string> openPlatform();
+
+/// The preferences and the machine alone, for the commands that need no desktop.
+std::unique_ptr<Preferences> openPreferences();
+std::unique_ptr<Machine> openMachine();
+
+}  // namespace orvel

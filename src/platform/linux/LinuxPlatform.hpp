@@ -1,0 +1,63 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+#include "platform/Platform.hpp"
+#include "platform/linux/SystemAdvertiser.hpp"
+#include "platform/linux/SystemDisplays.hpp"
+#include "platform/linux/SystemEventPoster.hpp"
+#include "platform/linux/SystemMachine.hpp"
+#include "platform/linux/SystemPreferences.hpp"
+#include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemTrustCheck.hpp"
+#include "platform/linux/SystemWorkspace.hpp"
+
+#include <functional>
+#include <memory>
+
+namespace orvel {
+
+class X11Connection;
+
+/// The leaves of a Linux desktop with X11.
+///
+/// Threads: any, but made and destroyed by its owner, never by the handler of `observeEnd`.
+class LinuxPlatform final : public Platform {
+ public:
+  explicit LinuxPlatform(std::unique_ptr<X11Connection> connection);
+  ~LinuxPlatform() override;
+
+  /// Starts to follow the desktop. Called once. False when the system has no thread to give.
+  bool listen();
+
+  Advertiser& advertiser() override { return advertiser_; }
+  Displays& displays() override { return displays_; }
+  EventPoster& events() override { return events_; }
+  Machine& machine() override { return machine_; }
+  Preferences& preferences() override { return preferences_; }
+  SocketTuner& socketTuner() override { return socketTuner_; }
+  TrustCheck& trust() override { return trust_; }
+  Workspace& workspace() override { return workspace_; }
+
+  void observeEnd(std::function<void()> handler) override;
+
+ private:
+  struct End {
+    bool hasCome = false;
+    std::function<void()> handler;
+  };
+
+  void end();
+
+  const std::unique_ptr<X11Connection> connection_;
+  SystemAdvertiser advertiser_;
+  SystemDisplays displays_;
+  SystemEventPoster events_;
+  SystemMachine machine_;
+  SystemPreferences preferences_;
+  SystemSocketTuner socketTuner_;
+  SystemTrustCheck trust_;
+  SystemWorkspace workspace_;
+  Guarded<End> end_;
+};
+
+}  // namespace orvel

@@ -1,0 +1,441 @@
+#include "platform/linux/SystemAdvertiser.hpp"
+
+#include <avahi-client/client.h>
+#include <avahi-client/publish.h>
+#include <avahi-common/alternative.h>
+#include <avahi-common/domain.h>
+#include <avahi-common/error.h>
+#include <avahi-common/malloc.h>
+#include <avahi-common/simple-watch.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <sys/inotify.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <system_error>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::size_t longestName = AVAHI_LABEL_MAX - 1;
+constexpr int nameAttempts = 100;
+constexpr milliseconds longestFarewell(1000);
+
+/// A bus that has just made its socket does not listen yet; one that does not answer after these will not soon.
+constexpr std::array retryDelays = {milliseconds(50), milliseconds(200), milliseconds(1000), milliseconds(5000),
+                                    milliseconds(30000)};
+
+struct Service {
+  std::string name;
+  std::string type;
+  std::uint16_t port = 0;
+};
+
+/// A file descriptor that is closed with its owner. Threads: one.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  int number() const { return number_; }
+
+  /// Forgets how often an event or timer descriptor was set off.
+  void clear() const {
+    std::uint64_t count = 0;
+    [[maybe_unused]] const ssize_t size = read(number_, &count, sizeof count);
+  }
+
+ private:
+  const int number_;
+};
+
+/// Tells when the socket of the system bus appears, also while its folders are missing, by the kernel's word and
+/// without looking again and again. Threads: one.
+class SocketFileWatch {
+ public:
+  explicit SocketFileWatch(std::filesystem::path path)
+      : path_(std::move(path)), events_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {}
+
+  /// Readable when there is something for `takeNews`; negative where the system has none to give.
+  int descriptor() const { return events_.number(); }
+
+  void start();
+  void stop();
+
+  /// Whether the socket is known not to be there.
+  bool isMissing() const {
+    std::error_code ignored;
+    return path_.is_absolute() && !std::filesystem::exists(path_, ignored);
+  }
+
+  /// Whether the socket or a folder on the way to it has appeared since the last call. Never blocks.
+  bool takeNews();
+
+ private:
+  /// The nearest folder that exists, and what has to appear in it.
+  std::pair<std::filesystem::path, std::string> nearest() const;
+  bool isNews(const inotify_event& event) const;
+
+  const std::filesystem::path path_;
+  const Descriptor events_;
+  int watch_ = -1;
+  std::string awaited_;
+};
+
+std::pair<std::filesystem::path, std::string> SocketFileWatch::nearest() const {
+  std::filesystem::path awaited = path_;
+  std::error_code ignored;
+  while (awaited.has_relative_path() && !std::filesystem::is_directory(awaited.parent_path(), ignored)) {
+    awaited = awaited.parent_path();
+  }
+  return {awaited.parent_path(), awaited.filename()};
+}
+
+void SocketFileWatch::start() {
+  if (!path_.is_absolute()) return;
+  auto place = nearest();
+  while (true) {
+    stop();
+    watch_ = inotify_add_watch(events_.number(), place.first.c_str(),
+                               IN_CREATE | IN_MOVED_TO | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR);
+    awaited_ = place.second;
+    // A folder may have been made between looking for it and watching.
+    auto now = nearest();
+    if (now == place) return;
+    place = std::move(now);
+  }
+}
+
+void SocketFileWatch::stop() {
+  if (watch_ >= 0) inotify_rm_watch(events_.number(), watch_);
+  watch_ = -1;
+}
+
+bool SocketFileWatch::takeNews() {
+  alignas(inotify_event) std::array<char, 16 * (sizeof(inotify_event) + NAME_MAX + 1)> buffer;
+  bool news = false;
+  ssize_t size = 0;
+  while ((size = read(events_.number(), buffer.data(), buffer.size())) > 0) {
+    for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
+      const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + at);
+      news = news || isNews(event);
+      at += sizeof(inotify_event) + event.len;
+    }
+  }
+  return news;
+}
+
+bool SocketFileWatch::isNews(const inotify_event& event) const {
+  if ((event.mask & IN_Q_OVERFLOW) != 0) return true;
+  if (event.wd != watch_) return false;
+  return event.len == 0 || awaited_ == event.name;
+}
+
+std::string systemBusSocket() {
+  const char* configured = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+  if (configured == nullptr) return "/run/dbus/system_bus_socket";
+  const std::string_view address = configured;
+  constexpr std::string_view prefix = "unix:path=";
+  const std::size_t start = address.find(prefix);
+  if (start == std::string_view::npos) return {};
+  const std::string_view path = address.substr(start + prefix.size());
+  return std::string(path.substr(0, path.find_first_of(",;")));
+}
+
+/// As much of `name` as an announcement can hold, in whole characters.
+std::string fittingName(const std::string& name) {
+  if (name.size() <= longestName) return name;
+  std::size_t end = longestName;
+  while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
+  return name.substr(0, end);
+}
+
+}  // namespace
+
+/// What is to be announced, and the bell that tells the thread of a change. Threads: any.
+class SystemAdvertiser::Orders {
+ public:
+  struct State {
+    std::optional<Service> service;
+    bool isFinished = false;
+  };
+
+  void announce(std::optional<Service> service) {
+    state_.withLock([&](State& state) { state.service = std::move(service); });
+    ring();
+  }
+
+  void finish() {
+    state_.withLock([](State& state) { state.isFinished = true; });
+    ring();
+  }
+
+  State take() {
+    bell_.clear();
+    return state_.withLock([](const State& state) { return state; });
+  }
+
+  int bell() const { return bell_.number(); }
+
+ private:
+  void ring() const { eventfd_write(bell_.number(), 1); }
+
+  Guarded<State> state_;
+  const Descriptor bell_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+};
+
+/// Keeps the Avahi daemon informed of what is to be announced. Threads: its own one alone.
+class SystemAdvertiser::Announcer {
+ public:
+  explicit Announcer(Orders& orders);
+  ~Announcer();
+  Announcer(const Announcer&) = delete;
+  Announcer& operator=(const Announcer&) = delete;
+
+  /// Returns once the orders are finished.
+  void run();
+
+ private:
+  template <void (Announcer::*react)()>
+  void watch(int descriptor);
+
+  void ordersCame();
+  void socketAppeared();
+  void retryCame();
+
+  void connect();
+  void disconnect();
+  void connectLater();
+  void clientChanged(AvahiClientState state);
+  void groupChanged(AvahiEntryGroupState state);
+  void publish();
+  int addService();
+  void takeAnotherName();
+
+  Orders& orders_;
+  SocketFileWatch busSocket_{systemBusSocket()};
+  const Descriptor retryTimer_{timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)};
+  const std::unique_ptr<AvahiSimplePoll, decltype(&avahi_simple_poll_free)> poll_{avahi_simple_poll_new(),
+                                                                                  avahi_simple_poll_free};
+  AvahiClient* client_ = nullptr;
+  AvahiEntryGroup* group_ = nullptr;
+  std::optional<Service> service_;
+  std::string name_;
+  std::size_t failures_ = 0;
+  bool isFinished_ = false;
+};
+
+SystemAdvertiser::Announcer::Announcer(Orders& orders) : orders_(orders) {
+  if (poll_ == nullptr) return;
+  watch<&Announcer::ordersCame>(orders_.bell());
+  watch<&Announcer::socketAppeared>(busSocket_.descriptor());
+  watch<&Announcer::retryCame>(retryTimer_.number());
+}
+
+SystemAdvertiser::Announcer::~Announcer() {
+  disconnect();
+}
+
+void SystemAdvertiser::Announcer::run() {
+  if (poll_ == nullptr) return;
+  while (!isFinished_ && avahi_simple_poll_iterate(poll_.get(), -1) == 0) {
+  }
+}
+
+template <void (SystemAdvertiser::Announcer::*react)()>
+void SystemAdvertiser::Announcer::watch(int descriptor) {
+  if (descriptor < 0) return;
+  const AvahiPoll* api = avahi_simple_poll_get(poll_.get());
+  api->watch_new(
+      api, descriptor, AVAHI_WATCH_IN,
+      [](AvahiWatch*, int, AvahiWatchEvent, void* self) { (static_cast<Announcer*>(self)->*react)(); }, this);
+}
+
+void SystemAdvertiser::Announcer::ordersCame() {
+  Orders::State orders = orders_.take();
+  isFinished_ = orders.isFinished;
+  service_ = std::move(orders.service);
+  if (isFinished_) return;
+  failures_ = 0;
+  if (!service_) {
+    disconnect();
+  } else if (client_ == nullptr) {
+    connect();
+  } else {
+    name_ = fittingName(service_->name);
+    clientChanged(avahi_client_get_state(client_));
+  }
+}
+
+void SystemAdvertiser::Announcer::socketAppeared() {
+  if (!busSocket_.takeNews() || client_ != nullptr || !service_) return;
+  failures_ = 0;
+  connect();
+}
+
+void SystemAdvertiser::Announcer::retryCame() {
+  retryTimer_.clear();
+  if (service_) connect();
+}
+
+void SystemAdvertiser::Announcer::connect() {
+  disconnect();
+  name_ = fittingName(service_->name);
+  // Watched from before the attempt, so that no moment is left out.
+  busSocket_.start();
+  int error = 0;
+  client_ = avahi_client_new(
+      avahi_simple_poll_get(poll_.get()), AVAHI_CLIENT_NO_FAIL,
+      [](AvahiClient*, AvahiClientState state, void* self) { static_cast<Announcer*>(self)->clientChanged(state); },
+      this, &error);
+  if (client_ == nullptr) {
+    connectLater();
+  } else {
+    busSocket_.stop();
+    clientChanged(avahi_client_get_state(client_));
+  }
+}
+
+void SystemAdvertiser::Announcer::disconnect() {
+  const itimerspec never{};
+  timerfd_settime(retryTimer_.number(), 0, &never, nullptr);
+  busSocket_.stop();
+  if (client_ != nullptr) avahi_client_free(client_);
+  client_ = nullptr;
+  group_ = nullptr;
+}
+
+/// Not at once, as a client may not be freed by its own callback while it is being made.
+void SystemAdvertiser::Announcer::connectLater() {
+  // A socket that is not there announces itself.
+  const bool isHopeless = client_ == nullptr && busSocket_.isMissing();
+  if (isHopeless || failures_ == retryDelays.size()) return;
+  const auto delay = std::chrono::nanoseconds(retryDelays[failures_]).count();
+  const itimerspec once{.it_interval = {}, .it_value = {.tv_sec = delay / 1000000000, .tv_nsec = delay % 1000000000}};
+  timerfd_settime(retryTimer_.number(), 0, &once, nullptr);
+  ++failures_;
+}
+
+void SystemAdvertiser::Announcer::clientChanged(AvahiClientState state) {
+  if (client_ == nullptr) return;
+  switch (state) {
+    case AVAHI_CLIENT_S_RUNNING:
+      failures_ = 0;
+      publish();
+      break;
+    case AVAHI_CLIENT_S_COLLISION:
+    case AVAHI_CLIENT_S_REGISTERING:
+      // The computer's own name is changing: the announcement follows once that is settled.
+      if (group_ != nullptr) avahi_entry_group_reset(group_);
+      break;
+    case AVAHI_CLIENT_FAILURE:
+      connectLater();
+      break;
+    case AVAHI_CLIENT_CONNECTING:
+      failures_ = 0;
+      break;
+  }
+}
+
+void SystemAdvertiser::Announcer::groupChanged(AvahiEntryGroupState state) {
+  if (state == AVAHI_ENTRY_GROUP_COLLISION) {
+    takeAnotherName();
+    publish();
+  } else if (state == AVAHI_ENTRY_GROUP_FAILURE) {
+    connectLater();
+  }
+}
+
+void SystemAdvertiser::Announcer::publish() {
+  if (group_ != nullptr) {
+    avahi_entry_group_reset(group_);
+  } else {
+    group_ = avahi_entry_group_new(
+        client_,
+        [](AvahiEntryGroup*, AvahiEntryGroupState state, void* self) {
+          static_cast<Announcer*>(self)->groupChanged(state);
+        },
+        this);
+  }
+  if (group_ == nullptr) return;
+  int result = addService();
+  for (int attempt = 1; result == AVAHI_ERR_COLLISION && attempt < nameAttempts; ++attempt) {
+    takeAnotherName();
+    result = addService();
+  }
+  if (result == AVAHI_OK) avahi_entry_group_commit(group_);
+}
+
+int SystemAdvertiser::Announcer::addService() {
+  return avahi_entry_group_add_service_strlst(group_, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, AvahiPublishFlags{},
+                                              name_.c_str(), service_->type.c_str(), nullptr, nullptr, service_->port,
+                                              nullptr);
+}
+
+void SystemAdvertiser::Announcer::takeAnotherName() {
+  const std::unique_ptr<char, decltype(&avahi_free)> other(avahi_alternative_service_name(name_.c_str()), avahi_free);
+  if (other != nullptr) name_ = other.get();
+}
+
+SystemAdvertiser::SystemAdvertiser() : orders_(std::make_shared<Orders>()) {}
+
+SystemAdvertiser::~SystemAdvertiser() {
+  orders_->finish();
+  worker_.withLock([](Worker& worker) {
+    if (!worker.thread.joinable()) return;
+    // Calls to a bus or daemon that has been stopped end after half a minute only; the thread holds all that it needs.
+    if (worker.ended.wait_for(longestFarewell) == std::future_status::ready) {
+      worker.thread.join();
+    } else {
+      worker.thread.detach();
+    }
+  });
+}
+
+void SystemAdvertiser::advertise(const std::string& name, const std::string& type, std::uint16_t port) {
+  orders_->announce(Service{name, type, port});
+  worker_.withLock([this](Worker& worker) {
+    if (!worker.thread.joinable()) startThread(worker);
+  });
+}
+
+void SystemAdvertiser::withdraw() {
+  orders_->announce(std::nullopt);
+}
+
+void SystemAdvertiser::startThread(Worker& worker) const {
+  std::packaged_task<void()> work([orders = orders_] { Announcer(*orders).run(); });
+  worker.ended = work.get_future();
+  // Signals are for the main thread.
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  try {
+    worker.thread = std::thread(std::move(work));
+    pthread_setname_np(worker.thread.native_handle(), "orvel.mdns");
+  } catch (const std::system_error&) {
+    // Without a thread nothing is announced until the next call.
+  }
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+}  // namespace orvel

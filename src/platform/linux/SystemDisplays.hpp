@@ -1,0 +1,47 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+#include "input/Displays.hpp"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace orvel {
+
+class X11Connection;
+
+/// The monitors as RandR tells them. Without RandR, or without monitors, the whole screen is the only display.
+///
+/// Threads: any; `handle` is called on the thread of the connection.
+class SystemDisplays final : public Displays {
+ public:
+  explicit SystemDisplays(X11Connection& connection);
+
+  std::shared_ptr<const DisplayLayout> layout() const override;
+
+  /// The size of the screen that holds all monitors; the pointer never leaves it.
+  Size screenSize() const;
+
+  /// Takes an event of the server, and looks again when it tells of a change of monitors.
+  void handle(const xcb_generic_event_t& event);
+
+ private:
+  struct State {
+    std::shared_ptr<const DisplayLayout> layout;
+    Size screenSize;
+  };
+
+  void observeChanges();
+  std::optional<State> ask() const;
+  void refresh();
+  bool tellsOfChange(const xcb_generic_event_t& event) const;
+
+  X11Connection& connection_;
+  const std::optional<std::uint8_t> firstEvent_;  // of RandR, when the server has it
+  Guarded<State> state_;
+};
+
+}  // namespace orvel

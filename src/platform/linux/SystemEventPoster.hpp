@@ -1,0 +1,74 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+#include "input/EventPoster.hpp"
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <optional>
+
+namespace orvel {
+
+class SystemDisplays;
+class X11Connection;
+
+/// Posts input by XTEST, as if a second mouse and keyboard were plugged in.
+///
+/// A modifier flag holds the key of that modifier down for as long as the key it came with; command is Control, the
+/// shortcut modifier of this desktop, and function is nothing. Wheels turn in notches; what is left of one is kept.
+///
+/// Threads: any. Only `pointerLocation` waits for the server.
+class SystemEventPoster final : public EventPoster {
+ public:
+  SystemEventPoster(X11Connection& connection, const SystemDisplays& displays);
+
+  bool post(const MouseEvent& event) override;
+  bool post(const ScrollEvent& event) override;
+  bool post(const KeyEvent& event) override;
+  std::optional<Point> pointerLocation() override;
+  void flush() override;
+
+ private:
+  struct Position {
+    std::int16_t x;
+    std::int16_t y;
+
+    friend bool operator==(const Position&, const Position&) = default;
+  };
+
+  struct Key {
+    bool isDown = false;             // as a key of its own
+    std::uint8_t heldModifiers = 0;  // pressed with it, one bit each
+    std::uint16_t holders = 0;       // itself, and the keys that it is held down for as a modifier
+  };
+
+  struct State {
+    std::optional<Position> pointer;  // where a post or a query last found it
+    std::uint64_t placements = 0;     // posts that placed the pointer
+    bool isPointerUnflushed = false;
+    bool isUnflushed = false;
+    std::int64_t verticalRemainder = 0;  // pixels that do not make a notch yet
+    std::int64_t horizontalRemainder = 0;
+    std::array<Key, 256> keys;  // by X key code
+  };
+
+  bool canPost() const;
+  void turn(State& state, std::int64_t& remainder, std::int32_t pixels, std::uint8_t forward, std::uint8_t backward);
+  void press(State& state, std::uint8_t keyCode, std::uint8_t modifiers);
+  void release(State& state, std::uint8_t keyCode);
+  void holdModifiers(State& state, std::uint8_t modifiers);
+  void letGoModifiers(State& state, std::uint8_t modifiers);
+  void hold(State& state, std::uint8_t keyCode);
+  void letGo(State& state, std::uint8_t keyCode);
+  void queue(State& state, std::uint8_t type, std::uint8_t detail, Position position = {}) const;
+  Position onScreen(Position position) const;
+
+  X11Connection& connection_;
+  const SystemDisplays& displays_;
+  const bool hasXTest_;
+  const std::bitset<256> repeatingKeys_;  // by X key code
+  Guarded<State> state_;
+};
+
+}  // namespace orvel

@@ -1,0 +1,122 @@
+#include "platform/linux/SystemMachine.hpp"
+
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netdb.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QString>
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <fstream>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr std::size_t maximumInfoSize = 65536;
+constexpr std::string_view blanks = " \t\r";
+
+std::string validUTF8(std::string_view bytes) {
+  return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())).toStdString();
+}
+
+std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+/// The value of a shell assignment: quotes taken off, escapes resolved, nothing expanded.
+std::string unquoted(std::string_view text) {
+  std::string value;
+  char quote = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const char c = text[at];
+    const char next = at + 1 < text.size() ? text[at + 1] : '\0';
+    const bool escapes =
+        c == '\\' && next != 0 &&
+        (quote == 0 || (quote == '"' && std::string_view("\"\\$`").find(next) != std::string_view::npos));
+    if (escapes) {
+      value += next;
+      ++at;
+    } else if (quote == 0 && (c == '"' || c == '\'')) {
+      quote = c;
+    } else if (quote != 0 && c == quote) {
+      quote = 0;
+    } else if (quote == 0 && blanks.find(c) != std::string_view::npos) {
+      break;
+    } else {
+      value += c;
+    }
+  }
+  return value;
+}
+
+std::string startOf(const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  std::string text(maximumInfoSize, '\0');
+  stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(stream.gcount()));
+  return text;
+}
+
+/// What a file of shell assignments gives `key`; of several the last counts, as in a shell.
+std::string assignedValue(std::string_view text, std::string_view key) {
+  std::string value;
+  while (!text.empty()) {
+    const std::size_t length = std::min(text.find('\n'), text.size());
+    const std::string_view line = trimmed(text.substr(0, length));
+    text.remove_prefix(std::min(length + 1, text.size()));
+    if (line.starts_with(key) && line.substr(key.size()).starts_with('=')) {
+      value = unquoted(line.substr(key.size() + 1));
+    }
+  }
+  return value;
+}
+
+std::optional<NetworkInterface> describe(const ifaddrs& entry) {
+  if (entry.ifa_addr == nullptr || entry.ifa_addr->sa_family != AF_INET) return std::nullopt;
+  std::array<char, NI_MAXHOST> address{};
+  if (getnameinfo(entry.ifa_addr, sizeof(sockaddr_in), address.data(), address.size(), nullptr, 0, NI_NUMERICHOST) !=
+      0) {
+    return std::nullopt;
+  }
+  return NetworkInterface{.name = validUTF8(entry.ifa_name),
+                          .address = address.data(),
+                          .isUp = (entry.ifa_flags & IFF_UP) != 0,
+                          .isLoopback = (entry.ifa_flags & IFF_LOOPBACK) != 0};
+}
+
+}  // namespace
+
+SystemMachine::SystemMachine(std::string machineInfo) : machineInfo_(std::move(machineInfo)) {}
+
+std::optional<std::string> SystemMachine::localizedName() const {
+  std::string name = validUTF8(assignedValue(startOf(machineInfo_), "PRETTY_HOSTNAME"));
+  if (name.empty()) return std::nullopt;
+  return name;
+}
+
+std::string SystemMachine::hostName() const {
+  std::array<char, HOST_NAME_MAX + 1> name{};
+  if (gethostname(name.data(), name.size() - 1) != 0) return {};
+  return validUTF8(name.data());
+}
+
+std::vector<NetworkInterface> SystemMachine::interfaces() const {
+  ifaddrs* first = nullptr;
+  if (getifaddrs(&first) != 0) return {};
+  const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> list(first, freeifaddrs);
+  std::vector<NetworkInterface> found;
+  for (const ifaddrs* entry = first; entry != nullptr; entry = entry->ifa_next) {
+    if (auto interface = describe(*entry)) found.push_back(std::move(*interface));
+  }
+  return found;
+}
+
+}  // namespace orvel

@@ -1,0 +1,127 @@
+#include "platform/linux/SystemPreferences.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QStringConverter>
+#include <QStringList>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr mode_t permissionBits = 07777;
+constexpr mode_t ownFolder = 0700;
+constexpr mode_t ownFile = 0600;
+
+QString toQString(const std::string& text) {
+  // A byte order mark at the start is part of the text; QString::fromUtf8 would drop it.
+  QStringDecoder decode(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+  return decode(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+bool isRegularFile(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// Whether `path` has exactly these permissions, now if not before.
+bool restrict(const std::string& path, mode_t mode) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return false;
+  return (status.st_mode & permissionBits) == mode || chmod(path.c_str(), mode) == 0;
+}
+
+void makeFolders(const std::string& path) {
+  for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+    mkdir(path.substr(0, end).c_str(), ownFolder);
+  }
+  mkdir(path.c_str(), ownFolder);
+}
+
+bool createPrivately(const std::string& file) {
+  const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownFile);
+  if (descriptor < 0) return false;
+  close(descriptor);
+  return true;
+}
+
+/// Makes sure that `file` is there, ours, and closed to others before anything is written: what replaces it takes over
+/// its permissions, and does so before it has a name. Someone else's file makes room for one of ours.
+bool prepare(const std::string& folder, const std::string& file) {
+  makeFolders(folder);
+  if (!restrict(folder, ownFolder)) return false;
+  if (createPrivately(file)) return true;
+  if (!isRegularFile(file)) return false;
+  const bool usable = restrict(file, ownFile) && access(file.c_str(), R_OK | W_OK) == 0;
+  return usable || (unlink(file.c_str()) == 0 && createPrivately(file));
+}
+
+}  // namespace
+
+SystemPreferences::SystemPreferences()
+    : folder_(QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)).toStdString() +
+              "/orvel"),
+      file_(folder_ + "/orvel.conf") {}
+
+std::optional<std::string> SystemPreferences::string(const std::string& key) const {
+  Texts texts = strings(key);
+  if (texts.size() != 1) return std::nullopt;
+  return std::move(texts.front());
+}
+
+std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
+  return unsaved_.withLock([&](const Changes& unsaved) -> Texts {
+    if (const auto change = unsaved.find(key); change != unsaved.end()) return change->second;
+    // Anything else under that name, such as a pipe, might keep the reader waiting for ever.
+    if (!isRegularFile(file_)) return {};
+    restrict(file_, ownFile);
+    const QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
+    Texts texts;
+    for (const QString& text : settings.value(toQString(key)).toStringList()) texts.push_back(text.toStdString());
+    return texts;
+  });
+}
+
+void SystemPreferences::setString(const std::string& key, const std::string& value) {
+  change(key, {value});
+}
+
+void SystemPreferences::setStrings(const std::string& key, const std::vector<std::string>& values) {
+  change(key, values);
+}
+
+void SystemPreferences::remove(const std::string& key) {
+  change(key, {});
+}
+
+void SystemPreferences::change(const std::string& key, Texts texts) {
+  unsaved_.withLock([&](Changes& unsaved) {
+    unsaved[key] = std::move(texts);
+    if (store(unsaved)) unsaved.clear();
+  });
+}
+
+bool SystemPreferences::store(const Changes& changes) const {
+  if (!prepare(folder_, file_)) return false;
+  QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
+  for (const auto& [key, texts] : changes) {
+    QStringList list;
+    for (const std::string& text : texts) list.push_back(toQString(text));
+    if (list.isEmpty()) {
+      settings.remove(toQString(key));
+    } else {
+      settings.setValue(toQString(key), list);
+    }
+  }
+  settings.sync();
+  // A format error only says that what was there before could not be read.
+  return settings.status() != QSettings::AccessError;
+}
+
+}  // namespace orvel

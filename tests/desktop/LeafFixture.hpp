@@ -1,0 +1,79 @@
+#pragma once
+
+#include "desktop/Patience.hpp"
+#include "desktop/VirtualDesktop.hpp"
+#include "desktop/X11Witness.hpp"
+#include "platform/linux/SystemDisplays.hpp"
+#include "platform/linux/SystemEventPoster.hpp"
+#include "platform/linux/SystemTrustCheck.hpp"
+#include "platform/linux/SystemWorkspace.hpp"
+#include "platform/linux/X11Connection.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace orvel {
+
+/// The leaves of one X server, and the thread that serves them.
+class LeafSet {
+ public:
+  explicit LeafSet(const VirtualDesktop& desktop) : connection_(X11Connection::open(desktop.display())) {
+    connection_->listen({.event =
+                             [this](const xcb_generic_event_t& event) {
+                               displays.handle(event);
+                               workspace.handle(event);
+                             },
+                         .ended = [this] { ended_.set_value(); }});
+  }
+  ~LeafSet() { connection_->stopListening(); }
+
+  X11Connection& connection() { return *connection_; }
+
+  /// Whether the end of the server is told of in time.
+  bool waitForEnd() { return ended_.get_future().wait_for(patience) == std::future_status::ready; }
+
+ private:
+  const std::unique_ptr<X11Connection> connection_;
+  std::promise<void> ended_;  // throws when it is told twice
+
+ public:
+  SystemDisplays displays{*connection_};
+  SystemEventPoster events{*connection_, displays};
+  SystemTrustCheck trust{*connection_};
+  SystemWorkspace workspace{*connection_};
+};
+
+/// A desktop, the leaves on it, and a program that sees what they do.
+struct LeafFixture : testing::Test {
+  void post(MouseEventType type, Point position) {
+    EXPECT_TRUE(leaves.events.post(MouseEvent{.type = type, .position = position}));
+  }
+
+  void scroll(int wheel1, int wheel2) {
+    EXPECT_TRUE(leaves.events.post(ScrollEvent{.wheel1 = wheel1, .wheel2 = wheel2}));
+  }
+
+  void key(std::uint16_t keyCode, bool down, std::uint64_t flags = 0) {
+    EXPECT_TRUE(leaves.events.post(KeyEvent{.keyCode = keyCode, .down = down, .flags = flags}));
+  }
+
+  /// Flushes, and returns what the other program has got since the last call.
+  X11Witness::Inputs delivered() {
+    leaves.events.flush();
+    leaves.events.pointerLocation();  // the server has then taken all that was posted
+    auto inputs = witness.catchUp();
+    witness.forget();
+    return inputs;
+  }
+
+  VirtualDesktop desktop;
+  LeafSet leaves{desktop};
+  X11Witness witness{desktop.display()};
+};
+
+}  // namespace orvel

@@ -1,0 +1,372 @@
+#include "desktop/TemporaryFolder.hpp"
+#include "platform/linux/SystemPreferences.hpp"
+
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+constexpr uid_t nobody = 65534;
+constexpr int noOtherUser = 77;
+
+class SystemPreferencesTest : public ::testing::Test {
+ protected:
+  SystemPreferencesTest() { setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1); }
+
+  fs::path configuration() const { return folder_.path() / "orvel"; }
+  fs::path file() const { return configuration() / "orvel.conf"; }
+
+  void writeFile(const std::string& content) const {
+    fs::create_directories(configuration());
+    std::ofstream(file(), std::ios::binary | std::ios::trunc) << content;
+  }
+
+  std::string fileContent() const {
+    std::ifstream stream(file(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+  static mode_t permissions(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(SystemPreferencesTest, NothingIsStoredAtFirst) {
+  const SystemPreferences preferences;
+  EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
+  EXPECT_EQ(preferences.strings("orvel.devices"), Texts{});
+  EXPECT_FALSE(fs::exists(configuration())) << "reading must not create anything";
+}
+
+TEST_F(SystemPreferencesTest, WhatIsStoredOutlivesTheObject) {
+  SystemPreferences().setString("orvel.token", "ABCDEFGHJKMNPQRS");
+  SystemPreferences().setStrings("orvel.devices", {"Ada's iPhone", "Tablet"});
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMNPQRS");
+  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), (Texts{"Ada's iPhone", "Tablet"}));
+  EXPECT_EQ(fileContent(), "[General]\norvel.devices=Ada's iPhone, Tablet\norvel.token=ABCDEFGHJKMNPQRS\n");
+}
+
+TEST_F(SystemPreferencesTest, AFileWrittenByHandIsRead) {
+  writeFile("; mine\n[General]\norvel.token = ABCDEFGHJKMN\norvel.devices=One, \"Two, too\"\n");
+  const SystemPreferences preferences;
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two, too"}));
+}
+
+TEST_F(SystemPreferencesTest, RemovingForgetsOneKey) {
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  preferences.setStrings("orvel.devices", {"One"});
+  preferences.remove("orvel.devices");
+  preferences.remove("never.set");
+  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{});
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+}
+
+const Texts awkwardTexts = {"",
+                            "plain",
+                            "a, b",
+                            "a;b",
+                            "\"quoted\"",
+                            "back\\slash",
+                            "\\x41",
+                            "100%",
+                            "%20",
+                            "@",
+                            "@@",
+                            "@Invalid()",
+                            "@String(x)",
+                            "@ByteArray(x)",
+                            "@Variant(\\0)",
+                            " spaces ",
+                            "\ttabs\t",
+                            "two\nlines\r\n",
+                            std::string("zero\0byte", 9),
+                            std::string(1, '\0'),
+                            "key=value",
+                            "[General]",
+                            "#comment",
+                            "Küche 🍳 日本 e\u0301",
+                            "\uFEFFmark",
+                            "\uFFFE\uFFFF",
+                            "\u2028\u0085",
+                            "\x01"
+                            "2\x7f",
+                            std::string(100000, 'x')};
+
+TEST_F(SystemPreferencesTest, EveryTextComesBackAsItWas) {
+  for (const std::string& text : awkwardTexts) {
+    SystemPreferences().setString("orvel.token", text);
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), text);
+  }
+}
+
+TEST_F(SystemPreferencesTest, EveryListOfOneComesBackAsItWas) {
+  for (const std::string& text : awkwardTexts) {
+    SystemPreferences().setStrings("orvel.devices", {text});
+    EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{text});
+  }
+}
+
+TEST_F(SystemPreferencesTest, ListsOfAnyLengthComeBackAsTheyWere) {
+  for (const Texts& list :
+       {Texts{}, Texts{"", ""}, Texts{"@Invalid()", "@Invalid()"}, Texts{"a", "a, b", ""}, awkwardTexts}) {
+    SystemPreferences().setStrings("orvel.devices", list);
+    EXPECT_EQ(SystemPreferences().strings("orvel.devices"), list);
+  }
+}
+
+TEST_F(SystemPreferencesTest, AwkwardTextsAreReallyInTheFile) {
+  SystemPreferences().setStrings("orvel.devices", awkwardTexts);
+  // Under another path nothing that this process remembers can answer in the file's place.
+  fs::create_directory(folder_.path() / "other");
+  fs::rename(configuration(), folder_.path() / "other/orvel");
+  setenv("XDG_CONFIG_HOME", (folder_.path() / "other").c_str(), 1);
+  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), awkwardTexts);
+}
+
+TEST_F(SystemPreferencesTest, WhatIsNoTextIsMadeOne) {
+  SystemPreferences().setString("orvel.token",
+                                "a\xff"
+                                "b\xed\xa0\x80");
+  const auto stored = SystemPreferences().string("orvel.token");
+  ASSERT_TRUE(stored.has_value());
+  EXPECT_TRUE(
+      stored->starts_with("a\uFFFD"
+                          "b\uFFFD"))
+      << *stored;
+  EXPECT_EQ(stored->find('\xff'), std::string::npos);
+  EXPECT_EQ(stored->find("\xed\xa0"), std::string::npos);
+  writeFile("[General]\norvel.token=x\xfe\\xd800y\n");
+  EXPECT_EQ(SystemPreferences().string("orvel.token").value_or("").find('\xfe'), std::string::npos);
+  EXPECT_EQ(SystemPreferences().string("orvel.token").value_or("").find("\xed\xa0"), std::string::npos);
+}
+
+TEST_F(SystemPreferencesTest, AListOfSeveralIsNoString) {
+  SystemPreferences().setStrings("orvel.token", {"one", "two"});
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
+}
+
+TEST_F(SystemPreferencesTest, TheFileAndItsFolderAreTheUsersAlone) {
+  const mode_t before = umask(0);
+  SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
+  umask(before);
+  EXPECT_EQ(permissions(configuration()), 0700u);
+  EXPECT_EQ(permissions(file()), 0600u);
+}
+
+TEST_F(SystemPreferencesTest, LaxPermissionsAreTightenedByReadingAndByWriting) {
+  writeFile("[General]\norvel.token=ABCDEFGHJKMN\n");
+  fs::permissions(configuration(), fs::perms(0755));
+  fs::permissions(file(), fs::perms(0644));
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(permissions(file()), 0600u);
+  fs::permissions(file(), fs::perms(0666));
+  SystemPreferences().setString("other", "value");
+  EXPECT_EQ(permissions(file()), 0600u);
+  EXPECT_EQ(permissions(configuration()), 0700u);
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+}
+
+TEST_F(SystemPreferencesTest, NothingElseIsLeftInTheFolder) {
+  SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
+  EXPECT_EQ(std::distance(fs::directory_iterator(configuration()), fs::directory_iterator()), 1);
+}
+
+TEST_F(SystemPreferencesTest, MissingParentFoldersAreMade) {
+  setenv("XDG_CONFIG_HOME", (folder_.path() / "home/.config").c_str(), 1);
+  SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(permissions(folder_.path() / "home/.config/orvel/orvel.conf"), 0600u);
+}
+
+TEST_F(SystemPreferencesTest, WithoutAConfigurationFolderTheHomeFolderCounts) {
+  unsetenv("XDG_CONFIG_HOME");
+  const std::string home = getenv("HOME") == nullptr ? "/" : getenv("HOME");
+  setenv("HOME", folder_.path().c_str(), 1);
+  SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
+  setenv("HOME", home.c_str(), 1);
+  EXPECT_TRUE(fs::exists(folder_.path() / ".config/orvel/orvel.conf"));
+}
+
+TEST_F(SystemPreferencesTest, AFileThatCannotBeParsedIsReplaced) {
+  const std::string contents[] = {"no equals sign",
+                                  "[General",
+                                  std::string("\0\x01\xff\xfe=\0", 6),
+                                  "\xff\xfe\n\n===\n[",
+                                  "[General]\norvel.token=\"never closed\n",
+                                  std::string(100000, '[')};
+  for (const std::string& content : contents) {
+    writeFile(content);
+    SystemPreferences preferences;
+    preferences.strings("orvel.devices");
+    preferences.setString("orvel.token", "ABCDEFGHJKMN");
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+    EXPECT_NE(fileContent().find("orvel.token=ABCDEFGHJKMN\n"), std::string::npos);
+    EXPECT_EQ(permissions(file()), 0600u);
+  }
+}
+
+/// Each makes a different obstacle where the file should be.
+class SystemPreferencesObstacleTest : public SystemPreferencesTest {
+ protected:
+  void expectMemory() {
+    SystemPreferences preferences;
+    EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
+    preferences.setString("orvel.token", "ABCDEFGHJKMN");
+    preferences.setStrings("orvel.devices", {"One", "Two"});
+    EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+    EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two"}));
+    preferences.remove("orvel.devices");
+    EXPECT_EQ(preferences.strings("orvel.devices"), Texts{});
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
+  }
+};
+
+TEST_F(SystemPreferencesObstacleTest, AFolderInPlaceOfTheFile) {
+  fs::create_directories(file());
+  expectMemory();
+}
+
+TEST_F(SystemPreferencesObstacleTest, ADanglingLink) {
+  fs::create_directories(configuration());
+  fs::create_symlink(folder_.path() / "nowhere", file());
+  expectMemory();
+  EXPECT_FALSE(fs::exists(folder_.path() / "nowhere"));
+}
+
+TEST_F(SystemPreferencesObstacleTest, APipe) {
+  fs::create_directories(configuration());
+  ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
+  expectMemory();
+}
+
+TEST_F(SystemPreferencesObstacleTest, AFileInPlaceOfTheFolder) {
+  std::ofstream(configuration()) << "in the way";
+  expectMemory();
+}
+
+TEST_F(SystemPreferencesObstacleTest, AFolderWithoutWritePermission) {
+  // Root may write everywhere, so an ordinary user has to try.
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    fs::permissions(folder_.path(), fs::perms(0555));
+    if (getuid() == 0 && setuid(nobody) != 0) _exit(noOtherUser);
+    expectMemory();
+    _exit(HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  fs::permissions(folder_.path(), fs::perms(0700));
+  if (WEXITSTATUS(status) == noOtherUser) GTEST_SKIP() << "there is no other user here";
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredWithTheNextChange) {
+  fs::create_directories(file());
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  fs::remove(file());
+  preferences.setStrings("orvel.devices", {"One"});
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"One"});
+}
+
+TEST_F(SystemPreferencesTest, AFileThatCannotBeReadIsReplaced) {
+  writeFile("[General]\norvel.token=ROOTSROOTSROOTS\n");
+  fs::permissions(file(), fs::perms(0600));
+  if (chown(folder_.path().c_str(), nobody, nobody) != 0) GTEST_SKIP() << "only root can make a file someone else's";
+  ASSERT_EQ(chown(configuration().c_str(), nobody, nobody), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    if (setuid(nobody) != 0) _exit(noOtherUser);
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
+    SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+    _exit(HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(permissions(file()), 0600u);
+}
+
+pid_t startWriter(const std::string& key, const std::string& count) {
+  Texts words = {PREFERENCES_WRITER, key, count};
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  pid_t process = -1;
+  EXPECT_EQ(posix_spawn(&process, PREFERENCES_WRITER, nullptr, nullptr, arguments.data(), environ), 0);
+  return process;
+}
+
+bool succeeded(pid_t process) {
+  int status = -1;
+  return waitpid(process, &status, 0) == process && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST_F(SystemPreferencesTest, AnotherProcessesChangeIsSeen) {
+  SystemPreferences preferences;
+  preferences.setString("orvel.writer", "before");
+  ASSERT_TRUE(succeeded(startWriter("orvel.writer", "1")));
+  EXPECT_EQ(preferences.string("orvel.writer"), "1");
+  fs::remove(file());
+  EXPECT_EQ(preferences.string("orvel.writer"), std::nullopt);
+}
+
+TEST_F(SystemPreferencesTest, ProcessesThatWriteAtOnceLoseAndBreakNothing) {
+  const Texts keys = {"writer.a", "writer.b", "writer.c"};
+  std::vector<pid_t> writers;
+  for (const std::string& key : keys) writers.push_back(startWriter(key, "40"));
+  const SystemPreferences preferences;
+  for (int round = 0; round < 200; ++round) {
+    const std::string shared = preferences.string("shared").value_or(std::string(200, 'a'));
+    EXPECT_EQ(shared.size(), 200u);
+    EXPECT_EQ(std::count(shared.begin(), shared.end(), shared.front()), 200);
+  }
+  for (const pid_t writer : writers) EXPECT_TRUE(succeeded(writer));
+  for (const std::string& key : keys) EXPECT_EQ(SystemPreferences().string(key), "40");
+  EXPECT_EQ(permissions(file()), 0600u);
+}
+
+TEST_F(SystemPreferencesTest, ThreadsMayShareOneObject) {
+  SystemPreferences preferences;
+  std::vector<std::thread> threads;
+  for (const std::string name : {"a", "b", "c"}) {
+    threads.emplace_back([&preferences, name] {
+      for (int round = 0; round < 20; ++round) {
+        preferences.setString("thread." + name, std::to_string(round));
+        EXPECT_EQ(preferences.string("thread." + name), std::to_string(round));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string name : {"a", "b", "c"}) EXPECT_EQ(preferences.string("thread." + name), "19");
+}
+
+}  // namespace
+}  // namespace orvel

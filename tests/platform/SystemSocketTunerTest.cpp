@@ -1,0 +1,129 @@
+#include "platform/linux/SystemSocketTuner.hpp"
+
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <limits>
+#include <thread>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+/// Runs each test with a socket of one address family.
+class SystemSocketTunerTest : public ::testing::TestWithParam<int> {
+ protected:
+  SystemSocketTunerTest() : socket_(socket(GetParam(), SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+  ~SystemSocketTunerTest() override { close(socket_); }
+
+  int option(int level, int name) const {
+    int value = -1;
+    socklen_t size = sizeof value;
+    EXPECT_EQ(getsockopt(socket_, level, name, &value, &size), 0);
+    return value;
+  }
+
+  const int socket_;
+};
+
+TEST_P(SystemSocketTunerTest, ASilentPeerIsProbedAfterTheIdleTime) {
+  ASSERT_EQ(option(SOL_SOCKET, SO_KEEPALIVE), 0);
+  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(10)));
+  EXPECT_EQ(option(SOL_SOCKET, SO_KEEPALIVE), 1);
+  EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 10);
+}
+
+TEST_P(SystemSocketTunerTest, AVanishedPeerFailsWithinThirtySeconds) {
+  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(10)));
+  const int probesEnd =
+      option(IPPROTO_TCP, TCP_KEEPIDLE) + option(IPPROTO_TCP, TCP_KEEPINTVL) * option(IPPROTO_TCP, TCP_KEEPCNT);
+  EXPECT_GE(option(IPPROTO_TCP, TCP_KEEPCNT), 3) << "one lost packet must not cost a connection";
+  EXPECT_LE(probesEnd, 27) << "data that leaves just before the end is looked after 3 s later";
+}
+
+TEST_P(SystemSocketTunerTest, PartsOfASecondCountAsAWholeOne) {
+  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(0.2)));
+  EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 1);
+}
+
+TEST_P(SystemSocketTunerTest, AnEndlessIdleTimeIsTheKernelsLongest) {
+  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(std::numeric_limits<double>::infinity())));
+  EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 32767);
+}
+
+TEST_P(SystemSocketTunerTest, SenselessIdleTimesAreRefused) {
+  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(0)));
+  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(-1)));
+  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(std::numeric_limits<double>::quiet_NaN())));
+}
+
+TEST_P(SystemSocketTunerTest, WhatIsNoTCPSocketIsRefused) {
+  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(-1, Seconds(10)));
+  const int datagrams = socket(GetParam(), SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(datagrams, Seconds(10)));
+  close(datagrams);
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, SystemSocketTunerTest, ::testing::Values(AF_INET, AF_INET6),
+                         [](const auto& family) { return family.param == AF_INET ? "IPv4" : "IPv6"; });
+
+/// Two ends of a connection on loopback; the far one reads only when told to.
+class SystemSocketTunerDeliveryTest : public ::testing::Test {
+ protected:
+  SystemSocketTunerDeliveryTest() {
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* name = reinterpret_cast<sockaddr*>(&address);
+    EXPECT_EQ(bind(listener, name, size), 0);
+    EXPECT_EQ(listen(listener, 1), 0);
+    EXPECT_EQ(getsockname(listener, name, &size), 0);
+    EXPECT_EQ(connect(near_, name, size), 0);
+    far_ = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    close(listener);
+  }
+  ~SystemSocketTunerDeliveryTest() override {
+    close(near_);
+    close(far_);
+  }
+
+  Delivery delivery(Seconds patience = Seconds(0)) { return SystemSocketTuner().delivery(near_, patience); }
+
+  /// Sends until the far end and the kernel have no more room.
+  void fill() {
+    const std::vector<char> block(65536);
+    while (send(near_, block.data(), block.size(), MSG_DONTWAIT) > 0) {
+    }
+  }
+
+  const int near_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  int far_ = -1;
+};
+
+TEST_F(SystemSocketTunerDeliveryTest, WhatWasTakenIsDone) {
+  EXPECT_EQ(delivery(), Delivery::done);
+  ASSERT_EQ(send(near_, "x", 1, 0), 1);
+  char byte = 0;
+  ASSERT_EQ(recv(far_, &byte, 1, 0), 1);
+  EXPECT_EQ(delivery(), Delivery::done);
+}
+
+TEST_F(SystemSocketTunerDeliveryTest, APeerWithoutRoomLivesAllTheSame) {
+  fill();
+  // Long enough for a few probes of the closed window, all of them answered.
+  std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+  EXPECT_EQ(delivery(), Delivery::pending);
+}
+
+TEST_F(SystemSocketTunerDeliveryTest, ASocketThatIsNoneHasNothingToDeliver) {
+  EXPECT_EQ(SystemSocketTuner().delivery(-1, Seconds(0)), Delivery::done);
+}
+
+}  // namespace
+}  // namespace orvel
