@@ -1,0 +1,28 @@
+#include "app/ConsoleStatus.hpp"
+
+#include "app/ServerHub.hpp"
+
+#include <ostream>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+std::string phonesConnected(std::size_t count) {
+  return count == 1 ? "1 phone connected" : std::to_string(count) + " phones connected";
+}
+
+}  // namespace
+
+ConsoleStatus::ConsoleStatus(std::ostream& out, std::string address) : out_(out), address_(std::move(address)) {}
+
+void ConsoleStatus::show(const HubState& was, const HubState& next) {
+  if (next.isRunning && !was.isRunning) {
+    out_ << "Listening on " << address_ << "\nTo pair a phone, run this program with --pair.\n";
+  }
+  if (next.lastError && next.lastError != was.lastError) out_ << *next.lastError << '\n';
+  if (next.clients.size() != was.clients.size()) out_ << phonesConnected(next.clients.size()) << '\n';
+  out_.flush();
+}
+
+}  // namespace orvel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+namespace orvel {
+
+struct HubState;
+
+/// Says on a terminal what the hub says to its observers: whether phones can connect, and what keeps them from it.
+/// Never says the pairing code, which a log might keep. Threads: the main thread.
+class ConsoleStatus {
+ public:
+  /// `address` is where phones find this computer.
+  ConsoleStatus(std::ostream& out, std::string address);
+
+  /// Prints what differs between the state that was and the one to come.
+  void show(const HubState& was, const HubState& next);
+
+ private:
+  std::ostream& out_;
+  const std::string address_;
+};
+
+}  // namespace orvel

@@ -1,0 +1,76 @@
+#include "app/OrvelApp.hpp"
+#include "app/ServerHub.hpp"
+#include "app/TerminationSignals.hpp"
+#include "platform/Platform.hpp"
+#include "session/Machine.hpp"
+#include "session/NetworkInfo.hpp"
+#include "session/PairingStore.hpp"
+#include "session/Preferences.hpp"
+#include "ui/MainLoop.hpp"
+
+#include <iostream>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr int usageError = 2;
+constexpr int noDesktop = 1;
+
+constexpr std::string_view usage =
+    "Usage: orvel [option]\n"
+    "\n"
+    "Lets a phone on the same network be this computer's mouse and keyboard.\n"
+    "Without an option it runs until Ctrl-C.\n"
+    "\n"
+    "  --pair     print the address and the code that a phone needs, and exit\n"
+    "  --version  print the version, and exit\n"
+    "  --help     print this, and exit\n";
+
+int runApplication(int argc, char** argv) {
+  // Made before the platform, so that it outlives the platform's threads, which post to it.
+  orvel::MainLoop mainLoop(argc, argv);
+  auto opened = orvel::openPlatform();
+  if (const auto* reason = std::get_if<std::string>(&opened)) {
+    std::cerr << *reason << '\n';
+    return noDesktop;
+  }
+  auto& platform = *std::get<std::unique_ptr<orvel::Platform>>(opened);
+  const orvel::TerminationSignals signals([&] { mainLoop.quit(0); });
+  platform.observeEnd([&] {
+    std::cerr << "The desktop has gone.\n";
+    mainLoop.quit(noDesktop);
+  });
+  return orvel::OrvelApp(mainLoop, platform).run();
+}
+
+int printPairing() {
+  const auto preferences = orvel::openPreferences();
+  const auto machine = orvel::openMachine();
+  std::cout << "Address: " << orvel::NetworkInfo::localAddress(*machine).value_or("not on a network") << " port "
+            << orvel::ServerHub::defaultPort << "\nCode:    " << orvel::PairingStore(*preferences).displayToken()
+            << '\n';
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string_view option = argc > 1 ? argv[1] : "";
+  if (argc > 2) {
+    std::cerr << "orvel: only one option at a time\n" << usage;
+    return usageError;
+  }
+  if (option.empty()) return runApplication(argc, argv);
+  if (option == "--pair") return printPairing();
+  if (option == "--help") {
+    std::cout << usage;
+    return 0;
+  }
+  if (option == "--version") {
+    std::cout << "orvel " ORVEL_VERSION "\n";
+    return 0;
+  }
+  std::cerr << "orvel: unknown option '" << option << "'\n" << usage;
+  return usageError;
+}

@@ -1,0 +1,67 @@
+#include "ui/MainLoop.hpp"
+
+#include "base/Guarded.hpp"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+/// Runs posted tasks when the event loop comes round to it.
+class Inbox final : public QObject {
+ public:
+  void add(Task task) {
+    const bool wasEmpty = tasks_.withLock([&](std::vector<Task>& tasks) {
+      tasks.push_back(std::move(task));
+      return tasks.size() == 1;
+    });
+    if (wasEmpty) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+  }
+
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::User) return QObject::event(event);
+    for (const Task& task : tasks_.withLock([](std::vector<Task>& tasks) { return std::exchange(tasks, {}); })) task();
+    return true;
+  }
+
+ private:
+  Guarded<std::vector<Task>> tasks_;
+};
+
+}  // namespace
+
+struct MainLoop::Application {
+  Application(int& argc, char** argv) : toolkit(argc, argv) {}
+
+  QCoreApplication toolkit;
+  Inbox inbox;
+};
+
+MainLoop::MainLoop(int& argc, char** argv) : application_(std::make_unique<Application>(argc, argv)) {}
+
+MainLoop::~MainLoop() = default;
+
+void MainLoop::post(Task task) {
+  application_->inbox.add(std::move(task));
+}
+
+void MainLoop::postAfter(Seconds delay, Task task) {
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(std::max(delay, Seconds(0)));
+  post([this, wait, task = std::move(task)] { QTimer::singleShot(wait, &application_->inbox, task); });
+}
+
+int MainLoop::run() {
+  return QCoreApplication::exec();
+}
+
+void MainLoop::quit(int exitCode) {
+  post([exitCode] { QCoreApplication::exit(exitCode); });
+}
+
+}  // namespace orvel

@@ -1,0 +1,40 @@
+#include "app/ConsoleStatus.hpp"
+#include "app/ServerHub.hpp"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace orvel {
+namespace {
+
+struct ConsoleStatusTest : testing::Test {
+  std::string shown(const HubState& was, const HubState& next) {
+    std::ostringstream out;
+    ConsoleStatus(out, "10.0.0.2:8787").show(was, next);
+    return out.str();
+  }
+
+  const HubState idle;
+  const HubState running{.isRunning = true};
+};
+
+TEST_F(ConsoleStatusTest, SaysWhereItListensAndHowToPair) {
+  EXPECT_EQ(shown(idle, running), "Listening on 10.0.0.2:8787\nTo pair a phone, run this program with --pair.\n");
+  EXPECT_EQ(shown(running, running), "");
+}
+
+TEST_F(ConsoleStatusTest, SaysWhatWentWrong) {
+  EXPECT_EQ(shown(idle, {.lastError = "Port taken."}), "Port taken.\n");
+  EXPECT_EQ(shown({.lastError = "Port taken."}, {.lastError = "Port taken."}), "");
+}
+
+TEST_F(ConsoleStatusTest, CountsThePhones) {
+  EXPECT_EQ(shown(running, {.isRunning = true, .clients = {"a"}}), "1 phone connected\n");
+  EXPECT_EQ(shown({.isRunning = true, .clients = {"a"}}, {.isRunning = true, .clients = {"a", "b"}}),
+            "2 phones connected\n");
+  EXPECT_EQ(shown({.isRunning = true, .clients = {"a"}}, running), "0 phones connected\n");
+}
+
+}  // namespace
+}  // namespace orvel

@@ -1,0 +1,71 @@
+#include "app/HelperDelegate.hpp"
+#include "app/ServerHub.hpp"
+#include "catalog/Workspace.hpp"
+#include "fakes/SessionWorld.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+class FakeWorkspace final : public Workspace {
+ public:
+  void observeActivation(std::function<void()> handler) override { activated = std::move(handler); }
+
+  std::function<void()> activated;
+};
+
+struct HelperDelegateTest : testing::Test, SessionWorld {
+  FakeNetwork network{clock};
+  FakeExecutor mainThread{clock};
+  RecordingAdvertiser advertiser;
+  FakeWorkspace workspace;
+  PermissionGate gate{desktop};
+  SessionServices fresh{.events = desktop,
+                        .machine = machine,
+                        .pairing = pairing,
+                        .permission = gate,
+                        .pointer = pointer,
+                        .queues = queues,
+                        .trust = desktop};
+  std::shared_ptr<ServerHub> hub = ServerHub::make(
+      {.advertiser = advertiser, .clock = clock, .mainThread = mainThread, .network = network, .services = fresh});
+  HelperDelegate delegate{hub, gate, workspace, mainThread};
+};
+
+TEST_F(HelperDelegateTest, LaunchingReadsThePermissionAndListens) {
+  delegate.applicationDidFinishLaunching();
+  EXPECT_TRUE(gate.cachedTrust()) << "at once, not with the first tick";
+  clock.runDue();
+  EXPECT_TRUE(hub->state().isRunning);
+  EXPECT_TRUE(hub->state().accessibilityGranted);
+}
+
+TEST_F(HelperDelegateTest, AProgramThatComesToTheFrontHasThePermissionReadAgain) {
+  desktop.trusted = false;
+  delegate.applicationDidFinishLaunching();
+  clock.advance(Seconds(0.1));
+  desktop.trusted = true;
+  workspace.activated();
+  clock.runDue();
+  EXPECT_TRUE(gate.cachedTrust()) << "without waiting for the next tick";
+  EXPECT_TRUE(hub->state().accessibilityGranted);
+}
+
+TEST_F(HelperDelegateTest, TerminatingClosesThePhonesConnections) {
+  delegate.applicationDidFinishLaunching();
+  clock.runDue();
+  const auto phone = network.connect();
+  phone->open();
+  delegate.applicationWillTerminate();
+  clock.runDue();
+  EXPECT_TRUE(phone->cancelled);
+  EXPECT_FALSE(network.ports.back()->open);
+}
+
+}  // namespace
+}  // namespace orvel

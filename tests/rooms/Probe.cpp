@@ -1,0 +1,1 @@
+// Compiled with one header of a room before it.
