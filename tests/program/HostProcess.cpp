@@ -1,0 +1,41 @@
+#include "program/HostProcess.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace orvel {
+namespace {
+
+std::size_t entriesOf(const std::filesystem::path& folder) {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
+}
+
+}  // namespace
+
+HostProcess::HostProcess(const VirtualDesktop& desktop)
+    : desktop_(desktop), process_({.command = {ORVEL_PROGRAM}, .environment = desktop.environment()}) {}
+
+std::string HostProcess::code() const {
+  ChildProcess asked({.command = {ORVEL_PROGRAM, "--pair"}, .environment = desktop_.environment()});
+  asked.waitForExit();
+  const std::string label = "Code:";
+  const std::string& text = asked.output();
+  const std::size_t start = text.find_first_not_of(' ', text.find(label) + label.size());
+  std::string code = text.substr(start, text.find('\n', start) - start);
+  std::erase(code, '-');
+  return code;
+}
+
+HostProcess::Footprint HostProcess::footprint() const {
+  const std::filesystem::path folder = "/proc/" + std::to_string(process_.pid());
+  Footprint result{.threads = entriesOf(folder / "task"), .descriptors = entriesOf(folder / "fd")};
+  std::ifstream rollup(folder / "smaps_rollup");
+  for (std::string word; rollup >> word;) {
+    if (word == "Private_Dirty:") rollup >> result.privateKilobytes;
+  }
+  return result;
+}
+
+}  // namespace orvel

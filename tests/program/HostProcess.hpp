@@ -1,0 +1,39 @@
+#pragma once
+
+#include "desktop/ChildProcess.hpp"
+#include "desktop/VirtualDesktop.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace orvel {
+
+/// The program under test, running on a private desktop.
+class HostProcess {
+ public:
+  static constexpr std::uint16_t port = 8787;
+
+  explicit HostProcess(const VirtualDesktop& desktop);
+
+  /// Whether phones can connect, in time.
+  bool waitUntilListening() { return process_.waitForOutput("Listening on "); }
+
+  /// The pairing code, asked of the program as a person would.
+  std::string code() const;
+
+  ChildProcess& process() { return process_; }
+
+  /// What the kernel counts of it.
+  struct Footprint {
+    std::size_t threads = 0;
+    std::size_t descriptors = 0;
+    std::size_t privateKilobytes = 0;
+  };
+  Footprint footprint() const;
+
+ private:
+  const VirtualDesktop& desktop_;
+  ChildProcess process_;
+};
+
+}  // namespace orvel

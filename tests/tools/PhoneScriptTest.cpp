@@ -1,0 +1,154 @@
+#include "tools/PhoneScript.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace orvel::phone {
+namespace {
+
+using testing::HasSubstr;
+using testing::SizeIs;
+
+std::variant<std::vector<Step>, std::string> parse(const std::string& line) {
+  std::istringstream in(line);
+  const std::vector<std::string> words{std::istream_iterator<std::string>(in), {}};
+  return parseScript(words);
+}
+
+std::vector<Step> stepsOf(const std::string& line) {
+  auto parsed = parse(line);
+  if (const auto* mistake = std::get_if<std::string>(&parsed)) ADD_FAILURE() << *mistake;
+  auto* steps = std::get_if<std::vector<Step>>(&parsed);
+  return steps ? std::move(*steps) : std::vector<Step>();
+}
+
+std::string mistakeIn(const std::string& line) {
+  const auto parsed = parse(line);
+  const auto* mistake = std::get_if<std::string>(&parsed);
+  return mistake ? *mistake : "";
+}
+
+/// The only step of the line.
+template <class Kind>
+Kind only(const std::string& line) {
+  const auto steps = stepsOf(line);
+  if (steps.size() == 1 && std::holds_alternative<Kind>(steps[0])) return std::get<Kind>(steps[0]);
+  ADD_FAILURE() << line;
+  return {};
+}
+
+TEST(PhoneScript, KeepsTheOrderOfItsCommands) {
+  const auto steps = stepsOf("pair move 100 50 click left drag 300 200 scroll 0 -120 key cmd+c wait 0.5 ping reveal");
+  ASSERT_THAT(steps, SizeIs(9));
+  EXPECT_TRUE(std::holds_alternative<step::Pair>(steps[0]));
+  EXPECT_TRUE(std::holds_alternative<step::Move>(steps[1]));
+  EXPECT_TRUE(std::holds_alternative<step::Click>(steps[2]));
+  EXPECT_TRUE(std::holds_alternative<step::Drag>(steps[3]));
+  EXPECT_TRUE(std::holds_alternative<step::Scroll>(steps[4]));
+  EXPECT_TRUE(std::holds_alternative<step::Key>(steps[5]));
+  EXPECT_TRUE(std::holds_alternative<step::Wait>(steps[6]));
+  EXPECT_TRUE(std::holds_alternative<step::Ping>(steps[7]));
+  EXPECT_TRUE(std::holds_alternative<step::Reveal>(steps[8]));
+}
+
+TEST(PhoneScript, ReadsDistancesFromLeftToRight) {
+  const auto move = only<step::Move>("move -32768 32767");
+  EXPECT_EQ(move.dx, -32768);
+  EXPECT_EQ(move.dy, 32767);
+  const auto scroll = only<step::Scroll>("scroll 3 -120");
+  EXPECT_EQ(scroll.dx, 3);
+  EXPECT_EQ(scroll.dy, -120);
+  const auto drag = only<step::Drag>("drag 300 -200");
+  EXPECT_EQ(drag.dx, 300);
+  EXPECT_EQ(drag.dy, -200);
+}
+
+TEST(PhoneScript, ReadsFractions) {
+  const auto place = only<step::MoveTo>("to 0.25 1");
+  EXPECT_EQ(place.nx, 0.25);
+  EXPECT_EQ(place.ny, 1);
+}
+
+TEST(PhoneScript, ReadsButtons) {
+  const auto press = only<step::Button>("press right");
+  EXPECT_EQ(press.button, MouseButton::right);
+  EXPECT_TRUE(press.down);
+  const auto release = only<step::Button>("release middle");
+  EXPECT_EQ(release.button, MouseButton::middle);
+  EXPECT_FALSE(release.down);
+}
+
+TEST(PhoneScript, ClicksOnceUnlessToldHowOften) {
+  EXPECT_EQ(only<step::Click>("click left").count, 1);
+  EXPECT_EQ(only<step::Click>("click left 2").count, 2);
+  const auto steps = stepsOf("click right click left 3 move 1 2");
+  ASSERT_THAT(steps, SizeIs(3));
+  EXPECT_EQ(std::get<step::Click>(steps[0]).count, 1);
+  EXPECT_EQ(std::get<step::Click>(steps[1]).count, 3);
+}
+
+TEST(PhoneScript, ReadsKeys) {
+  const auto stroke = only<step::Key>("key cmd+c");
+  EXPECT_EQ(stroke.chord, (KeyChord{8, Modifier::command}));
+  EXPECT_TRUE(stroke.down && stroke.up);
+  const auto press = only<step::Key>("keydown a");
+  EXPECT_TRUE(press.down && !press.up);
+  const auto release = only<step::Key>("keyup a");
+  EXPECT_TRUE(!release.down && release.up);
+}
+
+TEST(PhoneScript, NamesTheWordThatIsWrong) {
+  for (const char* line : {"mvoe 1 2", "move mvoe 2", "move 1 mvoe", "to mvoe 0", "press mvoe", "click mvoe",
+                           "key mvoe", "wait mvoe", "ping mvoe"}) {
+    EXPECT_THAT(mistakeIn(line), HasSubstr("\"mvoe\"")) << line;
+  }
+  EXPECT_THAT(mistakeIn("Move 1 2"), HasSubstr("\"Move\""));
+  EXPECT_THAT(mistakeIn("click left 300"), HasSubstr("\"300\""));
+  EXPECT_THAT(mistakeIn("click left 0"), HasSubstr("\"0\""));
+}
+
+TEST(PhoneScript, NamesTheCommandThatLacksAWord) {
+  EXPECT_THAT(mistakeIn("ping move 1"), HasSubstr("\"move\" needs"));
+  EXPECT_THAT(mistakeIn("key"), HasSubstr("\"key\" needs"));
+  EXPECT_THAT(mistakeIn("press"), HasSubstr("\"press\" needs"));
+}
+
+TEST(PhoneScript, RefusesNumbersOutOfRange) {
+  for (const char* line : {"move 32768 0", "move 0 -32769", "move 1.5 0", "move 1x 0", "to 1.1 0", "to -0.1 0",
+                           "to nan 0", "wait -1", "wait inf", "wait nan", "wait 86401"}) {
+    EXPECT_NE(mistakeIn(line), "") << line;
+  }
+}
+
+TEST(PhoneScript, OnlyPingAndWaitNeedNoPairing) {
+  for (const auto& step : stepsOf("ping wait 1")) EXPECT_FALSE(needsPairing(step));
+  for (const auto& step : stepsOf("pair move 1 1 to 0 0 press left click left drag 1 1 scroll 1 1 keyup a reveal")) {
+    EXPECT_TRUE(needsPairing(step));
+  }
+}
+
+TEST(PhoneScript, ADragGoesInSmallPartsThatAddUp) {
+  for (const auto& drag : {step::Drag{300, 200}, step::Drag{-7, 3}, step::Drag{0, 0}, step::Drag{-32768, 32767}}) {
+    int dx = 0;
+    int dy = 0;
+    for (const auto& part : partsOf(drag)) {
+      EXPECT_LE(std::abs(part.dx), 10);
+      EXPECT_LE(std::abs(part.dy), 10);
+      dx += part.dx;
+      dy += part.dy;
+    }
+    EXPECT_EQ(dx, drag.dx);
+    EXPECT_EQ(dy, drag.dy);
+  }
+  EXPECT_THAT(partsOf(step::Drag{300, 200}), SizeIs(30));
+}
+
+}  // namespace
+}  // namespace orvel::phone
