@@ -63,6 +63,7 @@ class SocketLayer {
     if (early_.size() != 0) {
       const std::size_t count = asio::buffer_copy(buffers, early_.cdata());
       early_.consume(count);
+      if (early_.size() == 0) early_ = beast::flat_buffer();
       asio::post(get_executor(), beast::bind_front_handler(std::forward<Handler>(handler), Error(), count));
       return;
     }
@@ -157,7 +158,7 @@ struct Opening {
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
   Connection(ConnectionSocket socket, SocketTuner& tuner, std::size_t maximumMessageSize)
-      : tuner_(tuner), stream_(std::move(socket)), deliveryTimer_(stream_.get_executor()) {
+      : tuner_(tuner), stream_(std::move(socket)), timer_(stream_.get_executor()) {
     stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeLimit,
                                                        .idle_timeout = websocket::stream_base::none(),
                                                        .keep_alive_pings = false});
@@ -192,7 +193,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void cancel() {
     if (std::exchange(ended_, true)) return;
-    deliveryTimer_.cancel();
+    timer_.cancel();
     if (parting_) {
       closeLater();
     } else {
@@ -227,7 +228,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
       handlers_.stateChanged(Transport::State::failed);
       return;
     }
-    stream_.next_layer().unread(std::move(opening.received));
+    if (opening.received.size() != 0) stream_.next_layer().unread(std::move(opening.received));
     const auto request = std::make_shared<const http::request<http::empty_body>>(opening.request());
     stream_.async_accept(*request, [self = shared_from_this(), request](const Error& refused) {
       if (!self->ended_) self->handlers_.stateChanged(refused ? Transport::State::failed : Transport::State::ready);
@@ -239,10 +240,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
     if (!ended_) handlers_.received(Message{.type = MessageType::close, .payload = {}});
   }
 
-  /// Gives our last words, which are on their way, time to arrive.
+  /// Gives our last words, which are on their way in an operation of the WebSocket's, time to arrive.
   void closeLater() {
-    const auto timer = std::make_shared<asio::steady_timer>(stream_.get_executor(), farewellLimit);
-    timer->async_wait([self = shared_from_this(), timer](const Error&) { self->stream_.next_layer().close(); });
+    timer_.expires_after(farewellLimit);
+    timer_.async_wait([self = weak_from_this()](const Error& error) {
+      const auto connection = self.lock();
+      if (connection && !error) connection->stream_.next_layer().close();
+    });
   }
 
   /// Ends the connection for a text that is none. What the WebSocket checks on the way lets a character pass that is
@@ -296,8 +300,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Looks from time to time what becomes of what was sent, until it has arrived.
   void watchDelivery() {
     if (ended_) return;
-    deliveryTimer_.expires_after(deliveryCheck);
-    deliveryTimer_.async_wait([self = weak_from_this()](const Error& error) {
+    timer_.expires_after(deliveryCheck);
+    timer_.async_wait([self = weak_from_this()](const Error& error) {
       const auto connection = self.lock();
       if (connection && !error) connection->checkDelivery();
     });
@@ -317,7 +321,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   SocketTuner& tuner_;
   websocket::stream<SocketLayer, false> stream_;
-  asio::steady_timer deliveryTimer_;
+  asio::steady_timer timer_;  // of the next look at the delivery; of the farewell once the connection has ended
   beast::flat_buffer incoming_;
   std::list<Outgoing> outgoing_;  // a list holds no memory while it is empty
   Transport::Handlers handlers_;

@@ -1,0 +1,63 @@
+#include "bench/HostProcess.hpp"
+
+#include "bench/RawPhone.hpp"
+
+#include <signal.h>
+
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace orvel::bench {
+namespace {
+
+constexpr std::chrono::microseconds betweenAttempts{200};
+
+ChildProcess::Program hostProgram(const VirtualDesktop& desktop, const std::vector<std::string>& options) {
+  std::vector<std::string> command = {ORVEL_PROGRAM};
+  command.insert(command.end(), options.begin(), options.end());
+  auto environment = desktop.environment();
+  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (desktop.home() / "no-system-bus").string();
+  return {.command = command, .environment = environment};
+}
+
+}  // namespace
+
+HostProcess::HostProcess(const VirtualDesktop& desktop) : program_(hostProgram(desktop, {})) {
+  const Deadline deadline(patience);
+  while (!RawPhone::isAnswered(hostPort)) {
+    if (program_.waitForExit(Milliseconds(0)) || deadline.left() == Milliseconds(0)) {
+      throw std::runtime_error("the host does not start: " + program_.output());
+    }
+    std::this_thread::sleep_for(betweenAttempts);
+  }
+  startTime_ = std::chrono::steady_clock::now() - begun_;
+  // Whoever holds the port on a shared network would have answered, too.
+  if (program_.waitForExit(lull) || program_.output().find("Listening") == std::string::npos) {
+    throw std::runtime_error("the host has no port: " + program_.output());
+  }
+}
+
+void HostProcess::stop() {
+  program_.signal(SIGTERM);
+  if (program_.waitForExit() != 0) throw std::runtime_error("the host does not end well: " + program_.output());
+}
+
+std::string runHost(const VirtualDesktop& desktop, const std::string& option) {
+  ChildProcess program(hostProgram(desktop, {option}));
+  if (program.waitForExit() != 0) throw std::runtime_error("the host does not know " + option);
+  return program.output();
+}
+
+std::string hostToken(const VirtualDesktop& desktop) {
+  constexpr std::string_view label = "Code:";
+  const std::string said = runHost(desktop, "--pair");
+  const std::size_t start = said.find(label);
+  if (start == std::string::npos) throw std::runtime_error("the host tells no code");
+  std::string token = said.substr(start + label.size());
+  std::erase_if(token, [](char sign) { return sign == '-' || sign == ' ' || sign == '\n'; });
+  return token;
+}
+
+}  // namespace orvel::bench
