@@ -11,7 +11,7 @@ target_compile_features(orvel_flags INTERFACE cxx_std_20)
 target_compile_options(orvel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
                                              -Wconversion -Wno-sign-conversion)
 target_link_libraries(orvel_flags INTERFACE Threads::Threads)
-if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # False alarms of this compiler about the standard library's strings, when it optimises.
   target_compile_options(orvel_flags INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()

@@ -2,20 +2,18 @@
 
 #include "base/UTF8.hpp"
 #include "session/NetworkQueue.hpp"
+#include "session/SocketLayer.hpp"
 #include "session/SocketTuner.hpp"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/dispatch.hpp>
-#include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/beast/core/bind_handler.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/websocket/stream.hpp>
 
-#include <array>
 #include <chrono>
 #include <list>
 #include <string_view>
@@ -32,105 +30,10 @@ namespace websocket = boost::beast::websocket;
 using Error = boost::system::error_code;
 
 constexpr std::chrono::seconds handshakeLimit{10};
-constexpr std::chrono::seconds farewellLimit{1};
 constexpr std::chrono::seconds deliveryCheck{3};
 constexpr Seconds deliveryPatience{14};
 constexpr std::size_t largestRequest = 32 * 1024;  // a browser sends the cookies of this address along
 constexpr std::size_t largestKeptBuffer = 64 * 1024;
-
-/// The socket below the WebSocket. Tells when all that had arrived has been read, and bounds the time that a peer may
-/// take to part.
-class SocketLayer {
- public:
-  using executor_type = ConnectionSocket::executor_type;
-
-  explicit SocketLayer(ConnectionSocket socket) : socket_(std::move(socket)) {}
-
-  executor_type get_executor() noexcept { return socket_.get_executor(); }
-  ConnectionSocket& socket() { return socket_; }
-  void onDrained(Task drained) { drained_ = std::move(drained); }
-
-  void close() {
-    Error ignored;
-    socket_.close(ignored);
-  }
-
-  /// Has `bytes`, which were read too early, read again before all that is still to come.
-  void unread(beast::flat_buffer bytes) { early_ = std::move(bytes); }
-
-  template <class Buffers, class Handler>
-  void async_read_some(const Buffers& buffers, Handler&& handler) {
-    if (early_.size() != 0) {
-      const std::size_t count = asio::buffer_copy(buffers, early_.cdata());
-      early_.consume(count);
-      if (early_.size() == 0) early_ = beast::flat_buffer();
-      asio::post(get_executor(), beast::bind_front_handler(std::forward<Handler>(handler), Error(), count));
-      return;
-    }
-    // The WebSocket asks for more only when it has used up what it had.
-    if (drained_) drained_();
-    socket_.async_read_some(buffers, std::forward<Handler>(handler));
-  }
-
-  template <class Buffers, class Handler>
-  void async_write_some(const Buffers& buffers, Handler&& handler) {
-    socket_.async_write_some(buffers, std::forward<Handler>(handler));
-  }
-
-  friend void beast_close_socket(SocketLayer& layer) { layer.close(); }
-
- private:
-  ConnectionSocket socket_;
-  beast::flat_buffer early_;
-  Task drained_;
-};
-
-/// Ends a connection so that our last words arrive: sends no more, reads on until the peer ends too or the limit is
-/// reached, and only then closes.
-template <class Handler>
-class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
- public:
-  Farewell(SocketLayer& layer, Handler handler)
-      : layer_(layer), limit_(layer.get_executor(), farewellLimit), handler_(std::move(handler)) {}
-
-  void begin() {
-    Error ignored;
-    layer_.socket().shutdown(ConnectionSocket::shutdown_send, ignored);
-    limit_.async_wait([self = this->shared_from_this()](const Error& error) {
-      if (!error) self->layer_.close();
-    });
-    discard();
-  }
-
- private:
-  void discard() {
-    layer_.socket().async_read_some(asio::buffer(scratch_),
-                                    [self = this->shared_from_this()](const Error& error, std::size_t) {
-                                      if (error) {
-                                        self->end();
-                                      } else {
-                                        self->discard();
-                                      }
-                                    });
-  }
-
-  void end() {
-    limit_.cancel();
-    layer_.close();
-    std::move(handler_)(Error());
-  }
-
-  SocketLayer& layer_;
-  asio::steady_timer limit_;
-  Handler handler_;
-  std::array<char, 1024> scratch_;
-};
-
-/// Found by the WebSocket when it has said its last word.
-template <class Handler>
-void async_teardown(beast::role_type, SocketLayer& layer, Handler&& handler) {
-  std::make_shared<Farewell<std::decay_t<Handler>>>(layer, std::forward<Handler>(handler))->begin();
-}
 
 /// The peer's request for a WebSocket, which must be whole within the limit.
 struct Opening {
@@ -242,7 +145,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   /// Gives our last words, which are on their way in an operation of the WebSocket's, time to arrive.
   void closeLater() {
-    timer_.expires_after(farewellLimit);
+    timer_.expires_after(SocketLayer::farewellLimit);
     timer_.async_wait([self = weak_from_this()](const Error& error) {
       const auto connection = self.lock();
       if (connection && !error) connection->stream_.next_layer().close();

@@ -1,5 +1,8 @@
 #include "platform/linux/SystemAdvertiser.hpp"
 
+#include "platform/linux/OwnedDescriptor.hpp"
+#include "platform/linux/SocketFileWatch.hpp"
+
 #include <avahi-client/client.h>
 #include <avahi-client/publish.h>
 #include <avahi-common/alternative.h>
@@ -7,22 +10,16 @@
 #include <avahi-common/error.h>
 #include <avahi-common/malloc.h>
 #include <avahi-common/simple-watch.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
-#include <sys/inotify.h>
 #include <sys/timerfd.h>
-#include <unistd.h>
 
 #include <array>
 #include <chrono>
-#include <climits>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <optional>
-#include <span>
 #include <system_error>
 #include <utility>
 
@@ -44,110 +41,6 @@ struct Service {
   std::string type;
   std::uint16_t port = 0;
 };
-
-/// A file descriptor that is closed with its owner. Threads: one.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int number() const { return number_; }
-
-  /// Forgets how often an event or timer descriptor was set off.
-  void clear() const {
-    std::uint64_t count = 0;
-    [[maybe_unused]] const ssize_t size = read(number_, &count, sizeof count);
-  }
-
- private:
-  const int number_;
-};
-
-/// Tells when the socket of the system bus appears, also while its folders are missing, by the kernel's word and
-/// without looking again and again. Threads: one.
-class SocketFileWatch {
- public:
-  explicit SocketFileWatch(std::filesystem::path path)
-      : path_(std::move(path)), events_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {}
-
-  /// Readable when there is something for `takeNews`; negative where the system has none to give.
-  int descriptor() const { return events_.number(); }
-
-  void start();
-  void stop();
-
-  /// Whether the socket is known not to be there.
-  bool isMissing() const {
-    std::error_code ignored;
-    return path_.is_absolute() && !std::filesystem::exists(path_, ignored);
-  }
-
-  /// Whether the socket or a folder on the way to it has appeared since the last call. Never blocks.
-  bool takeNews();
-
- private:
-  /// The nearest folder that exists, and what has to appear in it.
-  std::pair<std::filesystem::path, std::string> nearest() const;
-  bool isNews(const inotify_event& event) const;
-
-  const std::filesystem::path path_;
-  const Descriptor events_;
-  int watch_ = -1;
-  std::string awaited_;
-};
-
-std::pair<std::filesystem::path, std::string> SocketFileWatch::nearest() const {
-  std::filesystem::path awaited = path_;
-  std::error_code ignored;
-  while (awaited.has_relative_path() && !std::filesystem::is_directory(awaited.parent_path(), ignored)) {
-    awaited = awaited.parent_path();
-  }
-  return {awaited.parent_path(), awaited.filename()};
-}
-
-void SocketFileWatch::start() {
-  if (!path_.is_absolute()) return;
-  auto place = nearest();
-  while (true) {
-    stop();
-    watch_ = inotify_add_watch(events_.number(), place.first.c_str(),
-                               IN_CREATE | IN_MOVED_TO | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR);
-    awaited_ = place.second;
-    // A folder may have been made between looking for it and watching.
-    auto now = nearest();
-    if (now == place) return;
-    place = std::move(now);
-  }
-}
-
-void SocketFileWatch::stop() {
-  if (watch_ >= 0) inotify_rm_watch(events_.number(), watch_);
-  watch_ = -1;
-}
-
-bool SocketFileWatch::takeNews() {
-  alignas(inotify_event) std::array<char, 16 * (sizeof(inotify_event) + NAME_MAX + 1)> buffer;
-  bool news = false;
-  ssize_t size = 0;
-  while ((size = read(events_.number(), buffer.data(), buffer.size())) > 0) {
-    for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
-      const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + at);
-      news = news || isNews(event);
-      at += sizeof(inotify_event) + event.len;
-    }
-  }
-  return news;
-}
-
-bool SocketFileWatch::isNews(const inotify_event& event) const {
-  if ((event.mask & IN_Q_OVERFLOW) != 0) return true;
-  if (event.wd != watch_) return false;
-  return event.len == 0 || awaited_ == event.name;
-}
 
 std::string systemBusSocket() {
   const char* configured = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
@@ -199,7 +92,7 @@ class SystemAdvertiser::Orders {
   void ring() const { eventfd_write(bell_.number(), 1); }
 
   Guarded<State> state_;
-  const Descriptor bell_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  const OwnedDescriptor bell_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 };
 
 /// Keeps the Avahi daemon informed of what is to be announced. Threads: its own one alone.
@@ -232,7 +125,7 @@ class SystemAdvertiser::Announcer {
 
   Orders& orders_;
   SocketFileWatch busSocket_{systemBusSocket()};
-  const Descriptor retryTimer_{timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)};
+  const OwnedDescriptor retryTimer_{timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)};
   const std::unique_ptr<AvahiSimplePoll, decltype(&avahi_simple_poll_free)> poll_{avahi_simple_poll_new(),
                                                                                   avahi_simple_poll_free};
   AvahiClient* client_ = nullptr;
