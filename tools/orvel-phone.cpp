@@ -33,10 +33,10 @@ sure that the host has handled them, and leaves.
 Options
   --host HOST      where Orvel runs (127.0.0.1)
   --port PORT      its port (8787)
-  --token TOKEN    the pairing code as the panel shows it, in groups or not, in
+  --token TOKEN    the pairing code as the host shows it, in groups or not, in
                    any case; better given in the environment variable
                    ORVEL_TOKEN, which other users cannot see
-  --device NAME    the name that the panel lists this phone under (orvel-phone)
+  --device NAME    the name that the host lists this phone under (orvel-phone)
   --help           this text
 
 Commands

@@ -18,9 +18,10 @@ ConsoleStatus::ConsoleStatus(std::ostream& out, std::string address) : out_(out)
 
 void ConsoleStatus::show(const HubState& was, const HubState& next) {
   if (next.isRunning && !was.isRunning) {
-    out_ << "Listening on " << address_ << "\nTo pair a phone, run this program with --pair.\n";
+    out_ << "Listening on " << address_ << "\nTo pair a phone: orvel --pair\n";
   }
-  if (next.lastError && next.lastError != was.lastError) out_ << *next.lastError << '\n';
+  if (next.lastError && next.lastError != was.lastError)
+    out_ << *next.lastError << "\nHere that is: end this with Ctrl-C and start it again.\n";
   if (next.clients.size() != was.clients.size()) out_ << phonesConnected(next.clients.size()) << '\n';
   out_.flush();
 }

@@ -6,20 +6,46 @@
 #include "session/NetworkInfo.hpp"
 #include "ui/MainLoop.hpp"
 
+#include <chrono>
+#include <condition_variable>
 #include <iostream>
+#include <mutex>
+#include <stop_token>
 #include <string>
+#include <thread>
 
 namespace orvel {
 namespace {
 
+constexpr std::chrono::seconds desktopPatience{3};
+
 std::string addressToShow(const Machine& machine) {
-  return NetworkInfo::localAddress(machine).value_or("not on a network") + ":" + std::to_string(ServerHub::defaultPort);
+  const std::string port = std::to_string(ServerHub::defaultPort);
+  const auto address = NetworkInfo::localAddress(machine);
+  return address ? *address + ":" + port : "port " + port + ", but this computer is not on a network";
 }
+
+/// Parts from a desktop that hangs, when that holds up the end for too long. Threads: made and destroyed on one.
+class DesktopPatience {
+ public:
+  explicit DesktopPatience(Platform& platform)
+      : thread_([&platform](const std::stop_token& ended) {
+          std::mutex mutex;
+          std::unique_lock lock(mutex);
+          std::condition_variable_any changed;
+          const auto hasEnded = [&] { return ended.stop_requested(); };
+          if (!changed.wait_for(lock, ended, desktopPatience, hasEnded)) platform.giveUp();
+        }) {}
+
+ private:
+  std::jthread thread_;
+};
 
 }  // namespace
 
 OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
     : mainLoop_(mainLoop),
+      platform_(platform),
       pointerQueue_(workers_.makeSerialQueue("orvel.pointer")),
       pairing_(platform.preferences()),
       permission_(platform.trust()),
@@ -47,6 +73,7 @@ OrvelApp::~OrvelApp() = default;
 int OrvelApp::run() {
   delegate_.applicationDidFinishLaunching();
   const int exitCode = mainLoop_.run();
+  const DesktopPatience patience(platform_);
   delegate_.applicationWillTerminate();
   // The sessions take themselves down on the network's threads and may leave work behind: both end before what they
   // use.

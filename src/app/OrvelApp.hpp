@@ -32,6 +32,7 @@ class OrvelApp {
 
  private:
   MainLoop& mainLoop_;
+  Platform& platform_;
   SystemClock clock_;
   WorkerThreads workers_;
   const std::unique_ptr<Executor> pointerQueue_;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int usageError = 2;
 constexpr int noDesktop = 1;
+constexpr int notStored = 1;
 
 constexpr std::string_view usage =
     "Usage: orvel [option]\n"
@@ -44,12 +45,24 @@ int runApplication(int argc, char** argv) {
   return orvel::OrvelApp(mainLoop, platform).run();
 }
 
-int printPairing() {
+std::string pairingCode() {
   const auto preferences = orvel::openPreferences();
-  const auto machine = orvel::openMachine();
-  std::cout << "Address: " << orvel::NetworkInfo::localAddress(*machine).value_or("not on a network") << " port "
-            << orvel::ServerHub::defaultPort << "\nCode:    " << orvel::PairingStore(*preferences).displayToken()
-            << '\n';
+  return orvel::PairingStore(*preferences).displayToken();
+}
+
+int printPairing() {
+  const std::string code = pairingCode();
+  // Read anew: a code that could not be stored is another one for everybody who asks.
+  if (pairingCode() != code) {
+    std::cerr << "The pairing code cannot be stored, so no phone can use it: please make the file orvel/orvel.conf in "
+                 "your configuration folder writable.\n";
+    return notStored;
+  }
+  const auto address = orvel::NetworkInfo::localAddress(*orvel::openMachine());
+  std::cout << "Address: "
+            << (address ? *address + " port " + std::to_string(orvel::ServerHub::defaultPort)
+                        : "none, as this computer is not on a network")
+            << "\nCode:    " << code << '\n';
   return 0;
 }
 

@@ -8,7 +8,6 @@
 #include "input/InputEvent.hpp"
 
 #include <memory>
-#include <optional>
 #include <set>
 
 namespace orvel {

@@ -33,6 +33,9 @@ class Platform {
   /// Calls `handler`, once and from any thread, when the desktop has gone and this program has no more to serve.
   /// Called before anything else.
   virtual void observeEnd(std::function<void()> handler) = 0;
+
+  /// Parts from a desktop that does not answer any more: who waits for it gets nothing. Threads: any.
+  virtual void giveUp() = 0;
 };
 
 /// Opens the desktop of this login, or says in a sentence for the user why there is none.

@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -17,17 +18,19 @@ namespace {
 class Inbox final : public QObject {
  public:
   void add(Task task) {
+    // Made before and looked at after the lock is held, so that our own lock orders the event as well as the tasks.
+    auto wake = std::make_unique<QEvent>(QEvent::User);
     const bool wasEmpty = tasks_.withLock([&](std::vector<Task>& tasks) {
       tasks.push_back(std::move(task));
       return tasks.size() == 1;
     });
-    if (wasEmpty) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    if (wasEmpty) QCoreApplication::postEvent(this, wake.release());
   }
 
   bool event(QEvent* event) override {
-    if (event->type() != QEvent::User) return QObject::event(event);
-    for (const Task& task : tasks_.withLock([](std::vector<Task>& tasks) { return std::exchange(tasks, {}); })) task();
-    return true;
+    const auto due = tasks_.withLock([](std::vector<Task>& tasks) { return std::exchange(tasks, {}); });
+    for (const Task& task : due) task();
+    return event->type() == QEvent::User || QObject::event(event);
   }
 
  private:

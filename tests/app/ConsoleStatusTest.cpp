@@ -20,12 +20,13 @@ struct ConsoleStatusTest : testing::Test {
 };
 
 TEST_F(ConsoleStatusTest, SaysWhereItListensAndHowToPair) {
-  EXPECT_EQ(shown(idle, running), "Listening on 10.0.0.2:8787\nTo pair a phone, run this program with --pair.\n");
+  EXPECT_EQ(shown(idle, running), "Listening on 10.0.0.2:8787\nTo pair a phone: orvel --pair\n");
   EXPECT_EQ(shown(running, running), "");
 }
 
 TEST_F(ConsoleStatusTest, SaysWhatWentWrong) {
-  EXPECT_EQ(shown(idle, {.lastError = "Port taken."}), "Port taken.\n");
+  EXPECT_EQ(shown(idle, {.lastError = "Port taken."}),
+            "Port taken.\nHere that is: end this with Ctrl-C and start it again.\n");
   EXPECT_EQ(shown({.lastError = "Port taken."}, {.lastError = "Port taken."}), "");
 }
 

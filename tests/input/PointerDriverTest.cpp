@@ -134,6 +134,17 @@ TEST_F(PointerDriverTest, HeldButtonsMakeDrags) {
   }
 }
 
+TEST_F(PointerDriverTest, AButtonOfAnyOtherNumberPressesTheLeftOneButMakesNoDrag) {
+  pointer.button(7, true, 1);
+  pointer.moveRelative(1, 0);
+  clock.advance(tick);
+  EXPECT_EQ(last().type, MouseEventType::moved);
+  pointer.moveAbsolute(0.5, 0.5);
+  EXPECT_EQ(last().type, MouseEventType::moved);
+  pointer.releaseAll();
+  EXPECT_EQ(last().type, MouseEventType::leftUp);
+}
+
 TEST_F(PointerDriverTest, AbsoluteMotionReachesTheFarEdgeUnclamped) {
   desktop.setScreens({{{10, 20}, {1000, 800}}, {{1010, 0}, {500, 500}}});
   pointer.moveAbsolute(1.0, 1.0);

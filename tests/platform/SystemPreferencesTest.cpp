@@ -294,6 +294,33 @@ TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredWithTheNextChan
   EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"One"});
 }
 
+TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredAsSoonAsThatIsPossible) {
+  fs::create_directories(file());
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  fs::remove(file());
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+}
+
+TEST_F(SystemPreferencesObstacleTest, AFileThatIsFarTooLargeIsNoneOfOurs) {
+  std::string large = "[General]\norvel.token=ABCDEFGHJKMN\n";
+  while (large.size() <= 1024 * 1024) large += "key" + std::to_string(large.size()) + "=value\n";
+  writeFile(large);
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
+  SystemPreferences().setString("orvel.token", "NPQRSTUVWXYZ");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "NPQRSTUVWXYZ");
+  EXPECT_LT(fs::file_size(file()), 1000u);
+}
+
+TEST_F(SystemPreferencesTest, ARelativeConfigurationFolderDoesNotCount) {
+  setenv("XDG_CONFIG_HOME", "relative", 1);
+  setenv("HOME", folder_.path().c_str(), 1);
+  SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
+  EXPECT_FALSE(fs::exists("relative"));
+  EXPECT_TRUE(fs::exists(folder_.path() / ".config/orvel/orvel.conf"));
+}
+
 TEST_F(SystemPreferencesTest, AFileThatCannotBeReadIsReplaced) {
   writeFile("[General]\norvel.token=ROOTSROOTSROOTS\n");
   fs::permissions(file(), fs::perms(0600));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,14 @@ TEST_F(CommandLineTest, PairShowsTheSameCodeEachTime) {
   EXPECT_EQ(first.exitCode, 0);
   EXPECT_THAT(first.output, ContainsRegex("Code: +[A-Z2-9]{4}-[A-Z2-9]{4}-[A-Z2-9]{4}-[A-Z2-9]{4}\n"));
   EXPECT_EQ(run({"--pair"}, {{"DISPLAY", std::nullopt}}).output, first.output);
+}
+
+TEST_F(CommandLineTest, PairShowsNoCodeThatCannotBeKept) {
+  std::filesystem::create_directories(home.path() / ".config/orvel/orvel.conf");
+  const auto ended = run({"--pair"});
+  EXPECT_EQ(ended.exitCode, 1);
+  EXPECT_THAT(ended.output, HasSubstr("cannot be stored"));
+  EXPECT_THAT(ended.output, testing::Not(HasSubstr("Code:")));
 }
 
 TEST_F(CommandLineTest, AnUnknownOptionIsAnError) {

@@ -75,6 +75,17 @@ TEST_F(LifecycleTest, WhenTheDesktopGoesItEnds) {
   EXPECT_TRUE(phone.idle(phonePatience));
 }
 
+TEST_F(LifecycleTest, ADesktopThatHangsDoesNotHoldUpTheEnd) {
+  auto phone = connectPaired();
+  desktop.signalServer(SIGSTOP);
+  phone.sendFrame(phone::clickFrame(MouseButton::left, 1));  // asks the server where the pointer is
+  EXPECT_FALSE(phone.ping(phone::Seconds(0.3)));
+  host.process().signal(SIGTERM);
+  const auto exitCode = host.process().waitForExit();
+  desktop.signalServer(SIGCONT);
+  EXPECT_EQ(exitCode, 0);
+}
+
 TEST_F(LifecycleTest, ASecondHostSaysThatThePortIsTakenAndHarmsNothing) {
   auto phone = connectPaired("Zoe's phone");
   HostProcess second(desktop);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
 
 namespace orvel {
@@ -9,6 +10,8 @@ namespace {
 
 using phone::MouseButton;
 using Kind = X11Witness::Kind;
+
+constexpr int controlKey = 37;
 
 struct PointerTest : ProgramFixture {};
 
@@ -84,6 +87,35 @@ TEST_F(PointerTest, TwoPhonesShareThePointer) {
   }
   EXPECT_TRUE(waitForPointer(660, 420)) << "the motion of both adds up";
   second.sendFrame(phone::buttonFrame(MouseButton::left, false));
+  EXPECT_TRUE(waitForInput(Kind::buttonUp, 1));
+}
+
+TEST_F(PointerTest, TwoPhonesHoldOneModifierUntilTheLastLetsGo) {
+  auto first = connectPaired("First");
+  auto second = connectPaired("Second");
+  first.sendFrame(phone::keyFrame(8, true, phone::command));  // c
+  ASSERT_TRUE(waitForInput(Kind::keyDown, 54));
+  second.sendFrame(phone::keyFrame(9, true, phone::command));  // v
+  ASSERT_TRUE(waitForInput(Kind::keyDown, 55));
+  first.sendFrame(phone::keyFrame(8, false, phone::command));
+  ASSERT_TRUE(waitForInput(Kind::keyUp, 54));
+  EXPECT_EQ(std::ranges::count(witness.catchUp(), controlKey, &X11Witness::Input::detail), 1)
+      << "pressed, not released";
+  second.reset();
+  EXPECT_TRUE(waitForInput(Kind::keyUp, 55));
+  EXPECT_TRUE(waitForInput(Kind::keyUp, controlKey));
+}
+
+TEST_F(PointerTest, ADragGoesOnWhenTheMonitorsChange) {
+  auto phone = connectPaired();
+  phone.sendFrame(phone::moveAbsoluteFrame(0.5, 0.5));
+  phone.sendFrame(phone::buttonFrame(MouseButton::left, true));
+  ASSERT_TRUE(waitForInput(Kind::buttonDown, 1));
+  ASSERT_EQ(desktop.run({"xrandr", "--setmonitor", "LEFT", "640/170x800/210+0+0", "screen"}), 0);
+  phone.sendFrame(phone::moveFrame(-40, -30));
+  ASSERT_TRUE(waitForPointer(600, 370));
+  EXPECT_TRUE(witness.inputs().back().state & XCB_BUTTON_MASK_1);
+  phone.sendFrame(phone::buttonFrame(MouseButton::left, false));
   EXPECT_TRUE(waitForInput(Kind::buttonUp, 1));
 }
 

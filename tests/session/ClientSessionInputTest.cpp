@@ -37,6 +37,28 @@ TEST_F(ClientSessionInputTest, WithoutThePermissionAsRememberedFramesAreIgnored)
   EXPECT_EQ(desktop.posted.size(), 2u);
 }
 
+TEST_F(ClientSessionInputTest, BeforeThePermissionIsReadFramesAreIgnored) {
+  PermissionGate unread(desktop);
+  SessionServices fresh{.events = desktop,
+                        .machine = machine,
+                        .pairing = pairing,
+                        .permission = unread,
+                        .pointer = pointer,
+                        .queues = queues,
+                        .trust = desktop};
+  const auto wire = std::make_shared<FakeWire>(clock);
+  const auto early = std::make_shared<ClientSession>(std::make_unique<FakeTransport>(wire), hub, fresh);
+  early->start();
+  wire->open();
+  authenticate(*wire);
+  ASSERT_TRUE(early->authenticated());
+  wire->binary({8, 0, 1});
+  EXPECT_THAT(desktop.posted, IsEmpty());
+  unread.refresh();
+  wire->binary({8, 0, 1});
+  EXPECT_EQ(desktop.posted.size(), 2u);
+}
+
 TEST_F(ClientSessionInputTest, FramesThatDoNotDecodeAreIgnored) {
   phone->binary({0});
   phone->binary({10, 1, 2, 3, 4});

@@ -10,13 +10,12 @@
 #include "platform/linux/SystemSocketTuner.hpp"
 #include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
+#include "platform/linux/X11Connection.hpp"
 
 #include <functional>
 #include <memory>
 
 namespace orvel {
-
-class X11Connection;
 
 /// The leaves of a Linux desktop with X11.
 ///
@@ -39,6 +38,7 @@ class LinuxPlatform final : public Platform {
   Workspace& workspace() override { return workspace_; }
 
   void observeEnd(std::function<void()> handler) override;
+  void giveUp() override { connection_->breakOff(); }
 
  private:
   struct End {

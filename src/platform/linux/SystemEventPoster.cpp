@@ -109,16 +109,20 @@ SystemEventPoster::SystemEventPoster(X11Connection& connection, const SystemDisp
 }
 
 // The queue is filled while the lock is held, in all three: what the server gets must have the order of what is
-// remembered here, and the keys of one chord must stay together. It only copies into memory.
+// remembered here, and the keys of one chord must stay together. It copies into memory, and waits only when that is
+// full and the server takes nothing.
 
 bool SystemEventPoster::post(const MouseEvent& event) {
   if (!canPost()) return false;
   const auto change = buttonChangeOf(event.type);
   const Position target{pixelAt(event.position.x), pixelAt(event.position.y)};
   state_.withLock([&](State& state) {
-    if (!change || state.pointer != onScreen(target)) queue(state, XCB_MOTION_NOTIFY, absoluteMotion, target);
+    // Since the last batch another hand may have moved the pointer away.
+    const bool isThere = state.isPointerKnown && state.pointer == onScreen(target);
+    if (!change || !isThere) queue(state, XCB_MOTION_NOTIFY, absoluteMotion, target);
     if (change) queue(state, change->type, change->button);
     state.pointer = onScreen(target);
+    state.isPointerKnown = true;
     state.isPointerUnflushed = true;
     ++state.placements;
   });
@@ -164,7 +168,9 @@ std::optional<Point> SystemEventPoster::pointerLocation() {
   const Position reported{reply->root_x, reply->root_y};
   state_.withLock([&](State& state) {
     // What another thread has posted meanwhile is the newer truth.
-    if (state.placements == placements) state.pointer = reported;
+    if (state.placements != placements) return;
+    state.pointer = reported;
+    state.isPointerKnown = true;
   });
   return toPoint(reported);
 }
@@ -172,6 +178,7 @@ std::optional<Point> SystemEventPoster::pointerLocation() {
 void SystemEventPoster::flush() {
   const bool needed = state_.withLock([](State& state) {
     state.isPointerUnflushed = false;
+    state.isPointerKnown = false;
     return std::exchange(state.isUnflushed, false);
   });
   if (needed) xcb_flush(connection_.get());

@@ -16,7 +16,8 @@ class X11Connection;
 /// Posts input by XTEST, as if a second mouse and keyboard were plugged in.
 ///
 /// A modifier flag holds the key of that modifier down for as long as the key it came with; command is Control, the
-/// shortcut modifier of this desktop, and function is nothing. Wheels turn in notches; what is left of one is kept.
+/// shortcut modifier of this desktop, and function is nothing. Wheels turn in notches; what is left of one is
+/// kept, whichever phone turns next.
 ///
 /// Threads: any. Only `pointerLocation` waits for the server.
 class SystemEventPoster final : public EventPoster {
@@ -46,6 +47,7 @@ class SystemEventPoster final : public EventPoster {
   struct State {
     std::optional<Position> pointer;  // where a post or a query last found it
     std::uint64_t placements = 0;     // posts that placed the pointer
+    bool isPointerKnown = false;      // found there in this batch
     bool isPointerUnflushed = false;
     bool isUnflushed = false;
     std::int64_t verticalRemainder = 0;  // pixels that do not make a notch yet

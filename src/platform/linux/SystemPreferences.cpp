@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
@@ -17,6 +18,7 @@ namespace {
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t ownFolder = 0700;
 constexpr mode_t ownFile = 0600;
+constexpr off_t largestFile = 1024 * 1024;  // ours has a few hundred bytes
 
 QString toQString(const std::string& text) {
   // A byte order mark at the start is part of the text; QString::fromUtf8 would drop it.
@@ -28,6 +30,16 @@ QString toQString(const std::string& text) {
 bool isRegularFile(const std::string& path) {
   struct stat status {};
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// Whether it can be one of ours: anything else under that name, such as a pipe, might keep a reader waiting for ever.
+bool isWorthReading(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= largestFile;
+}
+
+bool isWritable(const std::string& path) {
+  return access(path.c_str(), R_OK | W_OK) == 0;
 }
 
 /// Whether `path` has exactly these permissions, now if not before.
@@ -58,16 +70,27 @@ bool prepare(const std::string& folder, const std::string& file) {
   if (!restrict(folder, ownFolder)) return false;
   if (createPrivately(file)) return true;
   if (!isRegularFile(file)) return false;
-  const bool usable = restrict(file, ownFile) && access(file.c_str(), R_OK | W_OK) == 0;
+  const bool usable = isWorthReading(file)&& restrict(file, ownFile) && isWritable(file);
   return usable || (unlink(file.c_str()) == 0 && createPrivately(file));
+}
+
+/// The user's configuration folder. A relative one does not count: it would be another one in every working folder.
+std::string configurationFolder() {
+  const std::string folder =
+      QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)).toStdString();
+  if (folder.starts_with('/')) return folder;
+  return QFile::encodeName(QDir::homePath()).toStdString() + "/.config";
+}
+
+std::vector<std::string> textsOf(const QSettings& settings, const QString& key) {
+  std::vector<std::string> texts;
+  for (const QString& text : settings.value(key).toStringList()) texts.push_back(text.toStdString());
+  return texts;
 }
 
 }  // namespace
 
-SystemPreferences::SystemPreferences()
-    : folder_(QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)).toStdString() +
-              "/orvel"),
-      file_(folder_ + "/orvel.conf") {}
+SystemPreferences::SystemPreferences() : folder_(configurationFolder() + "/orvel"), file_(folder_ + "/orvel.conf") {}
 
 std::optional<std::string> SystemPreferences::string(const std::string& key) const {
   Texts texts = strings(key);
@@ -76,15 +99,13 @@ std::optional<std::string> SystemPreferences::string(const std::string& key) con
 }
 
 std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
-  return unsaved_.withLock([&](const Changes& unsaved) -> Texts {
+  return unsaved_.withLock([&](Changes& unsaved) -> Texts {
+    // What stood in the way may be gone.
+    if (!unsaved.empty() && store(unsaved)) unsaved.clear();
     if (const auto change = unsaved.find(key); change != unsaved.end()) return change->second;
-    // Anything else under that name, such as a pipe, might keep the reader waiting for ever.
-    if (!isRegularFile(file_)) return {};
+    if (!isWorthReading(file_)) return {};
     restrict(file_, ownFile);
-    const QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
-    Texts texts;
-    for (const QString& text : settings.value(toQString(key)).toStringList()) texts.push_back(text.toStdString());
-    return texts;
+    return textsOf(QSettings(QFile::decodeName(file_.c_str()), QSettings::IniFormat), toQString(key));
   });
 }
 
@@ -107,10 +128,21 @@ void SystemPreferences::change(const std::string& key, Texts texts) {
   });
 }
 
+SystemPreferences::Changes SystemPreferences::contents() const {
+  Changes contents;
+  if (!isWorthReading(file_)) return contents;
+  const QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
+  for (const QString& key : settings.allKeys()) contents[key.toStdString()] = textsOf(settings, key);
+  return contents;
+}
+
 bool SystemPreferences::store(const Changes& changes) const {
+  // A file that can be read but not written is replaced, and what it says must not go with it.
+  Changes all = isWritable(file_) ? Changes() : contents();
+  for (const auto& [key, texts] : changes) all[key] = texts;
   if (!prepare(folder_, file_)) return false;
   QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
-  for (const auto& [key, texts] : changes) {
+  for (const auto& [key, texts] : all) {
     QStringList list;
     for (const std::string& text : texts) list.push_back(toQString(text));
     if (list.isEmpty()) {

@@ -12,7 +12,7 @@ namespace orvel {
 
 /// The preferences in "orvel/orvel.conf" of the user's configuration folder, readable by the user alone. Every reading
 /// sees what other processes have written. What cannot be stored is kept in memory, answered from there, and stored
-/// along with the next change.
+/// as soon as that is possible. A file of more than a megabyte is none of ours and counts as empty.
 ///
 /// Threads: any; one caller at a time touches the file.
 class SystemPreferences final : public Preferences {
@@ -31,11 +31,12 @@ class SystemPreferences final : public Preferences {
   using Changes = std::map<std::string, Texts>;
 
   void change(const std::string& key, Texts texts);
+  Changes contents() const;
   bool store(const Changes& changes) const;
 
   const std::string folder_;
   const std::string file_;
-  Guarded<Changes> unsaved_;
+  mutable Guarded<Changes> unsaved_;
 };
 
 }  // namespace orvel

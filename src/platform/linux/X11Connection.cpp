@@ -81,10 +81,12 @@ void X11Connection::stopListening() {
   if (stopping_.exchange(true) || !thread_.joinable()) return;
   // The server forgets what it has not taken yet when a connection ends; the farewell comes back behind all that.
   sendFarewell();
-  if (!threadEnded_.try_acquire_for(farewellPatience)) {
-    shutdown(xcb_get_file_descriptor(connection_), SHUT_RDWR);
-  }
+  if (!threadEnded_.try_acquire_for(farewellPatience)) breakOff();
   thread_.join();
+}
+
+void X11Connection::breakOff() const {
+  shutdown(xcb_get_file_descriptor(connection_), SHUT_RDWR);
 }
 
 void X11Connection::sendFarewell() const {

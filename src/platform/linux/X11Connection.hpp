@@ -51,6 +51,9 @@ class X11Connection {
   /// handler. Harmless the second time.
   void stopListening();
 
+  /// Parts from the server at once: whoever waits for an answer gets none. Threads: any.
+  void breakOff() const;
+
   /// False once the server has gone.
   bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
 
