@@ -81,8 +81,8 @@ class RealServer {
   SystemSocketTuner tuner_;
   SystemClock clock_;
   WorkerThreads workers_;
-  const std::unique_ptr<Executor> mainThread_ = workers_.makeSerialQueue("main");
-  const std::unique_ptr<Executor> pointerQueue_ = workers_.makeSerialQueue("orvel.pointer");
+  const std::unique_ptr<Executor> mainThread_ = workers_.makeSerialQueue();
+  const std::unique_ptr<Executor> pointerQueue_ = workers_.makeSerialQueue();
   PairingStore pairing_{preferences_};
   PermissionGate permission_{desktop_};
   PointerDriver pointer_{desktop_, desktop_, clock_, *pointerQueue_};

@@ -46,7 +46,7 @@ class DesktopPatience {
 OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
     : mainLoop_(mainLoop),
       platform_(platform),
-      pointerQueue_(workers_.makeSerialQueue("orvel.pointer")),
+      pointerQueue_(workers_.makeSerialQueue()),
       pairing_(platform.preferences()),
       permission_(platform.trust()),
       pointer_(platform.events(), platform.displays(), clock_, *pointerQueue_),
@@ -71,6 +71,8 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
 OrvelApp::~OrvelApp() = default;
 
 int OrvelApp::run() {
+  // Read before the first phone comes: whatever happens to the file later, this one is known.
+  pairing_.token();
   delegate_.applicationDidFinishLaunching();
   const int exitCode = mainLoop_.run();
   const DesktopPatience patience(platform_);

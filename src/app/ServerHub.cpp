@@ -171,7 +171,7 @@ void ServerHub::leave(const SessionID& id) {
 
 void ServerHub::watchPermission() {
   permissionWatch_ = std::make_unique<RepeatingTimer>(dependencies_.mainThread, dependencies_.clock, permissionInterval,
-                                                      [self = weak_from_this()] {
+                                                      permissionInterval, [self = weak_from_this()] {
                                                         if (const auto hub = self.lock()) hub->permissionTick();
                                                       });
 }

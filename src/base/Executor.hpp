@@ -28,7 +28,7 @@ class QueueFactory {
   virtual ~QueueFactory() = default;
 
   /// A new, empty serial queue. Tasks that were posted run even when the queue itself is gone. Threads: any.
-  virtual std::unique_ptr<Executor> makeSerialQueue(std::string label) = 0;
+  virtual std::unique_ptr<Executor> makeSerialQueue() = 0;
 };
 
 }  // namespace orvel

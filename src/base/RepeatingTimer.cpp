@@ -7,8 +7,8 @@
 namespace orvel {
 
 struct RepeatingTimer::Schedule {
-  Schedule(Executor& queue, const Clock& time, Seconds interval, Task task)
-      : executor(queue), clock(time), period(interval), tick(std::move(task)), next(time.now()) {}
+  Schedule(Executor& queue, const Clock& time, Seconds delay, Seconds interval, Task task)
+      : executor(queue), clock(time), period(interval), tick(std::move(task)), next(time.now() + delay) {}
 
   Executor& executor;
   const Clock& clock;
@@ -18,9 +18,9 @@ struct RepeatingTimer::Schedule {
   std::atomic<bool> cancelled = false;
 };
 
-RepeatingTimer::RepeatingTimer(Executor& executor, const Clock& clock, Seconds period, Task tick)
-    : schedule_(std::make_shared<Schedule>(executor, clock, period, std::move(tick))) {
-  arm(schedule_, Seconds(0));
+RepeatingTimer::RepeatingTimer(Executor& executor, const Clock& clock, Seconds delay, Seconds period, Task tick)
+    : schedule_(std::make_shared<Schedule>(executor, clock, delay, period, std::move(tick))) {
+  arm(schedule_, delay);
 }
 
 RepeatingTimer::~RepeatingTimer() {

@@ -6,14 +6,14 @@
 
 namespace orvel {
 
-/// Runs a task again and again until it is destroyed: first at once, then every `period`. Ticks that were missed
+/// Runs a task again and again until it is destroyed: first after `delay`, then every `period`. Ticks that were missed
 /// are not made up for.
 ///
 /// Threads: made and destroyed on any thread, also by its own tick. Destroying it does not wait: a tick that has
 /// begun on another thread runs to its end.
 class RepeatingTimer {
  public:
-  RepeatingTimer(Executor& executor, const Clock& clock, Seconds period, Task tick);
+  RepeatingTimer(Executor& executor, const Clock& clock, Seconds delay, Seconds period, Task tick);
   ~RepeatingTimer();
   RepeatingTimer(const RepeatingTimer&) = delete;
   RepeatingTimer& operator=(const RepeatingTimer&) = delete;

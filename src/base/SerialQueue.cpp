@@ -13,9 +13,8 @@ namespace orvel {
 using Moment = std::chrono::steady_clock::time_point;
 
 struct SerialQueue::State {
-  State(std::string name, WorkerThreads& owner) : label(std::move(name)), threads(owner) {}
+  explicit State(WorkerThreads& owner) : threads(owner) {}
 
-  const std::string label;
   WorkerThreads& threads;
   std::mutex mutex;
   std::condition_variable_any changed;
@@ -23,14 +22,9 @@ struct SerialQueue::State {
   bool draining = false;
 };
 
-SerialQueue::SerialQueue(std::string label, WorkerThreads& threads)
-    : state_(std::make_shared<State>(std::move(label), threads)) {}
+SerialQueue::SerialQueue(WorkerThreads& threads) : state_(std::make_shared<State>(threads)) {}
 
 SerialQueue::~SerialQueue() = default;
-
-const std::string& SerialQueue::label() const {
-  return state_->label;
-}
 
 void SerialQueue::post(Task task) {
   postAfter(Seconds(0), std::move(task));
@@ -43,7 +37,8 @@ void SerialQueue::postAfter(Seconds delay, Task task) {
   if (state_->draining) {
     state_->changed.notify_one();
   } else {
-    state_->draining = state_->threads.run([state = state_] { drain(*state); });
+    state_->draining = true;
+    state_->threads.run([state = state_] { drain(*state); });
   }
 }
 
@@ -62,8 +57,10 @@ void SerialQueue::drain(State& state) {
     task = nullptr;
     lock.lock();
   }
-  if (stop.stop_requested()) state.tasks.clear();
+  std::multimap<Moment, Task> dropped;
+  if (stop.stop_requested()) dropped.swap(state.tasks);
   state.draining = false;
+  lock.unlock();  // what tasks held on to may post as it goes
 }
 
 }  // namespace orvel

@@ -14,15 +14,13 @@ class WorkerThreads;
 /// Threads: any. A queue may be destroyed while it has work, also by one of its own tasks; what was posted still runs.
 class SerialQueue final : public Executor {
  public:
-  SerialQueue(std::string label, WorkerThreads& threads);
+  explicit SerialQueue(WorkerThreads& threads);
   ~SerialQueue() override;
   SerialQueue(const SerialQueue&) = delete;
   SerialQueue& operator=(const SerialQueue&) = delete;
 
   void post(Task task) override;
   void postAfter(Seconds delay, Task task) override;
-
-  const std::string& label() const;
 
  private:
   struct State;

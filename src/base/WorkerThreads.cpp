@@ -7,13 +7,19 @@
 #include <utility>
 
 namespace orvel {
+namespace {
+
+/// More than the phones of any household; whoever finds them all busy waits.
+constexpr std::size_t mostThreads = 64;
+
+}  // namespace
 
 WorkerThreads::~WorkerThreads() {
   finish();
 }
 
-std::unique_ptr<Executor> WorkerThreads::makeSerialQueue(std::string label) {
-  return std::make_unique<SerialQueue>(std::move(label), *this);
+std::unique_ptr<Executor> WorkerThreads::makeSerialQueue() {
+  return std::make_unique<SerialQueue>(*this);
 }
 
 void WorkerThreads::finish() {
@@ -22,27 +28,43 @@ void WorkerThreads::finish() {
   ended_.wait(lock, [this] { return running_ == 0; });
 }
 
-bool WorkerThreads::run(Task body) {
+void WorkerThreads::run(Task body) {
   const std::lock_guard lock(mutex_);
-  if (stop_.stop_requested()) return false;
+  if (stop_.stop_requested()) return;
+  if (running_ < mostThreads && startThread(body)) {
+    ++running_;
+  } else {
+    waiting_.push_back(std::move(body));
+  }
+}
+
+bool WorkerThreads::startThread(const Task& body) {
   try {
-    std::thread([this, body = std::move(body)]() mutable {
-      body();
-      body = nullptr;
-      threadEnded();
-    }).detach();
+    std::thread([this, body] { work(body); }).detach();
+    return true;
   } catch (const std::system_error&) {
     return false;
   }
-  ++running_;
-  return true;
 }
 
-void WorkerThreads::threadEnded() {
-  // Told while the lock is held: once it is free the owner may destroy this object.
+void WorkerThreads::work(Task body) {
+  while (body) {
+    body();
+    body = nextOrEnd();
+  }
+}
+
+Task WorkerThreads::nextOrEnd() {
   const std::lock_guard lock(mutex_);
+  if (!waiting_.empty() && !stop_.stop_requested()) {
+    Task next = std::move(waiting_.front());
+    waiting_.pop_front();
+    return next;
+  }
   --running_;
+  // Told while the lock is held: once it is free the owner may destroy this object.
   ended_.notify_all();
+  return nullptr;
 }
 
 }  // namespace orvel

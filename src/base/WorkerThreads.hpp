@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <deque>
 #include <mutex>
 #include <stop_token>
 
@@ -19,25 +20,29 @@ class WorkerThreads final : public QueueFactory {
   WorkerThreads(const WorkerThreads&) = delete;
   WorkerThreads& operator=(const WorkerThreads&) = delete;
 
-  std::unique_ptr<Executor> makeSerialQueue(std::string label) override;
+  std::unique_ptr<Executor> makeSerialQueue() override;
 
   /// Lets every task that has begun run to its end, drops the rest, and returns when the last thread has gone.
   /// Queues drop what is posted from then on.
   void finish();
 
-  /// Runs `body` on a thread of its own. False when the system has no thread to give or `finish` was called.
-  bool run(Task body);
+  /// Runs `body` on a thread of its own, or as soon as one is free when there are very many or the system has no more.
+  /// Does nothing once `finish` was called.
+  void run(Task body);
 
   /// Says when to end early.
   std::stop_token stopToken() const { return stop_.get_token(); }
 
  private:
-  void threadEnded();
+  bool startThread(const Task& body);
+  void work(Task body);
+  Task nextOrEnd();
 
   std::stop_source stop_;
   std::mutex mutex_;
   std::condition_variable ended_;
   std::size_t running_ = 0;
+  std::deque<Task> waiting_;
 };
 
 }  // namespace orvel

@@ -17,10 +17,9 @@ void HeldKeys::post(const KeyEvent& event) {
   }
 }
 
-bool HeldKeys::releaseAll() {
-  const auto held = std::exchange(down_, {});
-  for (const std::uint16_t keyCode : held) events_.post(KeyEvent{.keyCode = keyCode, .down = false});
-  return !held.empty();
+void HeldKeys::releaseAll() {
+  for (const std::uint16_t keyCode : std::exchange(down_, {}))
+    events_.post(KeyEvent{.keyCode = keyCode, .down = false});
 }
 
 }  // namespace orvel

@@ -19,8 +19,8 @@ class HeldKeys {
 
   void post(const KeyEvent& event);
 
-  /// Releases every key that is still down. Returns whether there was one.
-  bool releaseAll();
+  /// Releases every key that is still down.
+  void releaseAll();
 
  private:
   EventPoster& events_;

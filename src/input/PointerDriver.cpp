@@ -59,7 +59,7 @@ void PointerDriver::moveRelative(double dx, double dy) {
 
 void PointerDriver::startClock(State& state) {
   if (state.clock) return;
-  state.clock = std::make_unique<RepeatingTimer>(clockQueue_, clock_, tick, [this] { flush(); });
+  state.clock = std::make_unique<RepeatingTimer>(clockQueue_, clock_, Seconds(0), tick, [this] { flush(); });
 }
 
 void PointerDriver::stopClock() {

@@ -25,7 +25,7 @@ ClientSession::ClientSession(std::unique_ptr<Transport> transport, std::weak_ptr
       transport_(std::move(transport)),
       hub_(std::move(hub)),
       services_(services),
-      work_(services.queues.makeSerialQueue("orvel.session.work")),
+      work_(services.queues.makeSerialQueue()),
       nonce_(services.pairing.randomNonce()),
       deviceName_("iPhone"),
       heldKeys_(services.events) {}
@@ -102,6 +102,7 @@ void ClientSession::send(const boost::json::object& json) {
 void ClientSession::handOff(Task task, std::size_t cost) {
   backlog_ += cost;
   work_->post([self = weak_from_this(), &queue = transport_->queue(), task = std::move(task), cost] {
+    if (self.expired()) return;
     task();
     queue.post([self, cost] {
       if (const auto session = self.lock()) session->settle(cost);

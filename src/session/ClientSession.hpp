@@ -24,6 +24,7 @@ class PairingStore;
 class PermissionGate;
 class PointerDriver;
 class TrustCheck;
+struct ControlMessage;
 
 /// What all sessions share.
 struct SessionServices {
@@ -75,7 +76,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void teardown();
 
   void handleControl(std::span<const std::uint8_t> data);
-  void authenticate(const boost::json::object& message);
+  void authenticate(const ControlMessage& message);
   void deny();
   void reveal();
 

@@ -34,7 +34,7 @@ class PairingStore {
   /// Whether `proof` answers `nonce`. Takes the same time wherever the first wrong character is.
   bool verify(std::string_view proof, std::string_view nonce);
 
-  /// Adds a device's name unless it is known.
+  /// Adds a device's name unless it is known, or longer than 1,024 bytes.
   void remember(const std::string& name);
 
  private:

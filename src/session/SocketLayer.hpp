@@ -85,7 +85,7 @@ class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
     boost::system::error_code ignored;
     layer_.socket().shutdown(ConnectionSocket::shutdown_send, ignored);
     limit_.async_wait([self = this->shared_from_this()](const boost::system::error_code& error) {
-      if (!error) self->layer_.close();
+      if (!error && !self->hasEnded_) self->layer_.close();
     });
     discard();
   }
@@ -104,6 +104,7 @@ class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
   }
 
   void end() {
+    hasEnded_ = true;  // the layer may go with the handler
     limit_.cancel();
     layer_.close();
     std::move(handler_)(boost::system::error_code());
@@ -113,6 +114,7 @@ class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
   boost::asio::steady_timer limit_;
   Handler handler_;
   std::array<char, 1024> scratch_;
+  bool hasEnded_ = false;
 };
 
 /// Found by the WebSocket when it has said its last word.

@@ -1,4 +1,5 @@
 #include "app/ServerHub.hpp"
+#include "base/Guarded.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "fakes/FakeMachine.hpp"
@@ -16,6 +17,11 @@
 #include <boost/asio/ip/v6_only.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <future>
 #include <memory>
@@ -45,9 +51,22 @@ class OtherListener {
   tcp::acceptor acceptor_{context_};
 };
 
-struct NoTuner final : SocketTuner {
-  bool enableKeepAlive(int, Seconds) override { return true; }
+/// Notes what the listener asks for and has asked for before.
+struct RecordingTuner final : SocketTuner {
+  bool enableKeepAlive(int socket, Seconds idle) override {
+    int noDelay = 0;
+    socklen_t size = sizeof noDelay;
+    getsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &noDelay, &size);
+    seen.withLock([&](Seen& all) { all = {idle, noDelay != 0}; });
+    return true;
+  }
   Delivery delivery(int, Seconds) override { return Delivery::done; }
+
+  struct Seen {
+    Seconds keepAliveIdle{0};
+    bool noDelay = false;
+  };
+  Guarded<Seen> seen;
 };
 
 /// A hub on the real network thread; a serial queue is its main thread.
@@ -97,8 +116,8 @@ struct ServerHubLoopbackTest : testing::Test {
 
   SystemClock clock;
   WorkerThreads workers;
-  std::unique_ptr<Executor> mainThread = workers.makeSerialQueue("main");
-  std::unique_ptr<Executor> pointerQueue = workers.makeSerialQueue("pointer");
+  std::unique_ptr<Executor> mainThread = workers.makeSerialQueue();
+  std::unique_ptr<Executor> pointerQueue = workers.makeSerialQueue();
   RecordingDesktop desktop;
   FakeMachine machine;
   MemoryPreferences preferences;
@@ -113,7 +132,7 @@ struct ServerHubLoopbackTest : testing::Test {
                            .pointer = pointer,
                            .queues = workers,
                            .trust = desktop};
-  NoTuner tuner;
+  RecordingTuner tuner;
   NetworkThread network{tuner};
   std::shared_ptr<ServerHub> hub;
 };
@@ -137,12 +156,46 @@ TEST_P(TakenPortTest, IsNotSharedAndIsTakenOverOnRestart) {
 
 INSTANTIATE_TEST_SUITE_P(By, TakenPortTest, testing::Values("0.0.0.0", "127.0.0.1", "::", "::1"));
 
+std::uint16_t freePort() {
+  const OtherListener finder(tcp::v4(), "0.0.0.0");
+  const std::uint16_t port = finder.port();
+  return port;
+}
+
+TEST_F(ServerHubLoopbackTest, ConnectionsAreProbedAndSendAtOnce) {
+  make(freePort());
+  startAndWaitFor([](const HubState& next) { return next.isRunning; });
+  RawWebSocket phone(hub->port());
+  ASSERT_TRUE(phone.open());
+  const auto seen = tuner.seen.withLock([](const RecordingTuner::Seen& all) { return all; });
+  EXPECT_EQ(seen.keepAliveIdle, Seconds(10));
+  EXPECT_TRUE(seen.noDelay);
+}
+
+TEST_F(ServerHubLoopbackTest, PhonesThatCannotBeTakenAreTakenLater) {
+  make(freePort());
+  startAndWaitFor([](const HubState& next) { return next.isRunning; });
+  // The socket is made while there is a descriptor for it, and connected when there is none for the other end.
+  const int phone = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_GE(phone, 0);
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{.rlim_cur = 3, .rlim_max = before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(hub->port());
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  EXPECT_EQ(connect(phone, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  clock.sleep(Seconds(0.3));
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  close(phone);
+  RawWebSocket next(hub->port());
+  EXPECT_TRUE(next.open());
+}
+
 TEST_F(ServerHubLoopbackTest, RestartDropsThePhonesAndTakesThemAgain) {
-  std::uint16_t port = 0;
-  {
-    OtherListener finder(tcp::v4(), "0.0.0.0");
-    port = finder.port();
-  }
+  const std::uint16_t port = freePort();
   make(port);
   startAndWaitFor([](const HubState& next) { return next.isRunning; });
   RawWebSocket first(port);

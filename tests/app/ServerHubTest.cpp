@@ -112,8 +112,9 @@ TEST_F(ServerHubTest, ObserversHearOfAChangeBeforeItTakesEffect) {
 }
 
 TEST_F(ServerHubTest, WhatDoesNotChangeIsNotAnnounced) {
-  clock.runDue();
   start();
+  permission.refresh();
+  clock.runDue();
   int announcements = 0;
   hub->observe([&](const HubState&) { ++announcements; });
   permission.refresh();
@@ -235,13 +236,44 @@ TEST_F(ServerHubTest, AuthenticatedPhonesHearOfAPermissionChangeOnce) {
   EXPECT_THAT(stranger->received("permission"), IsEmpty());
 }
 
-TEST_F(ServerHubTest, TheFirstTickAlwaysCountsAsAChange) {
+TEST_F(ServerHubTest, TheFirstTickComesAfterOneAndAHalfSecondsAndCountsAsAChange) {
   start();
-  // Nothing is known before the first tick, so a phone that is already there would hear of it; at launch none is.
+  const auto early = connectPaired("Zoe");
+  clock.advance(Seconds(1.49));
+  EXPECT_THAT(early->received("permission"), IsEmpty());
+  clock.advance(Seconds(0.02));
+  EXPECT_EQ(early->received("permission").size(), 1u);
+  const auto late = connectPaired("Adam");
   clock.advance(Seconds(3));
+  EXPECT_EQ(early->received("permission").size(), 1u);
+  EXPECT_THAT(late->received("permission"), IsEmpty());
+}
+
+TEST_F(ServerHubTest, ThePermissionIsReadEveryOneAndAHalfSeconds) {
+  clock.advance(Seconds(1.5));
+  desktop.trusted = false;
+  clock.advance(Seconds(1.49));
+  EXPECT_TRUE(permission.cachedTrust());
+  clock.advance(Seconds(0.02));
+  EXPECT_FALSE(permission.cachedTrust());
+}
+
+TEST_F(ServerHubTest, AListenerThatFailsLaterIsNotRunningAnyMore) {
+  start();
+  network.ports[0]->handlers.stateChanged(Listener::State::failed, std::make_error_code(std::errc::io_error));
+  clock.runDue();
+  EXPECT_FALSE(hub->state().isRunning);
+  EXPECT_TRUE(hub->state().lastError);
+}
+
+TEST_F(ServerHubTest, StoppingEmptiesTheListAtOnce) {
+  start();
   const auto phone = connectPaired("Zoe");
-  clock.advance(Seconds(3));
-  EXPECT_THAT(phone->received("permission"), IsEmpty());
+  std::vector<std::size_t> lengths;
+  hub->observe([&](const HubState& next) { lengths.push_back(next.clients.size()); });
+  hub->stop();
+  clock.runDue();
+  EXPECT_THAT(lengths, ElementsAre(0u)) << "one change, together with the end of running";
 }
 
 TEST_F(ServerHubTest, ThePairingPayloadHoldsWhatAPhoneNeeds) {

@@ -15,7 +15,7 @@ struct RepeatingTimerTest : testing::Test {
 };
 
 TEST_F(RepeatingTimerTest, TicksAtOnceAndThenEveryPeriod) {
-  const RepeatingTimer timer(executor, clock, Seconds(1.5), [&] { ++ticks; });
+  const RepeatingTimer timer(executor, clock, Seconds(0), Seconds(1.5), [&] { ++ticks; });
   EXPECT_EQ(ticks, 0) << "the first tick runs on the executor, not in the constructor";
   clock.runDue();
   EXPECT_EQ(ticks, 1);
@@ -27,8 +27,18 @@ TEST_F(RepeatingTimerTest, TicksAtOnceAndThenEveryPeriod) {
   EXPECT_EQ(ticks, 4);
 }
 
+TEST_F(RepeatingTimerTest, MayWaitBeforeTheFirstTick) {
+  const RepeatingTimer timer(executor, clock, Seconds(2), Seconds(1), [&] { ++ticks; });
+  clock.advance(Seconds(1.9));
+  EXPECT_EQ(ticks, 0);
+  clock.advance(Seconds(0.2));
+  EXPECT_EQ(ticks, 1);
+  clock.advance(Seconds(1));
+  EXPECT_EQ(ticks, 2);
+}
+
 TEST_F(RepeatingTimerTest, DestroyingItStopsIt) {
-  auto timer = std::make_unique<RepeatingTimer>(executor, clock, Seconds(1), [&] { ++ticks; });
+  auto timer = std::make_unique<RepeatingTimer>(executor, clock, Seconds(0), Seconds(1), [&] { ++ticks; });
   clock.runDue();
   timer.reset();
   clock.advance(Seconds(10));
@@ -38,7 +48,7 @@ TEST_F(RepeatingTimerTest, DestroyingItStopsIt) {
 
 TEST_F(RepeatingTimerTest, MayBeDestroyedByItsOwnTick) {
   std::unique_ptr<RepeatingTimer> timer;
-  timer = std::make_unique<RepeatingTimer>(executor, clock, Seconds(1), [&] {
+  timer = std::make_unique<RepeatingTimer>(executor, clock, Seconds(0), Seconds(1), [&] {
     if (++ticks == 2) timer.reset();
   });
   clock.advance(Seconds(10));
@@ -46,7 +56,7 @@ TEST_F(RepeatingTimerTest, MayBeDestroyedByItsOwnTick) {
 }
 
 TEST_F(RepeatingTimerTest, DoesNotMakeUpForMissedTicks) {
-  const RepeatingTimer timer(executor, clock, Seconds(1), [&] {
+  const RepeatingTimer timer(executor, clock, Seconds(0), Seconds(1), [&] {
     if (++ticks == 1) clock.sleep(Seconds(5.5));
   });
   clock.advance(Seconds(7));

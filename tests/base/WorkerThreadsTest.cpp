@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <latch>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -15,7 +16,7 @@ namespace {
 
 TEST(WorkerThreads, AQueueRunsItsTasksInOrderAndOneAtATime) {
   WorkerThreads threads;
-  const auto queue = threads.makeSerialQueue("test");
+  const auto queue = threads.makeSerialQueue();
   std::vector<int> order;  // unguarded on purpose: the thread sanitizer sees it if two tasks overlap
   std::promise<void> done;
   for (int number = 0; number < 1000; ++number) queue->post([&order, number] { order.push_back(number); });
@@ -27,7 +28,7 @@ TEST(WorkerThreads, AQueueRunsItsTasksInOrderAndOneAtATime) {
 
 TEST(WorkerThreads, TasksPostedByManyThreadsAllRun) {
   WorkerThreads threads;
-  const auto queue = threads.makeSerialQueue("test");
+  const auto queue = threads.makeSerialQueue();
   int count = 0;
   {
     std::vector<std::jthread> posters;
@@ -45,7 +46,7 @@ TEST(WorkerThreads, TasksPostedByManyThreadsAllRun) {
 
 TEST(WorkerThreads, ADelayedTaskWaitsAndLetsOthersPass) {
   WorkerThreads threads;
-  const auto queue = threads.makeSerialQueue("test");
+  const auto queue = threads.makeSerialQueue();
   std::vector<int> order;
   std::promise<void> done;
   const auto start = std::chrono::steady_clock::now();
@@ -62,7 +63,7 @@ TEST(WorkerThreads, ADelayedTaskWaitsAndLetsOthersPass) {
 TEST(WorkerThreads, WhatWasPostedRunsEvenWhenTheQueueIsGone) {
   WorkerThreads threads;
   std::promise<void> done;
-  auto queue = threads.makeSerialQueue("test");
+  auto queue = threads.makeSerialQueue();
   queue->post([&] { done.set_value(); });
   queue.reset();
   EXPECT_EQ(done.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
@@ -70,7 +71,7 @@ TEST(WorkerThreads, WhatWasPostedRunsEvenWhenTheQueueIsGone) {
 
 TEST(WorkerThreads, FinishWaitsForTheRunningTaskAndDropsTheRest) {
   WorkerThreads threads;
-  const auto queue = threads.makeSerialQueue("test");
+  const auto queue = threads.makeSerialQueue();
   std::promise<void> begun;
   std::promise<void> release;
   std::atomic<bool> ended = false;
@@ -96,9 +97,35 @@ TEST(WorkerThreads, FinishWaitsForTheRunningTaskAndDropsTheRest) {
   EXPECT_TRUE(dropped);
 }
 
+TEST(WorkerThreads, VeryManyQueuesShareThreadsAndAllGetTheirTurn) {
+  constexpr std::size_t queueCount = 500;
+  WorkerThreads threads;
+  std::vector<std::unique_ptr<Executor>> queues;
+  std::latch ran(queueCount);
+  std::atomic<int> together = 0;
+  std::atomic<int> most = 0;
+  std::promise<void> release;
+  const auto released = release.get_future().share();
+  for (std::size_t number = 0; number < queueCount; ++number) {
+    queues.push_back(threads.makeSerialQueue());
+    queues.back()->post([&, released] {
+      const int now = ++together;
+      for (int before = most; before < now && !most.compare_exchange_weak(before, now);) {
+      }
+      released.wait();
+      --together;
+      ran.count_down();
+    });
+  }
+  while (most < 64) std::this_thread::yield();
+  release.set_value();
+  ran.wait();
+  EXPECT_EQ(most, 64);
+}
+
 TEST(WorkerThreads, FinishDoesNotWaitForDelayedTasks) {
   WorkerThreads threads;
-  const auto queue = threads.makeSerialQueue("test");
+  const auto queue = threads.makeSerialQueue();
   std::promise<void> waiting;
   queue->postAfter(Seconds(3600), [] {});
   queue->post([&] { waiting.set_value(); });

@@ -102,7 +102,7 @@ TEST_F(OpenPlatformTest, AQuietEndIsNotToldOf) {
 TEST_F(OpenPlatformTest, RelativeMotionArrivesThroughTheRealClock) {
   SystemClock clock;
   WorkerThreads threads;
-  const auto queue = threads.makeSerialQueue("orvel.pointer");
+  const auto queue = threads.makeSerialQueue();
   X11Witness witness(desktop.display());
   const auto [x, y] = witness.pointer();
   PointerDriver pointer(platform->events(), platform->displays(), clock, *queue);

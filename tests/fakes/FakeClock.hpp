@@ -61,12 +61,7 @@ class FakeQueueFactory final : public QueueFactory {
  public:
   explicit FakeQueueFactory(FakeClock& clock) : clock_(clock) {}
 
-  std::unique_ptr<Executor> makeSerialQueue(std::string label) override {
-    labels.push_back(std::move(label));
-    return std::make_unique<FakeExecutor>(clock_);
-  }
-
-  std::vector<std::string> labels;
+  std::unique_ptr<Executor> makeSerialQueue() override { return std::make_unique<FakeExecutor>(clock_); }
 
  private:
   FakeClock& clock_;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -311,6 +312,22 @@ TEST_F(SystemPreferencesObstacleTest, AFileThatIsFarTooLargeIsNoneOfOurs) {
   SystemPreferences().setString("orvel.token", "NPQRSTUVWXYZ");
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "NPQRSTUVWXYZ");
   EXPECT_LT(fs::file_size(file()), 1000u);
+}
+
+TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileNoFileCanBeOpened) {
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  ASSERT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{.rlim_cur = 3, .rlim_max = before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const auto token = preferences.string("orvel.token");
+  preferences.setStrings("orvel.devices", {"Zoe"});
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(token, "ABCDEFGHJKMN");
+  EXPECT_EQ(preferences.strings("orvel.devices"), Texts{"Zoe"});
+  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"Zoe"}) << "stored as soon as that was possible";
 }
 
 TEST_F(SystemPreferencesTest, ARelativeConfigurationFolderDoesNotCount) {

@@ -159,6 +159,47 @@ TEST_F(ClientSessionControlTest, RevealNeedsAuthentication) {
   EXPECT_THAT(desktop.posted, IsEmpty());
 }
 
+TEST_F(ClientSessionControlTest, RequestsBeforeAuthenticationAreDropped) {
+  for (const char* kind : {"getApps", "getIcons", "mirrorStart", "mirrorStop", "snap", "reveal"}) {
+    phone->text(R"({"t":")" + std::string(kind) + R"("})");
+    EXPECT_EQ(phone->sent.size(), 1u) << kind;
+  }
+  EXPECT_TRUE(answers());
+}
+
+TEST_F(ClientSessionControlTest, WorkThatWaitsGoesWithItsPhone) {
+  authenticate(*phone);
+  phone->text(R"({"t":"reveal"})");
+  phone->drop();
+  session.reset();
+  clock.advance(Seconds(1));
+  EXPECT_THAT(desktop.posted, IsEmpty());
+}
+
+TEST_F(ClientSessionControlTest, ANewTokenLeavesAuthenticatedSessionsAsTheyAre) {
+  authenticate(*phone);
+  pairing.rotateToken();
+  phone->binary({8, 0, 1});
+  EXPECT_EQ(desktop.posted.size(), 2u);
+}
+
+TEST_F(ClientSessionControlTest, OfAKeyThatComesTwiceTheLastCounts) {
+  phone->text(R"({"t":"auth","t":"ping"})");
+  EXPECT_EQ(phone->received("pong").size(), 1u);
+  phone->text(R"({"t":"ping","t":3})");
+  EXPECT_EQ(phone->received("pong").size(), 1u);
+}
+
+TEST_F(ClientSessionControlTest, KeysInsideOfOthersAreNotTheMessages) {
+  phone->text(R"({"x":{"t":"ping"},"y":["t","ping"]})");
+  phone->text(R"([{"t":"ping"}])");
+  phone->text(R"({"t":{"t":"ping"}})");
+  phone->text(R"({"t":["ping"]})");
+  EXPECT_THAT(phone->received("pong"), IsEmpty());
+  phone->text(" {\"x\":{\"t\":\"auth\"},\"t\":\"p\\u0069ng\",\"y\":[{\"t\":\"auth\"}]}\n");
+  EXPECT_EQ(phone->received("pong").size(), 1u) << "spaces and escapes are as good";
+}
+
 TEST_F(ClientSessionControlTest, RevealNeedsThePermissionAsRemembered) {
   authenticate(*phone);
   desktop.trusted = false;

@@ -38,7 +38,6 @@ TEST_F(ClientSessionTest, NoncesOfTwoSessionsDiffer) {
 TEST_F(ClientSessionTest, IsAnUnknownIPhoneAtFirst) {
   EXPECT_FALSE(session->authenticated());
   EXPECT_EQ(session->deviceName(), "iPhone");
-  EXPECT_THAT(queues.labels, ElementsAre("orvel.session.work"));
 }
 
 TEST_F(ClientSessionTest, AConnectionThatNeverBecomesReadyGetsNoHelloAndLeaves) {

@@ -113,6 +113,12 @@ TEST_F(PairingStoreTest, AProofUnderAnOldTokenIsRefused) {
   EXPECT_FALSE(pairing.verify(proof, nonce));
 }
 
+TEST_F(PairingStoreTest, ANameThatIsNoneIsNotRemembered) {
+  pairing.remember(std::string(1024, 'x'));
+  pairing.remember(std::string(1025, 'x'));
+  EXPECT_EQ(preferences.lists.at("orvel.devices").size(), 1u);
+}
+
 TEST_F(PairingStoreTest, DevicesAreRememberedOnceInOrderUntilTheTokenRotates) {
   pairing.remember("Zoe's phone");
   pairing.remember("Adam's phone");

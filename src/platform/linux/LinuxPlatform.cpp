@@ -2,6 +2,10 @@
 
 #include "platform/linux/X11Connection.hpp"
 
+#include <malloc.h>
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -9,8 +13,24 @@
 namespace orvel {
 namespace {
 
+constexpr rlim_t mostDescriptors = 65536;
+constexpr int largestKeptBlock = 256 * 1024;
+
 std::string needsDesktop(const std::string& reason) {
   return "Orvel needs a desktop to work on: " + reason;
+}
+
+/// Every phone needs a descriptor, and the usual limit is meant for programs that wait for them by select().
+void allowManyConnections() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+  limit.rlim_cur = std::min(limit.rlim_max, mostDescriptors);
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+/// The C library would learn from one large message to keep the memory of all that follow.
+void giveMemoryBack() {
+  mallopt(M_MMAP_THRESHOLD, largestKeptBlock);
 }
 
 }  // namespace
@@ -53,6 +73,8 @@ void LinuxPlatform::end() {
 }
 
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
+  allowManyConnections();
+  giveMemoryBack();
   const char* display = std::getenv("DISPLAY");
   if (display == nullptr || *display == '\0') return needsDesktop("no X display is named in DISPLAY.");
   auto connection = X11Connection::open(display);

@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 #include <QStringConverter>
 #include <QStringList>
+#include <cerrno>
 #include <utility>
 
 namespace orvel {
@@ -36,6 +37,15 @@ bool isRegularFile(const std::string& path) {
 bool isWorthReading(const std::string& path) {
   struct stat status {};
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= largestFile;
+}
+
+/// Whether the file is there but cannot be opened just now, as when strangers hold all that this process may open. To
+/// take its texts for missing would be to forget the pairing.
+bool lacksDescriptors(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor < 0) return errno == EMFILE || errno == ENFILE || errno == ENOMEM;
+  close(descriptor);
+  return false;
 }
 
 bool isWritable(const std::string& path) {
@@ -99,13 +109,15 @@ std::optional<std::string> SystemPreferences::string(const std::string& key) con
 }
 
 std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
-  return unsaved_.withLock([&](Changes& unsaved) -> Texts {
+  return state_.withLock([&](State& state) -> Texts {
     // What stood in the way may be gone.
-    if (!unsaved.empty() && store(unsaved)) unsaved.clear();
-    if (const auto change = unsaved.find(key); change != unsaved.end()) return change->second;
+    if (!state.unsaved.empty() && store(state.unsaved)) state.unsaved.clear();
+    if (const auto change = state.unsaved.find(key); change != state.unsaved.end()) return change->second;
     if (!isWorthReading(file_)) return {};
     restrict(file_, ownFile);
-    return textsOf(QSettings(QFile::decodeName(file_.c_str()), QSettings::IniFormat), toQString(key));
+    if (lacksDescriptors(file_)) return state.known[key];
+    return state.known[key] =
+               textsOf(QSettings(QFile::decodeName(file_.c_str()), QSettings::IniFormat), toQString(key));
   });
 }
 
@@ -122,9 +134,9 @@ void SystemPreferences::remove(const std::string& key) {
 }
 
 void SystemPreferences::change(const std::string& key, Texts texts) {
-  unsaved_.withLock([&](Changes& unsaved) {
-    unsaved[key] = std::move(texts);
-    if (store(unsaved)) unsaved.clear();
+  state_.withLock([&](State& state) {
+    state.unsaved[key] = std::move(texts);
+    if (store(state.unsaved)) state.unsaved.clear();
   });
 }
 
@@ -137,6 +149,7 @@ SystemPreferences::Changes SystemPreferences::contents() const {
 }
 
 bool SystemPreferences::store(const Changes& changes) const {
+  if (lacksDescriptors(file_)) return false;
   // A file that can be read but not written is replaced, and what it says must not go with it.
   Changes all = isWritable(file_) ? Changes() : contents();
   for (const auto& [key, texts] : changes) all[key] = texts;

@@ -11,8 +11,9 @@
 namespace orvel {
 
 /// The preferences in "orvel/orvel.conf" of the user's configuration folder, readable by the user alone. Every reading
-/// sees what other processes have written. What cannot be stored is kept in memory, answered from there, and stored
-/// as soon as that is possible. A file of more than a megabyte is none of ours and counts as empty.
+/// sees what other processes have written; while no file can be opened, what was read before holds. What cannot be
+/// stored is kept in memory, answered from there, and stored as soon as that is possible. A file of more than a
+/// megabyte is none of ours and counts as empty.
 ///
 /// Threads: any; one caller at a time touches the file.
 class SystemPreferences final : public Preferences {
@@ -30,13 +31,18 @@ class SystemPreferences final : public Preferences {
   using Texts = std::vector<std::string>;
   using Changes = std::map<std::string, Texts>;
 
+  struct State {
+    Changes unsaved;
+    Changes known;  // as last read
+  };
+
   void change(const std::string& key, Texts texts);
   Changes contents() const;
   bool store(const Changes& changes) const;
 
   const std::string folder_;
   const std::string file_;
-  mutable Guarded<Changes> unsaved_;
+  mutable Guarded<State> state_;
 };
 
 }  // namespace orvel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace orvel {
+
+/// What a control message says. Keys of another type count as missing.
+struct ControlMessage {
+  std::string kind;  ///< The string under "t".
+  std::optional<std::string> proof;
+  std::optional<std::string> device;
+
+  /// Reads one message. Nothing when it is no JSON object with a string under "t". Whatever else stands in it is passed
+  /// over without being kept, however large it is.
+  static std::optional<ControlMessage> parse(std::span<const std::uint8_t> data);
+};
+
+}  // namespace orvel
