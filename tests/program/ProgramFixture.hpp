@@ -17,7 +17,10 @@ inline constexpr phone::Seconds phonePatience{10};
 
 /// A desktop with the host on it and a witness of what happens there.
 struct ProgramFixture : testing::Test {
-  void SetUp() override { ASSERT_TRUE(host.waitUntilListening()) << host.process().output(); }
+  void SetUp() override {
+    ASSERT_TRUE(host.waitUntilListening()) << host.process().output();
+    code = host.code();  // the host has made it by now
+  }
 
   static phone::PhoneClient connect(const std::string& address = "127.0.0.1") {
     auto client = phone::PhoneClient::connect(address, HostProcess::port, phonePatience);
@@ -54,7 +57,7 @@ struct ProgramFixture : testing::Test {
   VirtualDesktop desktop;
   X11Witness witness{desktop.display()};
   HostProcess host{desktop};
-  std::string code = host.code();
+  std::string code;
 };
 
 }  // namespace orvel
