@@ -15,6 +15,8 @@ constexpr std::size_t longestKey = 16;
 /// Takes the strings under the keys that matter out of the stream of a document's parts.
 class Reader {
  public:
+  // The parser finds these by their names.
+  // NOLINTBEGIN(readability-identifier-naming)
   static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
@@ -62,6 +64,7 @@ class Reader {
   bool on_null(Error&) { return passOver(); }
   bool on_comment_part(Text, Error&) { return true; }
   bool on_comment(Text, Error&) { return true; }
+  // NOLINTEND(readability-identifier-naming)
 
   std::optional<ControlMessage> message() && {
     if (!kind_) return std::nullopt;

@@ -86,7 +86,7 @@ bool prepare(const std::string& folder, const std::string& file) {
 
 /// The user's configuration folder. A relative one does not count: it would be another one in every working folder.
 std::string configurationFolder() {
-  const std::string folder =
+  std::string folder =
       QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)).toStdString();
   if (folder.starts_with('/')) return folder;
   return QFile::encodeName(QDir::homePath()).toStdString() + "/.config";
