@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <future>
+#include <optional>
 #include <thread>
 
 namespace orvel {
@@ -19,14 +20,15 @@ constexpr std::chrono::seconds farewell{2};
 
 struct NetworkThread::Runner {
   Runner() {
+    queue.emplace(context);
     std::packaged_task<void()> run([this] { context.run(); });
     ended = run.get_future();
     thread = std::thread(std::move(run));
   }
 
+  std::optional<NetworkQueue> queue;  // goes after the context, whose last handlers may still post as they go
   boost::asio::io_context context{1};
   boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{context.get_executor()};
-  NetworkQueue queue{context};
   std::future<void> ended;
   std::thread thread;
 };
@@ -38,14 +40,19 @@ NetworkThread::~NetworkThread() {
 }
 
 std::unique_ptr<Listener> NetworkThread::makeListener(const ListenerOptions& options) {
-  return std::make_unique<WebSocketListener>(runner_->queue, tuner_, options);
+  return std::make_unique<WebSocketListener>(*runner_->queue, tuner_, options);
 }
 
 void NetworkThread::finish() {
   if (!runner_->thread.joinable()) return;
   runner_->work.reset();
-  if (runner_->ended.wait_for(farewell) == std::future_status::timeout) runner_->context.stop();
+  const bool isLate = runner_->ended.wait_for(farewell) == std::future_status::timeout;
+  if (isLate) runner_->context.stop();
   runner_->thread.join();
+  if (!isLate) return;
+  // The thread may have been held up before the sessions could take themselves down.
+  runner_->context.restart();
+  runner_->context.poll();
 }
 
 }  // namespace orvel

@@ -83,7 +83,7 @@ TEST_F(LifecycleTest, ADesktopThatHangsDoesNotHoldUpTheEnd) {
   host.process().signal(SIGTERM);
   const auto exitCode = host.process().waitForExit();
   desktop.signalServer(SIGCONT);
-  EXPECT_EQ(exitCode, 0);
+  EXPECT_EQ(exitCode, 0) << host.process().output();
 }
 
 TEST_F(LifecycleTest, ASecondHostSaysThatThePortIsTakenAndHarmsNothing) {
