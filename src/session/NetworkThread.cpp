@@ -52,7 +52,8 @@ void NetworkThread::finish() {
   if (!isLate) return;
   // The thread may have been held up before the sessions could take themselves down.
   runner_->context.restart();
-  runner_->context.poll();
+  boost::system::error_code ignored;
+  runner_->context.poll(ignored);
 }
 
 }  // namespace orvel
