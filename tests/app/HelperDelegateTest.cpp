@@ -25,13 +25,7 @@ struct HelperDelegateTest : testing::Test, SessionWorld {
   RecordingAdvertiser advertiser;
   FakeWorkspace workspace;
   PermissionGate gate{desktop};
-  SessionServices fresh{.events = desktop,
-                        .machine = machine,
-                        .pairing = pairing,
-                        .permission = gate,
-                        .pointer = pointer,
-                        .queues = queues,
-                        .trust = desktop};
+  SessionServices fresh = servicesUnder(gate);
   std::shared_ptr<ServerHub> hub = ServerHub::make(
       {.advertiser = advertiser, .clock = clock, .mainThread = mainThread, .network = network, .services = fresh});
   HelperDelegate delegate{hub, gate, workspace, mainThread};

@@ -19,6 +19,17 @@ namespace orvel {
 struct SessionWorld {
   SessionWorld() { permission.refresh(); }
 
+  /// What sessions share, with a permission gate of the test's choice.
+  SessionServices servicesUnder(PermissionGate& gate) {
+    return {.events = desktop,
+            .machine = machine,
+            .pairing = pairing,
+            .permission = gate,
+            .pointer = pointer,
+            .queues = queues,
+            .trust = desktop};
+  }
+
   /// The auth message of a phone that knows the token, for the `hello` that it got.
   std::string proofFor(const FakeWire& wire) {
     return pairing.expectedProof(wire.received("hello").at(0).at("nonce").as_string());
@@ -39,13 +50,7 @@ struct SessionWorld {
   PairingStore pairing{preferences};
   PermissionGate permission{desktop};
   PointerDriver pointer{desktop, desktop, clock, pointerQueue};
-  SessionServices services{.events = desktop,
-                           .machine = machine,
-                           .pairing = pairing,
-                           .permission = permission,
-                           .pointer = pointer,
-                           .queues = queues,
-                           .trust = desktop};
+  SessionServices services = servicesUnder(permission);
 };
 
 }  // namespace orvel

@@ -39,13 +39,7 @@ TEST_F(ClientSessionInputTest, WithoutThePermissionAsRememberedFramesAreIgnored)
 
 TEST_F(ClientSessionInputTest, BeforeThePermissionIsReadFramesAreIgnored) {
   PermissionGate unread(desktop);
-  SessionServices fresh{.events = desktop,
-                        .machine = machine,
-                        .pairing = pairing,
-                        .permission = unread,
-                        .pointer = pointer,
-                        .queues = queues,
-                        .trust = desktop};
+  SessionServices fresh = servicesUnder(unread);
   const auto wire = std::make_shared<FakeWire>(clock);
   const auto early = std::make_shared<ClientSession>(std::make_unique<FakeTransport>(wire), hub, fresh);
   early->start();
