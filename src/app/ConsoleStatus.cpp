@@ -20,8 +20,9 @@ void ConsoleStatus::show(const HubState& was, const HubState& next) {
   if (next.isRunning && !was.isRunning) {
     out_ << "Listening on " << address_ << "\nTo pair a phone: orvel --pair\n";
   }
-  if (next.lastError && next.lastError != was.lastError)
+  if (next.lastError && next.lastError != was.lastError) {
     out_ << *next.lastError << "\nHere that is: end this with Ctrl-C and start it again.\n";
+  }
   if (next.clients.size() != was.clients.size()) out_ << phonesConnected(next.clients.size()) << '\n';
   out_.flush();
 }

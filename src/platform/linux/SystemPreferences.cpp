@@ -53,7 +53,7 @@ bool isWritable(const std::string& path) {
 }
 
 /// Whether `path` has exactly these permissions, now if not before.
-bool restrict(const std::string& path, mode_t mode) {
+bool keepPrivate(const std::string& path, mode_t mode) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return false;
   return (status.st_mode & permissionBits) == mode || chmod(path.c_str(), mode) == 0;
@@ -77,11 +77,11 @@ bool createPrivately(const std::string& file) {
 /// its permissions, and does so before it has a name. Someone else's file makes room for one of ours.
 bool prepare(const std::string& folder, const std::string& file) {
   makeFolders(folder);
-  if (!restrict(folder, ownFolder)) return false;
+  if (!keepPrivate(folder, ownFolder)) return false;
   if (createPrivately(file)) return true;
   if (!isRegularFile(file)) return false;
-  const bool usable = isWorthReading(file)&& restrict(file, ownFile) && isWritable(file);
-  return usable || (unlink(file.c_str()) == 0 && createPrivately(file));
+  if (isWorthReading(file) && keepPrivate(file, ownFile) && isWritable(file)) return true;
+  return unlink(file.c_str()) == 0 && createPrivately(file);
 }
 
 /// The user's configuration folder. A relative one does not count: it would be another one in every working folder.
@@ -114,7 +114,7 @@ std::vector<std::string> SystemPreferences::strings(const std::string& key) cons
     if (!state.unsaved.empty() && store(state.unsaved)) state.unsaved.clear();
     if (const auto change = state.unsaved.find(key); change != state.unsaved.end()) return change->second;
     if (!isWorthReading(file_)) return {};
-    restrict(file_, ownFile);
+    keepPrivate(file_, ownFile);
     if (lacksDescriptors(file_)) return state.known[key];
     return state.known[key] =
                textsOf(QSettings(QFile::decodeName(file_.c_str()), QSettings::IniFormat), toQString(key));
