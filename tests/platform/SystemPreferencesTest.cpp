@@ -358,6 +358,26 @@ TEST_F(SystemPreferencesTest, AFileThatCannotBeReadIsReplaced) {
   EXPECT_EQ(permissions(file()), 0600u);
 }
 
+TEST_F(SystemPreferencesTest, AFileThatCanOnlyBeReadKeepsWhatItSaysWhenItIsReplaced) {
+  writeFile("[General]\norvel.token=ABCDEFGHJKMN\n");
+  fs::permissions(file(), fs::perms(0644));
+  if (chown(folder_.path().c_str(), nobody, nobody) != 0) GTEST_SKIP() << "only root can make a file someone else's";
+  ASSERT_EQ(chown(configuration().c_str(), nobody, nobody), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    if (setuid(nobody) != 0) _exit(noOtherUser);
+    SystemPreferences().setStrings("orvel.devices", {"Zoe"});
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+    EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"Zoe"});
+    _exit(HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(permissions(file()), 0600u);
+}
+
 pid_t startWriter(const std::string& key, const std::string& count) {
   Texts words = {PREFERENCES_WRITER, key, count};
   std::vector<char*> arguments;
