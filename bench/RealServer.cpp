@@ -4,16 +4,12 @@
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "bench/ServerProcess.hpp"
-#include "fakes/FakeMachine.hpp"
+#include "fakes/Rules.hpp"
 #include "input/Displays.hpp"
 #include "input/EventPoster.hpp"
-#include "input/PermissionGate.hpp"
-#include "input/PointerDriver.hpp"
 #include "input/TrustCheck.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
-#include "session/ClientSession.hpp"
 #include "session/NetworkThread.hpp"
-#include "session/PairingStore.hpp"
 
 #include <unistd.h>
 
@@ -36,6 +32,8 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
   }
   bool post(const ScrollEvent&) override { return true; }
   bool post(const KeyEvent&) override { return true; }
+  bool post(const SystemDefinedEvent&) override { return true; }
+  bool post(const TextEvent&) override { return true; }
   std::optional<Point> pointerLocation() override { return pointer_; }
   void flush() override {}
 
@@ -58,7 +56,7 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
 class RealServer {
  public:
   explicit RealServer(Tally& tally) : tally_(tally), desktop_(tally) {
-    preferences_.setString("orvel.token", std::string(realServerToken));
+    rules_.preferences.setString("orvel.token", std::string(realServerToken));
   }
 
   void start() {
@@ -67,7 +65,7 @@ class RealServer {
         if (next.lastError) _exit(EXIT_FAILURE);
         if (next.isRunning) tally_.port = hub_->port();
       });
-      permission_.refresh();
+      rules_.permission.refresh();
       hub_->start();
     });
   }
@@ -75,30 +73,18 @@ class RealServer {
  private:
   Tally& tally_;
   CountingDesktop desktop_;
-  FakeMachine machine_;
-  MemoryPreferences preferences_;
   RecordingAdvertiser advertiser_;
   SystemSocketTuner tuner_;
   SystemClock clock_;
   WorkerThreads workers_;
   const std::unique_ptr<Executor> mainThread_ = workers_.makeSerialQueue();
-  const std::unique_ptr<Executor> pointerQueue_ = workers_.makeSerialQueue();
-  PairingStore pairing_{preferences_};
-  PermissionGate permission_{desktop_};
-  PointerDriver pointer_{desktop_, desktop_, clock_, *pointerQueue_};
+  Rules rules_{desktop_, clock_, workers_};
   NetworkThread network_{tuner_};
-  const SessionServices services_{.events = desktop_,
-                                  .machine = machine_,
-                                  .pairing = pairing_,
-                                  .permission = permission_,
-                                  .pointer = pointer_,
-                                  .queues = workers_,
-                                  .trust = desktop_};
   const std::shared_ptr<ServerHub> hub_ = ServerHub::make({.advertiser = advertiser_,
                                                            .clock = clock_,
                                                            .mainThread = *mainThread_,
                                                            .network = network_,
-                                                           .services = services_},
+                                                           .services = rules_.services},
                                                           freePort());
 };
 

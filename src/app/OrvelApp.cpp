@@ -47,16 +47,29 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
     : mainLoop_(mainLoop),
       platform_(platform),
       pointerQueue_(workers_.makeSerialQueue()),
+      snapQueue_(workers_.makeSerialQueue()),
+      apps_(platform.workspace(), platform.bundles()),
+      keyboard_(platform.events(), clock_),
+      media_(platform.events()),
       pairing_(platform.preferences()),
       permission_(platform.trust()),
       pointer_(platform.events(), platform.displays(), clock_, *pointerQueue_),
+      snap_({.clock = clock_,
+             .permission = permission_,
+             .pointer = pointer_,
+             .queue = *snapQueue_,
+             .tree = platform.accessibility()}),
       network_(platform.socketTuner()),
-      services_{.events = platform.events(),
+      services_{.apps = apps_,
+                .events = platform.events(),
+                .keyboard = keyboard_,
                 .machine = platform.machine(),
+                .media = media_,
                 .pairing = pairing_,
                 .permission = permission_,
                 .pointer = pointer_,
                 .queues = workers_,
+                .snap = snap_,
                 .trust = platform.trust()},
       hub_(ServerHub::make({.advertiser = platform.advertiser(),
                             .clock = clock_,
@@ -76,6 +89,7 @@ int OrvelApp::run() {
   delegate_.applicationDidFinishLaunching();
   const int exitCode = mainLoop_.run();
   const DesktopPatience patience(platform_);
+  keyboard_.stop();
   delegate_.applicationWillTerminate();
   // The sessions take themselves down on the network's threads and may leave work behind: both end before what they
   // use.

@@ -4,6 +4,10 @@
 #include "app/HelperDelegate.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
+#include "catalog/AppCatalog.hpp"
+#include "input/CursorSnap.hpp"
+#include "input/KeyboardDriver.hpp"
+#include "input/MediaDriver.hpp"
 #include "input/PermissionGate.hpp"
 #include "input/PointerDriver.hpp"
 #include "session/ClientSession.hpp"
@@ -36,9 +40,14 @@ class OrvelApp {
   SystemClock clock_;
   WorkerThreads workers_;
   const std::unique_ptr<Executor> pointerQueue_;
+  const std::unique_ptr<Executor> snapQueue_;
+  AppCatalog apps_;
+  KeyboardDriver keyboard_;
+  MediaDriver media_;
   PairingStore pairing_;
   PermissionGate permission_;
   PointerDriver pointer_;
+  CursorSnap snap_;
   NetworkThread network_;
   const SessionServices services_;
   const std::shared_ptr<ServerHub> hub_;

@@ -28,6 +28,8 @@ struct Rect {
   double maxX() const { return origin.x + size.width; }
   double maxY() const { return origin.y + size.height; }
 
+  Point centre() const { return {origin.x + size.width / 2, origin.y + size.height / 2}; }
+
   /// The smallest rectangle that holds both.
   Rect unionWith(const Rect& other) const {
     const double left = std::min(minX(), other.minX());

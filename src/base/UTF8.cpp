@@ -1,5 +1,6 @@
 #include "base/UTF8.hpp"
 
+#include <unicode/unistr.h>
 #include <unicode/ustring.h>
 
 #include <cstdint>
@@ -14,6 +15,11 @@ bool isValidUTF8(std::string_view bytes) {
   UErrorCode error = U_ZERO_ERROR;
   u_strFromUTF8(nullptr, 0, &units, bytes.data(), static_cast<std::int32_t>(bytes.size()), &error);
   return error != U_INVALID_CHAR_FOUND;
+}
+
+std::u16string utf16(std::string_view text) {
+  const auto converted = icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+  return {converted.getBuffer(), static_cast<std::size_t>(converted.length())};
 }
 
 }  // namespace orvel

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace orvel {
 
 /// Whether `bytes` is well-formed UTF-8: no overlong forms, no surrogates, nothing beyond U+10FFFF.
 bool isValidUTF8(std::string_view bytes);
+
+/// The UTF-16 form of `text`, which is UTF-8; what is not well-formed becomes U+FFFD. Threads: any.
+std::u16string utf16(std::string_view text);
 
 }  // namespace orvel

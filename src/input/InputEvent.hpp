@@ -3,6 +3,7 @@
 #include "base/Geometry.hpp"
 
 #include <cstdint>
+#include <string>
 
 namespace orvel {
 
@@ -56,5 +57,32 @@ struct KeyEvent {
 
   friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
 };
+
+/// One press or release of a key that carries text of its own, whatever the keyboard's layout has there.
+struct TextEvent {
+  std::u16string text;  ///< UTF-16.
+  bool down = false;
+
+  friend bool operator==(const TextEvent&, const TextEvent&) = default;
+};
+
+/// An event that a special key causes, in the numbers of macOS for type 14, "system defined".
+struct SystemDefinedEvent {
+  std::uint64_t flags = 0;
+  std::int16_t subtype = 0;
+  std::int64_t data1 = 0;
+  std::int64_t data2 = 0;
+
+  friend bool operator==(const SystemDefinedEvent&, const SystemDefinedEvent&) = default;
+};
+
+/// The numbers of the keys beside the keyboard proper: volume, brightness, transport.
+namespace auxiliaryKey {
+inline constexpr std::int16_t subtype = 8;
+inline constexpr int typeShift = 16;               ///< data1 holds the key's type from this bit on,
+inline constexpr std::int64_t stateMask = 0xff00;  ///< and in these bits
+inline constexpr std::int64_t down = 0xa00;        ///< that it goes down
+inline constexpr std::int64_t up = 0xb00;          ///< or up.
+}  // namespace auxiliaryKey
 
 }  // namespace orvel

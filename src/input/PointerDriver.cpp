@@ -88,11 +88,7 @@ void PointerDriver::flush() {
 
 void PointerDriver::postMotion(Motion motion, Point from, bool leftDown, bool rightDown) {
   const Point target = clampToDisplays({from.x + motion.dx, from.y + motion.dy});
-  const Seconds now = clock_.now();
-  state_.withLock([&](State& state) {
-    state.virtualPosition = target;
-    state.lastPostAt = now;
-  });
+  settleAt(target);
   auto type = MouseEventType::moved;
   if (leftDown) {
     type = MouseEventType::leftDragged;
@@ -172,12 +168,27 @@ void PointerDriver::reveal() {
     postMoved(clampToDisplays({origin.x + revealRadius * std::cos(angle), origin.y + revealRadius * std::sin(angle)}));
     clock_.sleep(revealPause);
   }
+  settleAt(origin);
+  postMoved(origin);
+}
+
+void PointerDriver::place(Point position, bool dragging) {
+  const Point target = clampToDisplays(position);
+  settleAt(target);
+  events_.post(MouseEvent{.type = dragging ? MouseEventType::leftDragged : MouseEventType::moved, .position = target});
+  events_.flush();
+}
+
+bool PointerDriver::isLeftButtonDown() const {
+  return state_.withLock([](const State& state) { return state.buttonsDown.contains(leftButton); });
+}
+
+void PointerDriver::settleAt(Point position) {
   const Seconds now = clock_.now();
   state_.withLock([&](State& state) {
-    state.virtualPosition = origin;
+    state.virtualPosition = position;
     state.lastPostAt = now;
   });
-  postMoved(origin);
 }
 
 void PointerDriver::postMoved(Point position) {

@@ -47,6 +47,13 @@ class PointerDriver {
   /// Draws one small circle around the pointer, so that it can be found. Blocks for about 0.15 s.
   void reveal();
 
+  /// Puts the pointer at a place, the nearest one on a display, from which relative motion then continues. While
+  /// `dragging` it drags with the left button.
+  void place(Point position, bool dragging);
+
+  /// Whether the left button is held down through this driver.
+  bool isLeftButtonDown() const;
+
   /// The best-known position of the pointer: where the driver put it within the last 0.2 s, else where the desktop
   /// says it is.
   Point currentAuthoritative();
@@ -66,7 +73,7 @@ class PointerDriver {
     Motion pending;          // received, not yet posted
     Seconds lastInputAt{0};  // of relative motion
     Point virtualPosition;   // where the driver last put the pointer
-    Seconds lastPostAt{0};   // when a tick or a reveal set it
+    Seconds lastPostAt{0};   // when a tick, a reveal or `place` set it
     std::set<int> buttonsDown;
     std::unique_ptr<RepeatingTimer> clock;  // only while motion flows
   };
@@ -77,6 +84,7 @@ class PointerDriver {
   void postMotion(Motion motion, Point from, bool leftDown, bool rightDown);
   bool postButton(int button, bool down, int clickCount);
   void postMoved(Point position);
+  void settleAt(Point position);
 
   EventPoster& events_;
   const Displays& displays_;

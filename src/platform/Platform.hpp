@@ -7,7 +7,9 @@
 
 namespace orvel {
 
+class AccessibilityTree;
 class Advertiser;
+class ApplicationBundles;
 class Displays;
 class EventPoster;
 class Machine;
@@ -21,7 +23,9 @@ class Platform {
  public:
   virtual ~Platform() = default;
 
+  virtual AccessibilityTree& accessibility() = 0;
   virtual Advertiser& advertiser() = 0;
+  virtual ApplicationBundles& bundles() = 0;
   virtual Displays& displays() = 0;
   virtual EventPoster& events() = 0;
   virtual Machine& machine() = 0;

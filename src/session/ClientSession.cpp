@@ -90,11 +90,14 @@ void ClientSession::received(std::optional<Message> message) {
 }
 
 void ClientSession::send(const boost::json::object& json) {
-  std::string text = boost::json::serialize(json);
-  if (!isValidUTF8(text)) return;
-  const std::size_t cost = text.size();
+  sendText(boost::json::serialize(json));
+}
+
+void ClientSession::sendText(std::string json) {
+  if (!isValidUTF8(json)) return;
+  const std::size_t cost = json.size();
   backlog_ += cost;
-  transport_->send(MessageType::text, std::move(text), [self = weak_from_this(), cost] {
+  transport_->send(MessageType::text, std::move(json), [self = weak_from_this(), cost] {
     if (const auto session = self.lock()) session->settle(cost);
   });
 }
@@ -108,6 +111,17 @@ void ClientSession::handOff(Task task, std::size_t cost) {
       if (const auto session = self.lock()) session->settle(cost);
     });
   });
+}
+
+void ClientSession::answerLater(std::function<boost::json::object()> compose, std::size_t cost) {
+  // Sent from the session's own queue, on which the session may also end: the work must not be what keeps it alive.
+  handOff(
+      [self = weak_from_this(), &queue = transport_->queue(), compose = std::move(compose)] {
+        queue.post([self, json = boost::json::serialize(compose())]() mutable {
+          if (const auto session = self.lock()) session->sendText(std::move(json));
+        });
+      },
+      cost);
 }
 
 void ClientSession::settle(std::size_t cost) {

@@ -2,6 +2,7 @@
 
 #include "base/Executor.hpp"
 #include "base/Guarded.hpp"
+#include "input/FrameDecoder.hpp"
 #include "input/HeldKeys.hpp"
 #include "session/SessionHub.hpp"
 #include "session/Transport.hpp"
@@ -11,15 +12,21 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace orvel {
 
+class AppCatalog;
+class CursorSnap;
 class EventPoster;
+class KeyboardDriver;
 class Machine;
+class MediaDriver;
 class PairingStore;
 class PermissionGate;
 class PointerDriver;
@@ -28,12 +35,16 @@ struct ControlMessage;
 
 /// What all sessions share.
 struct SessionServices {
+  AppCatalog& apps;
   EventPoster& events;
+  KeyboardDriver& keyboard;
   const Machine& machine;
+  MediaDriver& media;
   PairingStore& pairing;
   PermissionGate& permission;
   PointerDriver& pointer;
   QueueFactory& queues;
+  CursorSnap& snap;
   TrustCheck& trust;
 };
 
@@ -78,12 +89,29 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void handleControl(std::span<const std::uint8_t> data);
   void authenticate(const ControlMessage& message);
   void deny();
+
+  void serve(const ControlMessage& request);
+  void getApps();
+  void getIcons(const std::vector<std::string>& ids);
   void reveal();
 
   void handleInput(std::span<const std::uint8_t> frame);
+  void carryOut(const FrameDecoder::Move& move);
+  void carryOut(const FrameDecoder::Button& button);
+  void carryOut(const FrameDecoder::Scroll& scroll);
+  void carryOut(const FrameDecoder::Key& key);
+  void carryOut(const FrameDecoder::Text& text);
+  void carryOut(const FrameDecoder::Media& media);
+  void carryOut(const FrameDecoder::App& app);
+  void carryOut(const FrameDecoder::Click& click);
+  void carryOut(const FrameDecoder::MoveAbsolute& move);
 
+  void sendText(std::string json);
   void handOff(Task task, std::size_t cost);
+  void answerLater(std::function<boost::json::object()> compose, std::size_t cost);
   void settle(std::size_t cost);
+
+  static constexpr std::size_t taskCost = 256;  // bytes that a task in a queue takes, about
 
   const SessionID id_;
   const std::unique_ptr<Transport> transport_;

@@ -1,5 +1,3 @@
-#include "input/PermissionGate.hpp"
-#include "input/PointerDriver.hpp"
 #include "input/TrustCheck.hpp"
 #include "session/ClientSession.hpp"
 #include "session/ControlMessage.hpp"
@@ -11,7 +9,6 @@
 namespace orvel {
 namespace {
 
-constexpr std::size_t handOffCost = 256;
 constexpr Seconds denialPause{0.3};
 
 }  // namespace
@@ -21,10 +18,10 @@ void ClientSession::handleControl(std::span<const std::uint8_t> data) {
   if (!message) return;
   if (message->kind == "auth") {
     authenticate(*message);
-  } else if (message->kind == "reveal") {
-    if (authenticated_) reveal();
   } else if (message->kind == "ping") {
     send({{"t", "pong"}});
+  } else if (authenticated_) {
+    serve(*message);
   }
 }
 
@@ -46,11 +43,6 @@ void ClientSession::deny() {
   transport_->queue().postAfter(denialPause, [self = weak_from_this()] {
     if (const auto session = self.lock()) session->transport_->cancel();
   });
-}
-
-void ClientSession::reveal() {
-  if (!services_.permission.cachedTrust()) return;
-  handOff([&pointer = services_.pointer] { pointer.reveal(); }, handOffCost);
 }
 
 }  // namespace orvel

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t deepestNesting = 512;
 constexpr std::size_t longestKey = 16;
 
-/// Takes the strings under the keys that matter out of the stream of a document's parts.
+/// Takes the values under the keys that matter out of the stream of a document's parts.
 class Reader {
  public:
   // The parser finds these by their names.
@@ -39,13 +39,17 @@ class Reader {
   bool on_key(Text part, std::size_t size, Error& error) {
     on_key_part(part, size, error);
     if (depth_ == 1) {
+      onIDs_ = isObject_ && key_ == "ids";
       wanted_ = slotFor(std::exchange(key_, {}));
-      if (wanted_) wanted_->reset();  // of a key that comes twice the last counts
+      // Of a key that comes twice the last counts.
+      if (wanted_) wanted_->reset();
+      if (onIDs_) ids_.reset();
     }
     return true;
   }
 
   bool on_string_part(Text part, std::size_t, Error&) {
+    if (isAmongIDs() && ids_->size() < ControlMessage::mostIDs) id_ += part;
     if (depth_ != 1 || !wanted_) return true;
     if (!*wanted_) wanted_->emplace();
     wanted_->value() += part;
@@ -53,7 +57,9 @@ class Reader {
   }
   bool on_string(Text part, std::size_t size, Error& error) {
     on_string_part(part, size, error);
-    return passOver();
+    if (!isAmongIDs()) return passOver();
+    if (ids_->size() < ControlMessage::mostIDs) ids_->push_back(std::exchange(id_, {}));
+    return true;
   }
 
   bool on_number_part(Text, Error&) { return true; }
@@ -68,7 +74,7 @@ class Reader {
 
   std::optional<ControlMessage> message() && {
     if (!kind_) return std::nullopt;
-    return ControlMessage{*std::move(kind_), std::move(proof_), std::move(device_)};
+    return ControlMessage{*std::move(kind_), std::move(proof_), std::move(device_), std::move(ids_)};
   }
 
  private:
@@ -81,25 +87,36 @@ class Reader {
   }
 
   bool enter(bool isObject) {
-    if (depth_++ == 0) isObject_ = isObject;
+    if (depth_ == 0) isObject_ = isObject;
+    if (depth_ == 1 && onIDs_ && !isObject) ids_.emplace();
+    ++depth_;
     return true;
   }
   bool leave() {
     --depth_;
     return passOver();
   }
+  /// A value has ended that is no text to be kept.
   bool passOver() {
-    if (depth_ == 1) wanted_ = nullptr;
+    if (isAmongIDs()) ids_.reset();  // not an array of strings, then
+    if (depth_ == 1) {
+      wanted_ = nullptr;
+      onIDs_ = false;
+    }
     return true;
   }
+  bool isAmongIDs() const { return depth_ == 2 && onIDs_ && ids_; }
 
   std::size_t depth_ = 0;
   bool isObject_ = false;
   std::string key_;
   std::optional<std::string>* wanted_ = nullptr;  // where the value of the key just read goes
+  bool onIDs_ = false;                            // the value of "ids" is being read
+  std::string id_;
   std::optional<std::string> kind_;
   std::optional<std::string> proof_;
   std::optional<std::string> device_;
+  std::optional<std::vector<std::string>> ids_;
 };
 
 }  // namespace

@@ -12,23 +12,15 @@
 namespace orvel {
 namespace {
 
-class FakeWorkspace final : public Workspace {
- public:
-  void observeActivation(std::function<void()> handler) override { activated = std::move(handler); }
-
-  std::function<void()> activated;
-};
-
 struct HelperDelegateTest : testing::Test, SessionWorld {
   FakeNetwork network{clock};
   FakeExecutor mainThread{clock};
   RecordingAdvertiser advertiser;
-  FakeWorkspace workspace;
   PermissionGate gate{desktop};
   SessionServices fresh = servicesUnder(gate);
   std::shared_ptr<ServerHub> hub = ServerHub::make(
       {.advertiser = advertiser, .clock = clock, .mainThread = mainThread, .network = network, .services = fresh});
-  HelperDelegate delegate{hub, gate, workspace, mainThread};
+  HelperDelegate delegate{hub, gate, computer, mainThread};
 };
 
 TEST_F(HelperDelegateTest, LaunchingReadsThePermissionAndListens) {
@@ -44,7 +36,7 @@ TEST_F(HelperDelegateTest, AProgramThatComesToTheFrontHasThePermissionReadAgain)
   delegate.applicationDidFinishLaunching();
   clock.advance(Seconds(0.1));
   desktop.trusted = true;
-  workspace.activated();
+  computer.activationHandler();
   clock.runDue();
   EXPECT_TRUE(gate.cachedTrust()) << "without waiting for the next tick";
   EXPECT_TRUE(hub->state().accessibilityGranted);

@@ -2,13 +2,9 @@
 #include "base/Guarded.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
-#include "fakes/FakeMachine.hpp"
 #include "fakes/RecordingDesktop.hpp"
-#include "input/PermissionGate.hpp"
-#include "input/PointerDriver.hpp"
-#include "session/ClientSession.hpp"
+#include "fakes/Rules.hpp"
 #include "session/NetworkThread.hpp"
-#include "session/PairingStore.hpp"
 #include "session/RawWebSocket.hpp"
 #include "session/SocketTuner.hpp"
 
@@ -91,7 +87,7 @@ struct ServerHubLoopbackTest : testing::Test {
                              .clock = clock,
                              .mainThread = *mainThread,
                              .network = network,
-                             .services = services},
+                             .services = rules.services},
                             port);
     });
   }
@@ -117,21 +113,9 @@ struct ServerHubLoopbackTest : testing::Test {
   SystemClock clock;
   WorkerThreads workers;
   std::unique_ptr<Executor> mainThread = workers.makeSerialQueue();
-  std::unique_ptr<Executor> pointerQueue = workers.makeSerialQueue();
   RecordingDesktop desktop;
-  FakeMachine machine;
-  MemoryPreferences preferences;
   RecordingAdvertiser advertiser;
-  PairingStore pairing{preferences};
-  PermissionGate permission{desktop};
-  PointerDriver pointer{desktop, desktop, clock, *pointerQueue};
-  SessionServices services{.events = desktop,
-                           .machine = machine,
-                           .pairing = pairing,
-                           .permission = permission,
-                           .pointer = pointer,
-                           .queues = workers,
-                           .trust = desktop};
+  Rules rules{desktop, clock, workers};
   RecordingTuner tuner;
   NetworkThread network{tuner};
   std::shared_ptr<ServerHub> hub;

@@ -11,7 +11,7 @@
 
 namespace orvel {
 
-using PostedEvent = std::variant<MouseEvent, ScrollEvent, KeyEvent>;
+using PostedEvent = std::variant<MouseEvent, ScrollEvent, KeyEvent, SystemDefinedEvent, TextEvent>;
 
 /// A desktop that remembers what was posted into it and moves its pointer accordingly.
 class RecordingDesktop final : public EventPoster, public Displays, public TrustCheck {
@@ -25,6 +25,8 @@ class RecordingDesktop final : public EventPoster, public Displays, public Trust
   }
   bool post(const ScrollEvent& event) override { return record(event); }
   bool post(const KeyEvent& event) override { return record(event); }
+  bool post(const SystemDefinedEvent& event) override { return record(event); }
+  bool post(const TextEvent& event) override { return record(event); }
 
   std::optional<Point> pointerLocation() override {
     ++pointerQueries;

@@ -1,13 +1,9 @@
 #pragma once
 
 #include "fakes/FakeClock.hpp"
-#include "fakes/FakeMachine.hpp"
 #include "fakes/FakeTransport.hpp"
 #include "fakes/RecordingDesktop.hpp"
-#include "input/PermissionGate.hpp"
-#include "input/PointerDriver.hpp"
-#include "session/ClientSession.hpp"
-#include "session/PairingStore.hpp"
+#include "fakes/Rules.hpp"
 
 #include <boost/json/serialize.hpp>
 
@@ -15,20 +11,16 @@
 
 namespace orvel {
 
-/// Everything that sessions stand on, made of fakes and of the real rules.
-struct SessionWorld {
-  SessionWorld() { permission.refresh(); }
+/// Time and a desktop, both of which a test moves by hand.
+struct FakeSurroundings {
+  FakeClock clock;
+  RecordingDesktop desktop;
+  FakeQueueFactory queues{clock};
+};
 
-  /// What sessions share, with a permission gate of the test's choice.
-  SessionServices servicesUnder(PermissionGate& gate) {
-    return {.events = desktop,
-            .machine = machine,
-            .pairing = pairing,
-            .permission = gate,
-            .pointer = pointer,
-            .queues = queues,
-            .trust = desktop};
-  }
+/// Everything that sessions stand on, made of fakes and of the real rules.
+struct SessionWorld : FakeSurroundings, Rules {
+  SessionWorld() : Rules(desktop, clock, queues) { permission.refresh(); }
 
   /// The auth message of a phone that knows the token, for the `hello` that it got.
   std::string proofFor(const FakeWire& wire) {
@@ -40,17 +32,6 @@ struct SessionWorld {
         boost::json::serialize(boost::json::object{{"t", "auth"}, {"proof", proofFor(wire)}, {"device", device}}));
     clock.runDue();
   }
-
-  FakeClock clock;
-  RecordingDesktop desktop;
-  FakeMachine machine;
-  MemoryPreferences preferences;
-  FakeQueueFactory queues{clock};
-  FakeExecutor pointerQueue{clock};
-  PairingStore pairing{preferences};
-  PermissionGate permission{desktop};
-  PointerDriver pointer{desktop, desktop, clock, pointerQueue};
-  SessionServices services = servicesUnder(permission);
 };
 
 }  // namespace orvel

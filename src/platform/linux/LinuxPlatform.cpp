@@ -37,6 +37,7 @@ void giveMemoryBack() {
 
 LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection)
     : connection_(std::move(connection)),
+      accessibility_(*connection_),
       displays_(*connection_),
       events_(*connection_, displays_),
       trust_(*connection_),

@@ -2,7 +2,9 @@
 
 #include "base/Guarded.hpp"
 #include "platform/Platform.hpp"
+#include "platform/linux/SystemAccessibilityTree.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
+#include "platform/linux/SystemApplicationBundles.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/SystemEventPoster.hpp"
 #include "platform/linux/SystemMachine.hpp"
@@ -28,7 +30,9 @@ class LinuxPlatform final : public Platform {
   /// Starts to follow the desktop. Called once. False when the system has no thread to give.
   bool listen();
 
+  AccessibilityTree& accessibility() override { return accessibility_; }
   Advertiser& advertiser() override { return advertiser_; }
+  ApplicationBundles& bundles() override { return bundles_; }
   Displays& displays() override { return displays_; }
   EventPoster& events() override { return events_; }
   Machine& machine() override { return machine_; }
@@ -49,7 +53,9 @@ class LinuxPlatform final : public Platform {
   void end();
 
   const std::unique_ptr<X11Connection> connection_;
+  SystemAccessibilityTree accessibility_;
   SystemAdvertiser advertiser_;
+  SystemApplicationBundles bundles_;
   SystemDisplays displays_;
   SystemEventPoster events_;
   SystemMachine machine_;

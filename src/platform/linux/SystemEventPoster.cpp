@@ -151,6 +151,14 @@ bool SystemEventPoster::post(const KeyEvent& event) {
   return true;
 }
 
+bool SystemEventPoster::post(const SystemDefinedEvent&) {
+  return false;
+}
+
+bool SystemEventPoster::post(const TextEvent&) {
+  return false;
+}
+
 std::optional<Point> SystemEventPoster::pointerLocation() {
   const auto toPoint = [](Position position) {
     return Point{static_cast<double>(position.x), static_cast<double>(position.y)};

@@ -27,6 +27,8 @@ class SystemEventPoster final : public EventPoster {
   bool post(const MouseEvent& event) override;
   bool post(const ScrollEvent& event) override;
   bool post(const KeyEvent& event) override;
+  bool post(const SystemDefinedEvent& event) override;
+  bool post(const TextEvent& event) override;
   std::optional<Point> pointerLocation() override;
   void flush() override;
 

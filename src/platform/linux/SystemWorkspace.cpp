@@ -26,6 +26,24 @@ void SystemWorkspace::observeActivation(std::function<void()> handler) {
   handler_.withLock([&](std::function<void()>& observer) { observer = std::move(handler); });
 }
 
+std::vector<RunningApplication> SystemWorkspace::runningApplications() {
+  return {};
+}
+
+std::optional<std::string> SystemWorkspace::location(const std::string&) {
+  return std::nullopt;
+}
+
+std::optional<std::vector<std::uint8_t>> SystemWorkspace::icon(const std::string&, double) {
+  return std::nullopt;
+}
+
+void SystemWorkspace::activate(const RunningApplication&) {}
+
+void SystemWorkspace::terminate(const RunningApplication&) {}
+
+void SystemWorkspace::open(const std::string&) {}
+
 void SystemWorkspace::handle(const xcb_generic_event_t& event) {
   if ((event.response_type & x11EventTypeMask) != XCB_PROPERTY_NOTIFY) return;
   const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);

@@ -19,6 +19,12 @@ class SystemWorkspace final : public Workspace {
   explicit SystemWorkspace(X11Connection& connection);
 
   void observeActivation(std::function<void()> handler) override;
+  std::vector<RunningApplication> runningApplications() override;
+  std::optional<std::string> location(const std::string& identifier) override;
+  std::optional<std::vector<std::uint8_t>> icon(const std::string& path, double size) override;
+  void activate(const RunningApplication& application) override;
+  void terminate(const RunningApplication& application) override;
+  void open(const std::string& path) override;
 
   /// Takes an event of the server, and calls the observer when it tells of another active window.
   void handle(const xcb_generic_event_t& event);

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "catalog/AppCatalog.hpp"
+#include "fakes/FakeComputer.hpp"
+#include "fakes/FakeMachine.hpp"
+#include "fakes/ScriptedTree.hpp"
+#include "input/CursorSnap.hpp"
+#include "input/KeyboardDriver.hpp"
+#include "input/MediaDriver.hpp"
+#include "input/PermissionGate.hpp"
+#include "input/PointerDriver.hpp"
+#include "session/ClientSession.hpp"
+#include "session/PairingStore.hpp"
+
+#include <memory>
+
+namespace orvel {
+
+/// The real rules that sessions stand on, over a computer of fakes and a desktop of the test's choice.
+struct Rules {
+  /// `Desktop` posts events, has displays and is trusted or not.
+  template <class Desktop>
+  Rules(Desktop& desktop, Clock& clock, QueueFactory& queues)
+      : pointerQueue(queues.makeSerialQueue()),
+        snapQueue(queues.makeSerialQueue()),
+        permission(desktop),
+        pointer(desktop, desktop, clock, *pointerQueue),
+        keyboard(desktop, clock),
+        media(desktop),
+        snap({.clock = clock, .permission = permission, .pointer = pointer, .queue = *snapQueue, .tree = tree}),
+        services{.apps = apps,
+                 .events = desktop,
+                 .keyboard = keyboard,
+                 .machine = machine,
+                 .media = media,
+                 .pairing = pairing,
+                 .permission = permission,
+                 .pointer = pointer,
+                 .queues = queues,
+                 .snap = snap,
+                 .trust = desktop} {}
+
+  /// What sessions share, with a permission gate of the test's choice.
+  SessionServices servicesUnder(PermissionGate& gate) {
+    return {.apps = services.apps,
+            .events = services.events,
+            .keyboard = services.keyboard,
+            .machine = services.machine,
+            .media = services.media,
+            .pairing = services.pairing,
+            .permission = gate,
+            .pointer = services.pointer,
+            .queues = services.queues,
+            .snap = services.snap,
+            .trust = services.trust};
+  }
+
+  FakeMachine machine;
+  FakeComputer computer;
+  MemoryPreferences preferences;
+  ScriptedTree tree;
+  const std::unique_ptr<Executor> pointerQueue;
+  const std::unique_ptr<Executor> snapQueue;
+  AppCatalog apps{computer, computer};
+  PairingStore pairing{preferences};
+  PermissionGate permission;
+  PointerDriver pointer;
+  KeyboardDriver keyboard;
+  MediaDriver media;
+  CursorSnap snap;
+  const SessionServices services;
+};
+
+}  // namespace orvel
