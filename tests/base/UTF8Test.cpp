@@ -22,5 +22,12 @@ TEST(UTF8, RefusesWhatIsNotWellFormed) {
   EXPECT_FALSE(isValidUTF8("fine \xff not"));
 }
 
+TEST(UTF8, BecomesUTF16) {
+  EXPECT_EQ(utf16(""), u"");
+  EXPECT_EQ(utf16("a\u00e9\u4e2d\U0001F44D"), u"a\u00e9\u4e2d\U0001F44D");
+  EXPECT_EQ(utf16("\U0001F44D").size(), 2u);
+  EXPECT_EQ(utf16("a\xff"), u"a\ufffd");
+}
+
 }  // namespace
 }  // namespace orvel

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -110,6 +112,106 @@ TEST_F(ClientSessionInputTest, EachModifierBitHasItsFlag) {
   }
   phone->binary({4, 0x34, 0x12, 0, 0});
   EXPECT_FALSE(desktop.all<KeyEvent>().back().down);
+}
+
+std::vector<std::uint8_t> textFrame(const std::string& text) {
+  std::vector<std::uint8_t> frame = {5, static_cast<std::uint8_t>(text.size() & 0xff),
+                                     static_cast<std::uint8_t>(text.size() >> 8)};
+  frame.insert(frame.end(), text.begin(), text.end());
+  return frame;
+}
+
+std::vector<std::uint8_t> appFrame(std::uint8_t action, const std::string& id) {
+  std::vector<std::uint8_t> frame = {7, action, static_cast<std::uint8_t>(id.size()), 0};
+  frame.insert(frame.end(), id.begin(), id.end());
+  return frame;
+}
+
+TEST_F(ClientSessionInputTest, TextIsTypedOffTheNetworkThread) {
+  phone->binary(textFrame("h\u00e9"));
+  EXPECT_THAT(desktop.posted, IsEmpty());
+  clock.runDue();
+  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"h\u00e9", true}, TextEvent{u"h\u00e9", false}));
+}
+
+TEST_F(ClientSessionInputTest, TextsAreTypedInTheOrderInWhichTheyCame) {
+  phone->binary(textFrame("one"));
+  phone->binary(textFrame("two"));
+  phone->binary(textFrame("three"));
+  clock.runDue();
+  std::u16string typed;
+  for (const TextEvent& event : desktop.all<TextEvent>()) {
+    if (event.down) typed += event.text;
+  }
+  EXPECT_EQ(typed, u"onetwothree");
+}
+
+TEST_F(ClientSessionInputTest, MotionDoesNotWaitForTheLongestText) {
+  const std::string longest(65'535, 'x');
+  phone->binary(textFrame(longest));
+  phone->binary({9, 0xff, 0xff, 0, 0});
+  phone->text(R"({"t":"ping"})");
+  EXPECT_EQ(desktop.all<MouseEvent>().size(), 1u);
+  EXPECT_EQ(phone->received("pong").size(), 1u);
+  EXPECT_THAT(desktop.all<TextEvent>(), IsEmpty());
+  clock.runDue();
+  std::size_t typed = 0;
+  for (const TextEvent& event : desktop.all<TextEvent>()) typed += event.down ? event.text.size() : 0;
+  EXPECT_EQ(typed, longest.size());
+}
+
+TEST_F(ClientSessionInputTest, AFloodOfTextIsReadNoFurtherUntilItIsTyped) {
+  for (int text = 0; text < 50; ++text) phone->binary(textFrame(std::string(65'535, 'x')));
+  phone->text(R"({"t":"ping"})");
+  EXPECT_THAT(phone->received("pong"), IsEmpty());
+  EXPECT_GE(phone->incoming.size(), 45u) << "all but the first 256 KiB still wait in the network";
+  clock.advance(Seconds(3600));
+  EXPECT_EQ(phone->received("pong").size(), 1u);
+}
+
+TEST_F(ClientSessionInputTest, TextOfAPhoneThatHasLeftIsNotBegun) {
+  phone->binary(textFrame("late"));
+  phone->drop();
+  session.reset();
+  clock.runDue();
+  EXPECT_THAT(desktop.all<TextEvent>(), IsEmpty());
+}
+
+TEST_F(ClientSessionInputTest, AMediaFrameIsOnePressAndRelease) {
+  phone->binary({6, 16});
+  EXPECT_THAT(desktop.all<SystemDefinedEvent>(), ElementsAre(testing::Field(&SystemDefinedEvent::data1, 0x100a00),
+                                                             testing::Field(&SystemDefinedEvent::data1, 0x100b00)));
+}
+
+TEST_F(ClientSessionInputTest, MediaKeysThatThereAreNotAreIgnored) {
+  for (const int code : {4, 5, 6, 8, 15, 21, 255}) phone->binary({6, static_cast<std::uint8_t>(code)});
+  EXPECT_THAT(desktop.posted, IsEmpty());
+}
+
+TEST_F(ClientSessionInputTest, AnApplicationFrameQuitsWithOneAndActivatesWithAnythingElse) {
+  computer.running = {{.instance = 7, .identifier = "ab", .name = {}, .location = {}, .isRegular = true}};
+  phone->binary(appFrame(0, "ab"));
+  phone->binary(appFrame(2, "ab"));
+  EXPECT_THAT(computer.activated, IsEmpty()) << "not on the network thread";
+  clock.runDue();
+  EXPECT_THAT(computer.activated, ElementsAre(7u, 7u));
+  EXPECT_THAT(computer.terminated, IsEmpty());
+  phone->binary(appFrame(1, "ab"));
+  clock.runDue();
+  EXPECT_THAT(computer.terminated, ElementsAre(7u));
+  EXPECT_EQ(computer.activated.size(), 2u);
+}
+
+TEST_F(ClientSessionInputTest, WithoutThePermissionNothingIsTypedPressedOrStarted) {
+  desktop.trusted = false;
+  permission.refresh();
+  computer.known = {{"ab", "/ab"}};
+  phone->binary(textFrame("text"));
+  phone->binary({6, 16});
+  phone->binary(appFrame(0, "ab"));
+  clock.runDue();
+  EXPECT_THAT(desktop.posted, IsEmpty());
+  EXPECT_THAT(computer.opened, IsEmpty());
 }
 
 }  // namespace
