@@ -46,8 +46,8 @@ class DesktopPatience {
 OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
     : mainLoop_(mainLoop),
       platform_(platform),
-      pointerQueue_(workers_.makeSerialQueue()),
-      snapQueue_(workers_.makeSerialQueue()),
+      pointerQueue_(pointerWorkers_.makeSerialQueue()),
+      snapQueue_(pointerWorkers_.makeSerialQueue()),
       apps_(platform.workspace(), platform.bundles()),
       keyboard_(platform.events(), clock_),
       media_(platform.events()),
@@ -68,7 +68,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                 .pairing = pairing_,
                 .permission = permission_,
                 .pointer = pointer_,
-                .queues = workers_,
+                .queues = sessionWorkers_,
                 .snap = snap_,
                 .trust = platform.trust()},
       hub_(ServerHub::make({.advertiser = platform.advertiser(),
@@ -94,7 +94,8 @@ int OrvelApp::run() {
   // The sessions take themselves down on the network's threads and may leave work behind: both end before what they
   // use.
   network_.finish();
-  workers_.finish();
+  sessionWorkers_.finish();
+  pointerWorkers_.finish();
   return exitCode;
 }
 

@@ -38,7 +38,8 @@ class OrvelApp {
   MainLoop& mainLoop_;
   Platform& platform_;
   SystemClock clock_;
-  WorkerThreads workers_;
+  WorkerThreads pointerWorkers_;  // its own, for however many texts are being typed the pointer moves
+  WorkerThreads sessionWorkers_;
   const std::unique_ptr<Executor> pointerQueue_;
   const std::unique_ptr<Executor> snapQueue_;
   AppCatalog apps_;

@@ -64,7 +64,7 @@ void AppCatalog::scanFolder(Scan& scan, const std::string& folder) {
   const std::string_view suffix = bundles_.suffix();
   for (const std::string& entry : *entries) {
     if (!entry.ends_with(suffix)) continue;
-    const std::string path = folder + "/" + entry;
+    const std::string path = std::string(folder).append("/").append(entry);
     const auto bundle = bundles_.read(path, entry);
     if (!bundle || !scan.seen.insert(bundle->identifier).second || !bundle->isListed) continue;
     scan.paths[bundle->identifier] = path;
