@@ -6,11 +6,13 @@
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/websocket.hpp>
+#include <boost/json/array.hpp>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <sodium.h>
 
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <utility>
 
@@ -24,6 +26,7 @@ using tcp = asio::ip::tcp;
 using Moment = std::chrono::steady_clock::time_point;
 
 constexpr Seconds sendLimit{10};
+constexpr std::size_t longestMessage = 8 * 1024 * 1024;
 
 Moment after(Seconds duration) {
   return std::chrono::steady_clock::now() + std::chrono::duration_cast<Moment::duration>(duration);
@@ -170,6 +173,7 @@ Failure PhoneClient::Connection::open(const std::string& host, std::uint16_t por
   error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
   stream_.auto_fragment(false);
+  stream_.read_message_max(longestMessage);
   const std::string authority = (host.find(':') == std::string::npos ? host : "[" + host + "]");
   outcome = await([&](auto done) { stream_.async_handshake(authority + ":" + std::to_string(port), "/", done); },
                   until(deadline));
@@ -310,6 +314,13 @@ Result<Seconds> PhoneClient::ping(Seconds timeout) {
   if (auto failure = send({{"t", "ping"}})) return *std::move(failure);
   if (const auto pong = receive("pong", timeout); !pong) return pong.error();
   return Seconds(std::chrono::steady_clock::now() - start);
+}
+
+Failure PhoneClient::finishWork(Seconds timeout) {
+  // Icons are fetched in the same order as all such work, and none are wanted.
+  if (auto failure = send({{"t", "getIcons"}, {"ids", boost::json::array()}})) return failure;
+  const auto icons = receive("icons", timeout);
+  return icons ? Failure() : icons.error();
 }
 
 Failure PhoneClient::idle(Seconds duration) {

@@ -75,6 +75,10 @@ class PhoneClient {
   /// Asks the host for a sign of life and returns how long it took. All that was sent before has been handled then.
   Result<Seconds> ping(Seconds timeout);
 
+  /// Waits until the host has done what it does for this phone at leisure, beside the input that it carries out at
+  /// once: typing, and starting and ending applications.
+  Failure finishWork(Seconds timeout);
+
   /// Lets `duration` pass and drops what the host says meanwhile. Fails as soon as the connection ends.
   Failure idle(Seconds duration);
 

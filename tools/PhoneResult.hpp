@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -15,11 +16,18 @@ struct Error {
     timedOut,     ///< Nothing came within the time allowed; the connection stands.
     denied,       ///< The host refused the proof.
     unexpected,   ///< The host said something that a phone cannot make sense of.
+    local,        ///< A file or the input of this program is at fault.
   };
 
   Kind kind = Kind::ended;
   std::string text;
 };
+
+/// `error`, in the words `late` when it is that something took too long.
+inline Error explained(Error error, std::string_view late) {
+  if (error.kind == Error::Kind::timedOut) error.text = late;
+  return error;
+}
 
 /// Nothing when all went well.
 using Failure = std::optional<Error>;

@@ -1,5 +1,8 @@
 #include "tools/PhoneScript.hpp"
 
+#include "base/UTF8.hpp"
+#include "tools/MediaNames.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -79,13 +82,70 @@ class WordReader {
     return chord ? *chord : refuse<KeyChord>(*word, what);
   }
 
+  std::uint8_t media() {
+    constexpr const char* what = "a media key (its name, or a number from 0 to 255)";
+    const auto word = argument(what);
+    if (!word) return 0;
+    const auto number = mediaKey(*word);
+    return number ? *number : refuse<std::uint8_t>(*word, what);
+  }
+
+  std::string folder() { return std::string(argument("a folder").value_or("")); }
+
+  /// The id of an application, which must fit a frame.
+  std::string id() {
+    const auto word = argument("the id of an application");
+    if (!word) return {};
+    const bool fits = word->size() <= longestFrameText && isValidUTF8(*word);
+    if (!fits) mistake = needs("ids in UTF-8 of at most 65535 bytes");
+    return std::string(*word);
+  }
+
+  /// Ids up to the end of the list, possibly none.
+  std::vector<std::string> ids() {
+    std::vector<std::string> list;
+    while (!atEnd() && !endsList()) list.push_back(id());
+    return list;
+  }
+
+  /// What is to be typed: words up to the end of the list, or a dash in their place for the standard input.
+  step::Text text() {
+    constexpr const char* what = "words, or - for the standard input";
+    if (takes("-")) {
+      takes("--");
+      return {.text = "", .fromInput = true};
+    }
+    std::vector<std::string> list;
+    while (!atEnd() && !endsList()) list.emplace_back(*argument(what));
+    if (list.empty()) {
+      mistake = needs(what);
+      return {};
+    }
+    std::string text = list.front();
+    for (const std::string& word : std::span(list).subspan(1)) text += " " + word;
+    if (!isValidUTF8(text)) mistake = "the text is not UTF-8";
+    return {.text = text};
+  }
+
+  /// Takes this word if it is the next.
+  bool takes(std::string_view word) {
+    if (atEnd() || words_.front() != word) return false;
+    words_ = words_.subspan(1);
+    return true;
+  }
+
   std::string mistake;
 
  private:
+  /// Lists of words end where the words do, or at two dashes.
+  bool endsList() { return takes("--"); }
+
+  std::string needs(const char* what) const { return "\"" + std::string(command_) + "\" needs " + what; }
+
   std::optional<std::string_view> argument(const char* what) {
     if (!mistake.empty()) return std::nullopt;
     if (words_.empty()) {
-      mistake = "\"" + std::string(command_) + "\" needs " + what;
+      mistake = needs(what);
       return std::nullopt;
     }
     const std::string_view word = words_.front();
@@ -95,7 +155,7 @@ class WordReader {
 
   template <class Value>
   Value refuse(std::string_view word, const char* what) {
-    mistake = "\"" + std::string(command_) + "\" needs " + what + ", not \"" + std::string(word) + "\"";
+    mistake = needs(what) + ", not \"" + std::string(word) + "\"";
     return {};
   }
 
@@ -149,6 +209,22 @@ const std::pair<std::string_view, Step (*)(WordReader&)> commands[] = {
      [](WordReader& in) -> Step {
        return step::Key{in.key(), false, true};
      }},
+    {"text", [](WordReader& in) -> Step { return in.text(); }},
+    {"media", [](WordReader& in) -> Step { return step::Media{in.media()}; }},
+    {"apps", [](WordReader& in) -> Step { return step::Apps{in.takes("--json")}; }},
+    {"icons",
+     [](WordReader& in) -> Step {
+       return step::Icons{in.folder(), in.ids()};
+     }},
+    {"activate",
+     [](WordReader& in) -> Step {
+       return step::App{AppAction::activate, in.id()};
+     }},
+    {"quit",
+     [](WordReader& in) -> Step {
+       return step::App{AppAction::quit, in.id()};
+     }},
+    {"snap", [](WordReader&) -> Step { return step::Snap{}; }},
     {"reveal", [](WordReader&) -> Step { return step::Reveal{}; }},
     {"ping", [](WordReader&) -> Step { return step::Ping{}; }},
     {"wait", [](WordReader& in) -> Step { return step::Wait{in.number("seconds (0 to 86400)", 0.0, longestWait)}; }},

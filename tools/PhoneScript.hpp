@@ -52,6 +52,31 @@ struct Key {
   bool up = false;
 };
 
+struct Text {
+  std::string text;        ///< UTF-8.
+  bool fromInput = false;  ///< Whether it is still to be read from the standard input.
+};
+
+struct Media {
+  std::uint8_t key = 0;
+};
+
+struct Apps {
+  bool asJSON = false;
+};
+
+struct Icons {
+  std::string folder;
+  std::vector<std::string> ids;  ///< All that the host lists when empty.
+};
+
+struct App {
+  AppAction action = AppAction::activate;
+  std::string id;
+};
+
+struct Snap {};
+
 struct Reveal {};
 
 struct Ping {};
@@ -63,7 +88,8 @@ struct Wait {
 }  // namespace step
 
 using Step = std::variant<step::Pair, step::Move, step::MoveTo, step::Button, step::Click, step::Drag, step::Scroll,
-                          step::Key, step::Reveal, step::Ping, step::Wait>;
+                          step::Key, step::Text, step::Media, step::Apps, step::Icons, step::App, step::Snap,
+                          step::Reveal, step::Ping, step::Wait>;
 
 /// The commands in `words`, or a sentence that names the word that is wrong. Threads: any.
 std::variant<std::vector<Step>, std::string> parseScript(std::span<const std::string> words);

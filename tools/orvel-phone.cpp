@@ -1,12 +1,12 @@
 #include "tools/KeyNames.hpp"
 #include "tools/PhoneClient.hpp"
-#include "tools/PhoneFrames.hpp"
 #include "tools/PhoneOptions.hpp"
-#include "tools/PhoneScript.hpp"
+#include "tools/PhoneRunner.hpp"
+#include "tools/PlainText.hpp"
+#include "tools/TypedText.hpp"
 
 #include <algorithm>
 #include <cstdlib>
-#include <iomanip>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -19,11 +19,7 @@ namespace {
 enum ExitCode { fine = 0, lost = 1, badUsage = 2, denied = 3 };
 
 constexpr Seconds connectLimit{5};
-constexpr Seconds answerLimit{5};
 constexpr Seconds closeLimit{1};
-// The host posts relative motion on an 8 ms clock of its own and lets no button wait for it.
-constexpr Seconds motionPause{0.025};
-constexpr Seconds dragPartPause{0.010};
 
 constexpr const char* usage = R"(Usage: orvel-phone [OPTION]... COMMAND...
 
@@ -51,84 +47,46 @@ Commands
   key KEY          press and release a key
   keydown KEY      press it only
   keyup KEY        release it only
+  text WORD...     type the words with a space between them; a line break is
+                   typed as Return, a tab as Tab
+  text -           type what comes from the standard input, up to its end
+  media NAME       press volume-up, volume-down, brightness-up, brightness-down,
+                   mute, play-pause, next, previous, fast-forward or rewind, or
+                   the key of a number
+  apps [--json]    print the applications: a star if it runs, its id, its name
+  icons FOLDER [ID...]
+                   write the icons of these applications, or of all, into
+                   FOLDER, each as ID.png
+  activate ID      bring an application to the front; start it if needed
+  quit ID          ask an application to quit, which it may refuse
+  snap             put the pointer onto the small control that it is near
   reveal           draw a small circle with the pointer
   ping             print how long the host took to answer
   wait SECONDS     do nothing for a while
 
+WORD... and ID... go on to the end or to a word --, after which the next command
+may stand: text Dear Anna, -- key return.
+
+After text, activate and quit the phone waits until the host has typed the text
+or asked the desktop, so that what comes next does not overtake it: 30 seconds
+at most, and for text 0.03 seconds more for each byte. Text is UTF-8; up to
+1 MiB of it is taken from the standard input.
+
 KEY is a name, or a macOS virtual key code such as 0x24, with modifiers in front
 of it: cmd+c, ctrl+shift+tab. Modifiers: cmd, shift, option (or alt), ctrl, fn.
 
-Exit codes: 0 fine, 1 no connection or connection lost, 2 bad usage, 3 denied.
+Exit codes: 0 fine; 1 no connection, connection lost, no answer in time, or a
+file that cannot be written; 2 bad usage; 3 denied.
 
-Example
+Examples
   ORVEL_TOKEN=ABCD-EFGH-JKMN-PQRS orvel-phone to 0.5 0.5 click left key cmd+c
+  orvel-phone --token ABCD-EFGH-JKMN-PQRS text Hello -- key return
 
 Keys
 )";
 
-/// Carries out one step each.
-struct Runner {
-  PhoneClient& phone;
-  const std::optional<Welcome>& welcome;
-
-  Failure operator()(const step::Pair&) const {
-    std::cout << "computer: " << welcome->mac << "\ninput: " << (welcome->accessibility ? "allowed" : "not allowed")
-              << std::endl;
-    return std::nullopt;
-  }
-
-  Failure operator()(const step::Move& move) const {
-    if (auto failure = phone.sendFrame(moveFrame(move.dx, move.dy))) return failure;
-    return phone.idle(motionPause);
-  }
-
-  Failure operator()(const step::MoveTo& place) const { return phone.sendFrame(moveAbsoluteFrame(place.nx, place.ny)); }
-
-  Failure operator()(const step::Button& button) const {
-    return phone.sendFrame(buttonFrame(button.button, button.down));
-  }
-
-  Failure operator()(const step::Click& click) const {
-    for (int count = 1; count <= click.count; ++count) {
-      if (auto failure = phone.sendFrame(clickFrame(click.button, static_cast<std::uint8_t>(count)))) return failure;
-    }
-    return std::nullopt;
-  }
-
-  Failure operator()(const step::Drag& drag) const {
-    if (auto failure = phone.sendFrame(buttonFrame(MouseButton::left, true))) return failure;
-    for (const auto& part : partsOf(drag)) {
-      if (auto failure = phone.sendFrame(moveFrame(part.dx, part.dy))) return failure;
-      if (auto failure = phone.idle(dragPartPause)) return failure;
-    }
-    if (auto failure = phone.idle(motionPause)) return failure;
-    return phone.sendFrame(buttonFrame(MouseButton::left, false));
-  }
-
-  Failure operator()(const step::Scroll& scroll) const { return phone.sendFrame(scrollFrame(scroll.dx, scroll.dy)); }
-
-  Failure operator()(const step::Key& key) const {
-    if (key.down) {
-      if (auto failure = phone.sendFrame(keyFrame(key.chord.keyCode, true, key.chord.modifiers))) return failure;
-    }
-    if (!key.up) return std::nullopt;
-    return phone.sendFrame(keyFrame(key.chord.keyCode, false, key.chord.modifiers));
-  }
-
-  Failure operator()(const step::Reveal&) const { return phone.send({{"t", "reveal"}}); }
-
-  Failure operator()(const step::Ping&) const {
-    const auto time = phone.ping(answerLimit);
-    if (!time) return time.error();
-    std::cout << "pong: " << std::fixed << std::setprecision(2) << time->count() * 1000 << " ms" << std::endl;
-    return std::nullopt;
-  }
-
-  Failure operator()(const step::Wait& wait) const { return phone.idle(Seconds(wait.seconds)); }
-};
-
 int complain(const std::string& sentence, ExitCode code) {
-  std::cerr << "orvel-phone: " << sentence << std::endl;
+  std::cerr << "orvel-phone: " << plainText(sentence) << std::endl;
   return code;
 }
 
@@ -136,17 +94,30 @@ int complain(const Error& error) {
   return complain(error.text, error.kind == Error::Kind::denied ? ExitCode::denied : ExitCode::lost);
 }
 
+/// Fetches what the steps still lack.
+Failure readInput(std::vector<Step>& steps) {
+  for (Step& step : steps) {
+    auto* text = std::get_if<step::Text>(&step);
+    if (!text || !text->fromInput) continue;
+    auto input = readTypedText(std::cin);
+    if (!input) return input.error();
+    text->text = *std::move(input);
+  }
+  return std::nullopt;
+}
+
 int run(const PhoneOptions& options) {
   auto phone = PhoneClient::connect(options.host, options.port, connectLimit);
   if (!phone) return complain(phone.error());
-  std::optional<Welcome> welcome;
+  Welcome welcome;
   if (std::ranges::any_of(options.steps, needsPairing)) {
     const auto paired = phone->pair(options.token, options.device, answerLimit);
     if (!paired) return complain(paired.error());
     welcome = *paired;
   }
+  PhoneRunner runner(*phone, welcome, std::cout);
   for (const auto& step : options.steps) {
-    if (const auto failure = std::visit(Runner{*phone, welcome}, step)) return complain(*failure);
+    if (const auto failure = runner.run(step)) return complain(*failure);
   }
   if (const auto handled = phone->ping(answerLimit); !handled) return complain(handled.error());
   // The host may answer a goodbye by closing at once; all that matters has been handled.
@@ -161,14 +132,15 @@ int main(int argc, char** argv) {
   using namespace orvel::phone;
   const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   const char* const token = std::getenv("ORVEL_TOKEN");
-  const auto parsed = parseArguments(arguments, token ? std::optional<std::string>(token) : std::nullopt);
+  auto parsed = parseArguments(arguments, token ? std::optional<std::string>(token) : std::nullopt);
   if (const auto* mistake = std::get_if<std::string>(&parsed)) {
     return complain(*mistake + " (--help tells more)", ExitCode::badUsage);
   }
-  const auto& options = std::get<PhoneOptions>(parsed);
+  auto& options = std::get<PhoneOptions>(parsed);
   if (options.help) {
     std::cout << usage << keyNameList() << std::endl;
     return ExitCode::fine;
   }
+  if (const auto failure = readInput(options.steps)) return complain(failure->text, ExitCode::badUsage);
   return run(options);
 }

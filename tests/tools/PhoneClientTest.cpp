@@ -129,6 +129,53 @@ TEST(PhoneClient, WaitsForAKindAndDropsWhatComesBefore) {
   EXPECT_EQ(wanted->at("n"), 2);
 }
 
+TEST(PhoneClient, KnowsByNoIconsThatTheWorkIsDone) {
+  PhoneMessage request;
+  Call call([&](HostEnd& host) {
+    request = host.read();
+    host.send(R"({"t":"pong"})");
+    host.send(R"({"t":"icons","items":{}})");
+  });
+  ASSERT_TRUE(call.phone);
+  EXPECT_FALSE(call.phone->finishWork(limit));
+  call.host.join();
+  EXPECT_EQ(request, (PhoneMessage{true, R"({"t":"getIcons","ids":[]})"}));
+}
+
+TEST(PhoneClient, DoesNotWaitForEverForWork) {
+  Call call([](HostEnd& host) { host.waitForGoodbye(); });
+  ASSERT_TRUE(call.phone);
+  const auto failure = call.phone->finishWork(shortly);
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->kind, Error::Kind::timedOut);
+  call.phone->hangUp();
+}
+
+TEST(PhoneClient, ATalkativeHostDoesNotKeepItWaiting) {
+  Call call([](HostEnd& host) {
+    for (int count = 0; count < 100000; ++count) host.send(R"({"t":"pong"})");
+  });
+  ASSERT_TRUE(call.phone);
+  const auto failure = call.phone->finishWork(shortly);
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->kind, Error::Kind::timedOut);
+  call.phone->hangUp();
+}
+
+TEST(PhoneClient, DoesNotTakeAMessageBeyondTheLimit) {
+  Call call([](HostEnd& host) { host.send(std::string(8 * 1024 * 1024 + 1, 'x')); });
+  ASSERT_TRUE(call.phone);
+  const auto message = call.phone->receive(limit);
+  ASSERT_FALSE(message);
+  EXPECT_EQ(message.error().kind, Error::Kind::ended);
+}
+
+TEST(PhoneClient, TakesAMessageUpToTheLimit) {
+  Call call([](HostEnd& host) { host.send(std::string(8 * 1024 * 1024, 'x')); });
+  ASSERT_TRUE(call.phone);
+  EXPECT_TRUE(call.phone->receive(limit));
+}
+
 TEST(PhoneClient, TellsTextFromBinary) {
   Call call([](HostEnd& host) {
     host.sendBinary(std::string("\x80\xff\xd8", 3));

@@ -13,7 +13,9 @@
 namespace orvel::phone {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 std::variant<std::vector<Step>, std::string> parse(const std::string& line) {
@@ -104,9 +106,71 @@ TEST(PhoneScript, ReadsKeys) {
   EXPECT_TRUE(!release.down && release.up);
 }
 
+TEST(PhoneScript, TextGoesOnToTheEndOrToTwoDashes) {
+  EXPECT_EQ(only<step::Text>("text Hello").text, "Hello");
+  EXPECT_EQ(only<step::Text>("text Dear Anna, key return").text, "Dear Anna, key return");
+  const auto steps = stepsOf("text Dear Anna, -- key return text a - b -- ping");
+  ASSERT_THAT(steps, SizeIs(4));
+  EXPECT_EQ(std::get<step::Text>(steps[0]).text, "Dear Anna,");
+  EXPECT_TRUE(std::holds_alternative<step::Key>(steps[1]));
+  EXPECT_EQ(std::get<step::Text>(steps[2]).text, "a - b");
+  EXPECT_FALSE(std::get<step::Text>(steps[2]).fromInput);
+  EXPECT_TRUE(std::holds_alternative<step::Ping>(steps[3]));
+}
+
+TEST(PhoneScript, TextKeepsTheSpacesWithinAWord) {
+  const std::vector<std::string> words = {"text", "", " two  spaces ", "-- "};
+  const auto parsed = parseScript(words);
+  const auto* steps = std::get_if<std::vector<Step>>(&parsed);
+  ASSERT_TRUE(steps);
+  EXPECT_EQ(std::get<step::Text>(steps->at(0)).text, "  two  spaces  -- ");
+}
+
+TEST(PhoneScript, ADashInPlaceOfWordsIsTextFromTheInput) {
+  const auto text = only<step::Text>("text -");
+  EXPECT_TRUE(text.fromInput);
+  EXPECT_EQ(text.text, "");
+  EXPECT_THAT(stepsOf("text - key return"), SizeIs(2));
+  EXPECT_THAT(stepsOf("text - -- key return"), SizeIs(2));
+  EXPECT_THAT(mistakeIn("text - item"), HasSubstr("\"item\""));
+  EXPECT_FALSE(only<step::Text>("text -n").fromInput);
+}
+
+TEST(PhoneScript, ReadsMediaKeys) {
+  EXPECT_EQ(only<step::Media>("media play-pause").key, 16);
+  EXPECT_EQ(only<step::Media>("media 5").key, 5);
+}
+
+TEST(PhoneScript, ReadsApplications) {
+  EXPECT_FALSE(only<step::Apps>("apps").asJSON);
+  EXPECT_TRUE(only<step::Apps>("apps --json").asJSON);
+  const auto activate = only<step::App>("activate org.example.Editor");
+  EXPECT_EQ(activate.action, AppAction::activate);
+  EXPECT_EQ(activate.id, "org.example.Editor");
+  EXPECT_EQ(only<step::App>("quit xterm").action, AppAction::quit);
+}
+
+TEST(PhoneScript, ReadsWhichIconsGoWhere) {
+  EXPECT_THAT(only<step::Icons>("icons folder").ids, IsEmpty());
+  const auto steps = stepsOf("icons folder a b -- icons other -- ping");
+  ASSERT_THAT(steps, SizeIs(3));
+  EXPECT_EQ(std::get<step::Icons>(steps[0]).folder, "folder");
+  EXPECT_THAT(std::get<step::Icons>(steps[0]).ids, ElementsAre("a", "b"));
+  EXPECT_THAT(std::get<step::Icons>(steps[1]).ids, IsEmpty());
+}
+
+TEST(PhoneScript, TakesOnlyUTF8) {
+  EXPECT_THAT(mistakeIn("ping text caf\xe9 -- ping"), HasSubstr("UTF-8"));
+  for (const char* line : {"activate caf\xe9", "quit caf\xe9", "icons folder a caf\xe9 b"}) {
+    EXPECT_THAT(mistakeIn(line), HasSubstr("UTF-8")) << line;
+  }
+  EXPECT_THAT(mistakeIn("quit " + std::string(longestFrameText + 1, 'a')), HasSubstr("65535"));
+  EXPECT_EQ(only<step::App>("quit " + std::string(longestFrameText, 'a')).id.size(), longestFrameText);
+}
+
 TEST(PhoneScript, NamesTheWordThatIsWrong) {
   for (const char* line : {"mvoe 1 2", "move mvoe 2", "move 1 mvoe", "to mvoe 0", "press mvoe", "click mvoe",
-                           "key mvoe", "wait mvoe", "ping mvoe"}) {
+                           "key mvoe", "wait mvoe", "ping mvoe", "media mvoe", "apps mvoe", "snap mvoe"}) {
     EXPECT_THAT(mistakeIn(line), HasSubstr("\"mvoe\"")) << line;
   }
   EXPECT_THAT(mistakeIn("Move 1 2"), HasSubstr("\"Move\""));
@@ -118,6 +182,10 @@ TEST(PhoneScript, NamesTheCommandThatLacksAWord) {
   EXPECT_THAT(mistakeIn("ping move 1"), HasSubstr("\"move\" needs"));
   EXPECT_THAT(mistakeIn("key"), HasSubstr("\"key\" needs"));
   EXPECT_THAT(mistakeIn("press"), HasSubstr("\"press\" needs"));
+  EXPECT_THAT(mistakeIn("text -- key return"), HasSubstr("\"text\" needs"));
+  for (const char* command : {"text", "media", "icons", "activate", "quit"}) {
+    EXPECT_THAT(mistakeIn(command), HasSubstr("\"" + std::string(command) + "\" needs"));
+  }
 }
 
 TEST(PhoneScript, RefusesNumbersOutOfRange) {
@@ -129,7 +197,9 @@ TEST(PhoneScript, RefusesNumbersOutOfRange) {
 
 TEST(PhoneScript, OnlyPingAndWaitNeedNoPairing) {
   for (const auto& step : stepsOf("ping wait 1")) EXPECT_FALSE(needsPairing(step));
-  for (const auto& step : stepsOf("pair move 1 1 to 0 0 press left click left drag 1 1 scroll 1 1 keyup a reveal")) {
+  for (const auto& step :
+       stepsOf("pair move 1 1 to 0 0 press left click left drag 1 1 scroll 1 1 keyup a reveal media mute apps "
+               "icons f -- activate a quit a snap text a")) {
     EXPECT_TRUE(needsPairing(step));
   }
 }
