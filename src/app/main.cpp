@@ -21,7 +21,7 @@ constexpr int notStored = 1;
 constexpr std::string_view usage =
     "Usage: orvel [option]\n"
     "\n"
-    "Lets a phone on the same network be this computer's mouse and keyboard.\n"
+    "Lets a phone on the same network be this computer's mouse, keyboard and launcher.\n"
     "Without an option it runs until Ctrl-C.\n"
     "\n"
     "  --pair     print the address and the code that a phone needs, and exit\n"

@@ -3,6 +3,8 @@
 #include "desktop/Patience.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/X11Witness.hpp"
+#include "platform/linux/DataFolders.hpp"
+#include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/SystemEventPoster.hpp"
 #include "platform/linux/SystemTrustCheck.hpp"
@@ -26,6 +28,7 @@ class LeafSet {
     connection_->listen({.event =
                              [this](const xcb_generic_event_t& event) {
                                displays.handle(event);
+                               events.handle(event);
                                workspace.handle(event);
                              },
                          .ended = [this] { ended_.set_value(); }});
@@ -39,13 +42,15 @@ class LeafSet {
 
  private:
   const std::unique_ptr<X11Connection> connection_;
+  const DataFolders dataFolders_ = DataFolders::ofUser();
+  DesktopEntries desktopEntries_{dataFolders_.shared};
   std::promise<void> ended_;  // throws when it is told twice
 
  public:
   SystemDisplays displays{*connection_};
   SystemEventPoster events{*connection_, displays};
   SystemTrustCheck trust{*connection_};
-  SystemWorkspace workspace{*connection_};
+  SystemWorkspace workspace{*connection_, desktopEntries_, dataFolders_, {RLIM_INFINITY, RLIM_INFINITY}};
 };
 
 /// A desktop, the leaves on it, and a program that sees what they do.

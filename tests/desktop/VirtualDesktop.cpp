@@ -64,6 +64,7 @@ ChildProcess::Environment VirtualDesktop::environment() const {
           {"XDG_SESSION_TYPE", "x11"},
           {"GDK_BACKEND", "x11"},
           {"QT_QPA_PLATFORM", "xcb"},
+          {"DBUS_SESSION_BUS_ADDRESS", std::nullopt},
           {"XAUTHORITY", std::nullopt},
           {"WAYLAND_DISPLAY", std::nullopt}};
 }

@@ -14,8 +14,8 @@ std::size_t entriesOf(const std::filesystem::path& folder) {
 
 }  // namespace
 
-HostProcess::HostProcess(const VirtualDesktop& desktop)
-    : desktop_(desktop), process_({.command = {ORVEL_PROGRAM}, .environment = desktop.environment()}) {}
+HostProcess::HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment)
+    : desktop_(desktop), process_({.command = {ORVEL_PROGRAM}, .environment = environment}) {}
 
 std::string HostProcess::code() const {
   ChildProcess asked({.command = {ORVEL_PROGRAM, "--pair"}, .environment = desktop_.environment()});

@@ -13,7 +13,10 @@ class HostProcess {
  public:
   static constexpr std::uint16_t port = 8787;
 
-  explicit HostProcess(const VirtualDesktop& desktop);
+  explicit HostProcess(const VirtualDesktop& desktop) : HostProcess(desktop, desktop.environment()) {}
+
+  /// The same, with more around it than a desktop alone has, such as a message bus.
+  HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment);
 
   /// Whether phones can connect, in time.
   bool waitUntilListening() { return process_.waitForOutput("Listening on "); }

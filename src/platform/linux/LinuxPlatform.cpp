@@ -20,12 +20,15 @@ std::string needsDesktop(const std::string& reason) {
   return "Orvel needs a desktop to work on: " + reason;
 }
 
-/// Every phone needs a descriptor, and the usual limit is meant for programs that wait for them by select().
-void allowManyConnections() {
-  rlimit limit{};
-  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+/// Every phone needs a descriptor, and the usual limit is meant for programs that wait for them by select(). Returns
+/// that limit.
+rlimit allowManyConnections() {
+  rlimit usual{};
+  if (getrlimit(RLIMIT_NOFILE, &usual) != 0) return {RLIM_INFINITY, RLIM_INFINITY};
+  rlimit limit = usual;
   limit.rlim_cur = std::min(limit.rlim_max, mostDescriptors);
   setrlimit(RLIMIT_NOFILE, &limit);
+  return usual;
 }
 
 /// The C library would learn from one large message to keep the memory of all that follow.
@@ -35,13 +38,14 @@ void giveMemoryBack() {
 
 }  // namespace
 
-LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection)
+LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, const rlimit& openFiles)
     : connection_(std::move(connection)),
       accessibility_(*connection_),
+      bundles_(desktopEntries_),
       displays_(*connection_),
       events_(*connection_, displays_),
       trust_(*connection_),
-      workspace_(*connection_) {}
+      workspace_(*connection_, desktopEntries_, dataFolders_, openFiles) {}
 
 LinuxPlatform::~LinuxPlatform() {
   // Before the leaves go that its thread calls.
@@ -52,6 +56,7 @@ bool LinuxPlatform::listen() {
   return connection_->listen({.event =
                                   [this](const xcb_generic_event_t& event) {
                                     displays_.handle(event);
+                                    events_.handle(event);
                                     workspace_.handle(event);
                                   },
                               .ended = [this] { end(); }});
@@ -74,13 +79,13 @@ void LinuxPlatform::end() {
 }
 
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
-  allowManyConnections();
+  const rlimit openFiles = allowManyConnections();
   giveMemoryBack();
   const char* display = std::getenv("DISPLAY");
   if (display == nullptr || *display == '\0') return needsDesktop("no X display is named in DISPLAY.");
   auto connection = X11Connection::open(display);
   if (!connection) return needsDesktop("no X display answers at \"" + std::string(display) + "\".");
-  auto platform = std::make_unique<LinuxPlatform>(std::move(connection));
+  auto platform = std::make_unique<LinuxPlatform>(std::move(connection), openFiles);
   if (!platform->listen()) return needsDesktop("the system has no thread left to follow it with.");
   return platform;
 }

@@ -2,6 +2,8 @@
 
 #include "base/Guarded.hpp"
 #include "platform/Platform.hpp"
+#include "platform/linux/DataFolders.hpp"
+#include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/SystemAccessibilityTree.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
@@ -14,6 +16,8 @@
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/X11Connection.hpp"
 
+#include <sys/resource.h>
+
 #include <functional>
 #include <memory>
 
@@ -24,7 +28,8 @@ namespace orvel {
 /// Threads: any, but made and destroyed by its owner, never by the handler of `observeEnd`.
 class LinuxPlatform final : public Platform {
  public:
-  explicit LinuxPlatform(std::unique_ptr<X11Connection> connection);
+  /// Programs that it starts get `openFiles` as their limit of open files.
+  LinuxPlatform(std::unique_ptr<X11Connection> connection, const rlimit& openFiles);
   ~LinuxPlatform() override;
 
   /// Starts to follow the desktop. Called once. False when the system has no thread to give.
@@ -53,6 +58,8 @@ class LinuxPlatform final : public Platform {
   void end();
 
   const std::unique_ptr<X11Connection> connection_;
+  const DataFolders dataFolders_ = DataFolders::ofUser();
+  DesktopEntries desktopEntries_{dataFolders_.shared};
   SystemAccessibilityTree accessibility_;
   SystemAdvertiser advertiser_;
   SystemApplicationBundles bundles_;

@@ -1,17 +1,28 @@
 #include "platform/linux/SystemApplicationBundles.hpp"
 
+#include "platform/linux/DesktopEntries.hpp"
+
 namespace orvel {
 
 std::vector<std::string> SystemApplicationBundles::searchPaths() const {
-  return {};
+  return entries_.folders();
 }
 
-std::optional<std::vector<std::string>> SystemApplicationBundles::list(const std::string&) {
-  return std::nullopt;
+std::string_view SystemApplicationBundles::suffix() const {
+  return DesktopEntry::suffix;
 }
 
-std::optional<ApplicationBundle> SystemApplicationBundles::read(const std::string&, const std::string&) {
-  return std::nullopt;
+std::optional<std::vector<std::string>> SystemApplicationBundles::list(const std::string& folder) {
+  return entries_.list(folder);
+}
+
+std::optional<ApplicationBundle> SystemApplicationBundles::read(const std::string& path, const std::string& entry) {
+  const auto found = entries_.read(path);
+  if (!found) return std::nullopt;
+  return ApplicationBundle{.identifier = DesktopEntry::identifierOf(entry),
+                           .displayName = found->name,
+                           .name = std::nullopt,
+                           .isListed = found->isListed};
 }
 
 }  // namespace orvel

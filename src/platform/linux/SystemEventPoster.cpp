@@ -1,6 +1,7 @@
 #include "platform/linux/SystemEventPoster.hpp"
 
 #include "platform/linux/KeyPositions.hpp"
+#include "platform/linux/MediaKeys.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/X11Connection.hpp"
 
@@ -103,12 +104,13 @@ SystemEventPoster::SystemEventPoster(X11Connection& connection, const SystemDisp
     : connection_(connection),
       displays_(displays),
       hasXTest_(connection.extension(xcb_test_id) != nullptr),
-      repeatingKeys_(askRepeatingKeys(connection)) {
+      repeatingKeys_(askRepeatingKeys(connection)),
+      typist_(connection, *this) {
   // Some window managers hold all other programs off while a window is dragged: the drag must reach them all the same.
   if (hasXTest_) xcb_test_grab_control(connection_.get(), true);
 }
 
-// The queue is filled while the lock is held, in all three: what the server gets must have the order of what is
+// The queue is filled while the lock is held, in all of them: what the server gets must have the order of what is
 // remembered here, and the keys of one chord must stay together. It copies into memory, and waits only when that is
 // full and the server takes nothing.
 
@@ -151,12 +153,22 @@ bool SystemEventPoster::post(const KeyEvent& event) {
   return true;
 }
 
-bool SystemEventPoster::post(const SystemDefinedEvent&) {
-  return false;
+bool SystemEventPoster::post(const SystemDefinedEvent& event) {
+  const auto change = MediaKeys::changeOf(event);
+  if (!change || !canPost()) return false;
+  state_.withLock([&](State& state) {
+    if (change->down) {
+      press(state, change->keyCode, 0);
+    } else {
+      release(state, change->keyCode);
+    }
+  });
+  return true;
 }
 
-bool SystemEventPoster::post(const TextEvent&) {
-  return false;
+bool SystemEventPoster::post(const TextEvent& event) {
+  if (!canPost()) return false;
+  return !event.down || typist_.type(event.text);
 }
 
 std::optional<Point> SystemEventPoster::pointerLocation() {
@@ -190,6 +202,22 @@ void SystemEventPoster::flush() {
     return std::exchange(state.isUnflushed, false);
   });
   if (needed) xcb_flush(connection_.get());
+}
+
+KeyQueue::Held SystemEventPoster::held() {
+  return state_.withLock([](const State& state) {
+    Held held{.keys = {}, .version = state.keyVersion};
+    for (std::size_t key = 0; key < state.keys.size(); ++key) held.keys[key] = state.keys[key].holders > 0;
+    return held;
+  });
+}
+
+bool SystemEventPoster::queueInOneGo(const std::vector<KeyChange>& changes, std::uint64_t version) {
+  return state_.withLock([&](State& state) {
+    if (state.keyVersion != version) return false;
+    for (const auto& [keyCode, down] : changes) queue(state, down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keyCode);
+    return true;
+  });
 }
 
 bool SystemEventPoster::canPost() const {
@@ -255,6 +283,7 @@ void SystemEventPoster::queue(State& state, std::uint8_t type, std::uint8_t deta
   xcb_test_fake_input(connection_.get(), type, detail, XCB_CURRENT_TIME, connection_.root(), position.x, position.y,
                       anyDevice);
   state.isUnflushed = true;
+  if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) ++state.keyVersion;
 }
 
 SystemEventPoster::Position SystemEventPoster::onScreen(Position position) const {

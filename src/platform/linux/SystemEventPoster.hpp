@@ -2,11 +2,14 @@
 
 #include "base/Guarded.hpp"
 #include "input/EventPoster.hpp"
+#include "platform/linux/KeyQueue.hpp"
+#include "platform/linux/Typist.hpp"
 
 #include <array>
 #include <bitset>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace orvel {
 
@@ -19,8 +22,10 @@ class X11Connection;
 /// shortcut modifier of this desktop, and function is nothing. Wheels turn in notches; what is left of one is
 /// kept, whichever phone turns next.
 ///
-/// Threads: any. Only `pointerLocation` waits for the server.
-class SystemEventPoster final : public EventPoster {
+/// Text is typed when its press is posted; its release is nothing.
+///
+/// Threads: any. Only `pointerLocation` and text wait for the server. `handle` is for the thread of the connection.
+class SystemEventPoster final : public EventPoster, private KeyQueue {
  public:
   SystemEventPoster(X11Connection& connection, const SystemDisplays& displays);
 
@@ -31,6 +36,9 @@ class SystemEventPoster final : public EventPoster {
   bool post(const TextEvent& event) override;
   std::optional<Point> pointerLocation() override;
   void flush() override;
+
+  /// Takes what the server says.
+  void handle(const xcb_generic_event_t& event) { typist_.handle(event); }
 
  private:
   struct Position {
@@ -54,8 +62,12 @@ class SystemEventPoster final : public EventPoster {
     bool isUnflushed = false;
     std::int64_t verticalRemainder = 0;  // pixels that do not make a notch yet
     std::int64_t horizontalRemainder = 0;
-    std::array<Key, 256> keys;  // by X key code
+    std::array<Key, 256> keys;     // by X key code
+    std::uint64_t keyVersion = 0;  // another one with each key event
   };
+
+  Held held() override;
+  bool queueInOneGo(const std::vector<KeyChange>& changes, std::uint64_t version) override;
 
   bool canPost() const;
   void turn(State& state, std::int64_t& remainder, std::int32_t pixels, std::uint8_t forward, std::uint8_t backward);
@@ -73,6 +85,7 @@ class SystemEventPoster final : public EventPoster {
   const bool hasXTest_;
   const std::bitset<256> repeatingKeys_;  // by X key code
   Guarded<State> state_;
+  Typist typist_;
 };
 
 }  // namespace orvel

@@ -2,21 +2,35 @@
 
 #include "base/Guarded.hpp"
 #include "catalog/Workspace.hpp"
+#include "platform/linux/IconThemeChoice.hpp"
+#include "platform/linux/IconThemes.hpp"
+#include "platform/linux/Launcher.hpp"
+#include "platform/linux/ProgramList.hpp"
+#include "platform/linux/ServerTime.hpp"
+#include "platform/linux/StartupNotice.hpp"
+#include "platform/linux/WindowCommands.hpp"
+#include "platform/linux/WindowList.hpp"
+#include "platform/linux/X11Atoms.hpp"
 
+#include <sys/resource.h>
 #include <xcb/xcb.h>
 
 #include <functional>
 
 namespace orvel {
 
+class DesktopEntries;
 class X11Connection;
 
-/// What the window manager tells of the user's programs by properties of the root window.
+/// The user's programs as the window manager tells of them by properties of windows, each known by its desktop entry
+/// where it has one.
 ///
 /// Threads: any; `handle` is called on the thread of the connection and calls the observer there.
 class SystemWorkspace final : public Workspace {
  public:
-  explicit SystemWorkspace(X11Connection& connection);
+  /// Programs that are started get `openFiles` as their limit of open files.
+  SystemWorkspace(X11Connection& connection, DesktopEntries& entries, const DataFolders& folders,
+                  const rlimit& openFiles);
 
   void observeActivation(std::function<void()> handler) override;
   std::vector<RunningApplication> runningApplications() override;
@@ -30,8 +44,19 @@ class SystemWorkspace final : public Workspace {
   void handle(const xcb_generic_event_t& event);
 
  private:
+  std::vector<xcb_window_t> windowsOf(const RunningApplication& application) const;
+
   const xcb_window_t root_;
-  const xcb_atom_t activeWindow_;
+  const X11Atoms atoms_;
+  DesktopEntries& entries_;
+  const WindowList windows_;
+  const WindowCommands commands_;
+  const ProgramList programs_;
+  const ServerTime time_;
+  const StartupNotice notice_;
+  Launcher launcher_;
+  const IconThemeChoice themeChoice_;
+  IconThemes themes_;
   Guarded<std::function<void()>> handler_;
 };
 

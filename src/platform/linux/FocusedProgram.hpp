@@ -1,0 +1,73 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+
+namespace orvel {
+
+class X11Connection;
+
+/// Knows when the program that has the keyboard has dealt with what was sent to it.
+///
+/// Most programs answer when they are asked whether they are alive, and in the order of what comes to them. For those
+/// that do not, and those that hang, a fixed time must do.
+///
+/// Threads: `handle` is for the thread of the connection, all else for one at a time.
+class FocusedProgram {
+ public:
+  using Time = std::chrono::steady_clock::time_point;
+
+  explicit FocusedProgram(const X11Connection& connection);
+
+  /// Whether the program of that window tells when it is ready. Waits for the server.
+  bool answers(xcb_window_t window);
+
+  /// Waits until the program of that window has dealt with what was sent to it by now; of one that does not answer,
+  /// that is taken for granted from `otherwise` on. The server must not be grabbed.
+  void waitUntilReady(xcb_window_t window, Time otherwise);
+
+  /// Has the server stop telling of answers, until the next wait.
+  void rest();
+
+  /// Ends a wait for an answer, and has the next ones not ask, for `handle` is not called any more. Threads: any.
+  void giveUp();
+
+  void handle(const xcb_generic_event_t& event);
+
+ private:
+  struct Question {
+    xcb_window_t window = XCB_NONE;
+    std::uint32_t number = 0;
+    bool isAnswered = false;
+  };
+
+  struct Answering {
+    xcb_window_t window = XCB_NONE;
+    std::optional<xcb_window_t> by;  // itself or one around it
+  };
+
+  std::optional<xcb_window_t> answeringWindow(xcb_window_t window);
+  std::optional<xcb_window_t> findAnsweringWindow(xcb_window_t window) const;
+  bool answersPing(xcb_window_t window) const;
+  bool canAsk(xcb_window_t window);
+  void ask(xcb_window_t window);
+  bool waitForAnswer();
+  void hearAnswers(bool heard);
+
+  const X11Connection& connection_;
+  const xcb_atom_t protocols_;
+  const xcb_atom_t ping_;
+  bool isHearing_ = false;
+  Answering answering_;  // the one that was asked for last
+  std::mutex mutex_;
+  std::condition_variable answered_;
+  Question question_;  // the last one
+  bool hasGivenUp_ = false;
+};
+
+}  // namespace orvel

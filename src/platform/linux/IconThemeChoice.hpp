@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+namespace orvel {
+
+class X11Connection;
+
+/// The icon theme that the user has chosen.
+///
+/// Threads: any; it is made by its owner. `name` waits for the file system and for the X server.
+class IconThemeChoice {
+ public:
+  explicit IconThemeChoice(const X11Connection& connection);
+
+  /// Its name: what KDE says on its own desktop, what the desktop tells all programs, or what GTK's own file says.
+  /// Empty when nobody has chosen any.
+  std::string name() const;
+
+ private:
+  const X11Connection& connection_;
+  const std::string configuration_;  // the user's folder of it
+  const bool isKDE_;
+};
+
+}  // namespace orvel

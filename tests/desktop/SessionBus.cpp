@@ -1,0 +1,89 @@
+#include "desktop/SessionBus.hpp"
+
+#include "platform/linux/MessageBus.hpp"
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+/// All processes that a process has started, and those that these have.
+std::vector<pid_t> descendantsOf(pid_t process) {
+  const std::string number = std::to_string(process);
+  std::ifstream list("/proc/" + number + "/task/" + number + "/children");
+  std::vector<pid_t> found;
+  for (pid_t child = 0; list >> child;) {
+    found.push_back(child);
+    const auto below = descendantsOf(child);
+    found.insert(found.end(), below.begin(), below.end());
+  }
+  return found;
+}
+
+bool isAccessibilityOn(const MessageBus& bus) {
+  const auto reply = bus.call({.destination = "org.a11y.Bus",
+                               .path = "/org/a11y/bus",
+                               .interface = "org.freedesktop.DBus.Properties",
+                               .method = "Get",
+                               .arguments = g_variant_new("(ss)", "org.a11y.Status", "IsEnabled"),
+                               .replyType = "(v)"},
+                              TimeLimit(patience));
+  if (!reply) return false;
+  GVariant* value = nullptr;
+  g_variant_get(reply.get(), "(v)", &value);
+  const GLibPointer<GVariant> owned(value);
+  return g_variant_get_boolean(value);
+}
+
+}  // namespace
+
+SessionBus::SessionBus(const VirtualDesktop& desktop)
+    : desktop_(desktop), address_("unix:path=" + (desktop.home() / "run/bus").string()) {
+  const auto services = desktop.home() / "run/dbus-1/services";
+  std::filesystem::create_directories(services);
+  for (const std::string name : {"org.freedesktop.portal.Desktop", "org.freedesktop.portal.Documents"}) {
+    std::ofstream(services / (name + ".service")) << "[D-BUS Service]\nName=" << name << "\nExec=/bin/false\n";
+  }
+  start();
+}
+
+SessionBus::~SessionBus() {
+  stop();
+}
+
+void SessionBus::start() {
+  daemon_.emplace(ChildProcess::Program{
+      .command = {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address", "--address", address_},
+      .environment = environment()});
+  if (!daemon_->waitForOutput("unix:path=")) throw std::runtime_error("no bus: " + daemon_->output());
+}
+
+void SessionBus::stop() {
+  if (!daemon_) return;
+  for (const pid_t process : descendantsOf(daemon_->pid())) kill(process, SIGKILL);
+  daemon_.reset();
+}
+
+ChildProcess::Environment SessionBus::environment() const {
+  auto environment = desktop_.environment();
+  environment["DBUS_SESSION_BUS_ADDRESS"] = address_;
+  return environment;
+}
+
+bool SessionBus::waitForAccessibility() const {
+  const auto bus = MessageBus::open(address_, TimeLimit(patience));
+  if (!bus) return false;
+  const Deadline deadline(patience);
+  while (!isAccessibilityOn(*bus)) {
+    if (deadline.left() == Milliseconds(0)) return false;
+    std::this_thread::sleep_for(Milliseconds(5));
+  }
+  return true;
+}
+
+}  // namespace orvel

@@ -1,0 +1,22 @@
+// Types a text and stays, until it is killed: a host that has no time to tidy up.
+
+#include "base/UTF8.hpp"
+#include "platform/linux/SystemDisplays.hpp"
+#include "platform/linux/SystemEventPoster.hpp"
+#include "platform/linux/X11Connection.hpp"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+int main(int count, char** arguments) {
+  if (count != 3) return 2;
+  const auto connection = orvel::X11Connection::open(arguments[1]);
+  if (!connection) return 1;
+  const orvel::SystemDisplays displays(*connection);
+  orvel::SystemEventPoster events(*connection, displays);
+  if (!events.post(orvel::TextEvent{.text = orvel::utf16(arguments[2]), .down = true})) return 1;
+  std::puts("typed");
+  std::fflush(stdout);
+  pause();
+}

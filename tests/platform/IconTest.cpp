@@ -1,0 +1,312 @@
+#include "platform/EntryFolders.hpp"
+#include "platform/linux/IconImage.hpp"
+#include "platform/linux/IconThemes.hpp"
+#include "platform/linux/XSettings.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QByteArray>
+#include <QImage>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <future>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string svgHead =
+    R"(<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" width="16" height="16">)";
+const std::string redSquare = R"(<rect width="16" height="16" fill="#ff0000"/>)";
+
+struct IconImageTest : testing::Test {
+  /// Draws on another thread, as it will be, and within a time that a person would wait.
+  static std::optional<std::vector<std::uint8_t>> draw(const std::string& path, int pixels) {
+    auto drawing = std::async(std::launch::async, [&] { return drawIcon(path, pixels); });
+    EXPECT_EQ(drawing.wait_for(std::chrono::seconds(5)), std::future_status::ready) << path;
+    return drawing.get();
+  }
+
+  static QImage picture(const std::string& path, int pixels) {
+    const auto png = draw(path, pixels);
+    QImage image;
+    if (png) image.loadFromData(png->data(), static_cast<int>(png->size()), "PNG");
+    return image.convertToFormat(QImage::Format_ARGB32);
+  }
+
+  std::string writePNG(const std::string& name, int width, int height, QColor colour) const {
+    const std::string path = folders.write("user", name, "");
+    QImage image(width, height, QImage::Format_ARGB32);
+    image.fill(colour);
+    EXPECT_TRUE(image.save(QString::fromStdString(path), "PNG"));
+    return path;
+  }
+
+  std::string writeSVG(const std::string& content) const {
+    return folders.write("user", "icon.svg", svgHead + content + "</svg>");
+  }
+
+  EntryFolders folders;
+};
+
+TEST_F(IconImageTest, APNGIsDrawnIntoTheSquare) {
+  const QImage image = picture(writePNG("red.png", 48, 48, Qt::red), 56);
+  ASSERT_EQ(image.size(), QSize(56, 56));
+  EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::red));
+  EXPECT_EQ(image.pixelColor(55, 55), QColor(Qt::red));
+}
+
+TEST_F(IconImageTest, APictureThatIsNoSquareStandsInTheMiddle) {
+  const QImage image = picture(writePNG("wide.png", 200, 100, Qt::blue), 56);
+  ASSERT_EQ(image.size(), QSize(56, 56));
+  EXPECT_EQ(image.pixelColor(28, 28), QColor(Qt::blue));
+  EXPECT_EQ(image.pixelColor(28, 5).alpha(), 0);
+  EXPECT_EQ(image.pixelColor(28, 50).alpha(), 0);
+}
+
+TEST_F(IconImageTest, ScalingMixesColours) {
+  const std::string path = folders.write("user", "stripes.png", "");
+  QImage stripes(256, 256, QImage::Format_ARGB32);
+  for (int y = 0; y < 256; ++y) {
+    for (int x = 0; x < 256; ++x) stripes.setPixelColor(x, y, x % 2 == 0 ? Qt::white : Qt::black);
+  }
+  ASSERT_TRUE(stripes.save(QString::fromStdString(path), "PNG"));
+  EXPECT_NEAR(picture(path, 32).pixelColor(16, 16).red(), 127, 20);
+}
+
+TEST_F(IconImageTest, AnSVGIsDrawnAtItsFullSize) {
+  const QImage image = picture(writeSVG(redSquare + R"(<rect x="8" width="8" height="16" fill="#0000ff"/>)"), 56);
+  ASSERT_EQ(image.size(), QSize(56, 56));
+  EXPECT_EQ(image.pixelColor(27, 28), QColor(Qt::red)) << "an edge of vectors stays sharp";
+  EXPECT_EQ(image.pixelColor(28, 28), QColor(Qt::blue));
+}
+
+TEST_F(IconImageTest, PartsOfAnSVGMayBeUsedAgain) {
+  const auto path = writeSVG(R"(<defs><g id="half"><rect width="8" height="16" fill="#00ff00"/></g></defs>)"
+                             R"(<use xlink:href="#half" x="8"/>)");
+  const QImage image = picture(path, 32);
+  EXPECT_EQ(image.pixelColor(24, 16), QColor(0, 255, 0));
+  EXPECT_EQ(image.pixelColor(8, 16).alpha(), 0);
+}
+
+TEST_F(IconImageTest, GradientsAndStylesOfAnSVGAreKept) {
+  const auto path = writeSVG(
+      R"(<style>.a{fill:url(#g)}</style><defs><linearGradient id="g"><stop offset="0" stop-color="#ff0000"/>)"
+      R"(<stop offset="1" stop-color="#0000ff"/></linearGradient></defs><rect class="a" width="16" height="16"/>)");
+  const QImage image = picture(path, 64);
+  EXPECT_GT(image.pixelColor(2, 30).red(), 200);
+  EXPECT_GT(image.pixelColor(61, 30).blue(), 200);
+}
+
+TEST_F(IconImageTest, TextsInAnSVGAreLeftOut) {
+  const auto path = writeSVG(redSquare + R"(<g font-size="10" font-family="Sans"><text x="2" y="12">A</text></g>)");
+  EXPECT_EQ(picture(path, 56).pixelColor(28, 28), QColor(Qt::red));
+}
+
+TEST_F(IconImageTest, AnXPMIsDrawn) {
+  const auto path = folders.write(
+      "user", "icon.xpm",
+      "/* XPM */\nstatic char *icon[] = {\n\"2 2 2 1\",\n\"a c #00FF00\",\n\". c None\",\n\"aa\",\n\"a.\"};\n");
+  const QImage image = picture(path, 56);
+  ASSERT_EQ(image.size(), QSize(56, 56));
+  EXPECT_EQ(image.pixelColor(5, 5), QColor(0, 255, 0));
+  EXPECT_LT(image.pixelColor(54, 54).alpha(), 30);
+}
+
+TEST_F(IconImageTest, DamagedFilesGiveNothing) {
+  EXPECT_FALSE(draw(folders.data("user") + "/missing.png", 56));
+  EXPECT_FALSE(draw(folders.write("user", "empty.png", ""), 56));
+  EXPECT_FALSE(draw(folders.write("user", "text.png", "no picture"), 56));
+  EXPECT_FALSE(draw(folders.write("user", "text.svg", "no picture"), 56));
+  EXPECT_FALSE(draw(folders.write("user", "half.svg", svgHead + "<g>"), 56));
+  EXPECT_FALSE(draw(folders.write("user", "text.xpm", "no picture"), 56));
+  const auto cut = writePNG("cut.png", 500, 500, Qt::red);
+  fs::resize_file(cut, 60);
+  EXPECT_FALSE(draw(cut, 56));
+}
+
+TEST_F(IconImageTest, WhatWouldBlockOrFillTheMemoryGivesNothing) {
+  const auto pipe = folders.data("user") + "/pipe.png";
+  const auto big = writePNG("big.png", 64, 64, Qt::red);
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_FALSE(draw(pipe, 56));
+  fs::create_symlink("/dev/zero", folders.data("user") + "/endless.svg");
+  EXPECT_FALSE(draw(folders.data("user") + "/endless.svg", 56));
+  fs::resize_file(big, 100'000'000);
+  EXPECT_FALSE(draw(big, 56));
+
+  // A header that promises 30,000 by 30,000 pixels.
+  const auto bytes = QByteArray::fromHex(
+      "89504e470d0a1a0a0000000d49484452000075300000753008060000006627f8ba0000000b49444154789c636080000000080001b7587395"
+      "0000000049454e44ae426082");
+  EXPECT_FALSE(draw(folders.write("user", "vast.png", bytes.toStdString()), 56));
+  EXPECT_FALSE(draw(folders.write("user", "vast.xpm",
+                                  "/* XPM */\nstatic char *x[] = {\n\"30000 30000 1 1\",\n\"a c #000000\",\n\"a\"};\n"),
+                    56));
+}
+
+TEST_F(IconImageTest, SVGsThatExplodeGiveNothing) {
+  std::string bomb = R"(<defs><g id="a0"><rect width="1" height="1"/></g>)";
+  for (int i = 1; i < 30; ++i) {
+    bomb += "<g id=\"a" + std::to_string(i) + "\">";
+    for (int j = 0; j < 10; ++j) bomb += "<use xlink:href=\"#a" + std::to_string(i - 1) + "\"/>";
+    bomb += "</g>";
+  }
+  EXPECT_FALSE(draw(writeSVG(bomb + "</defs><use xlink:href=\"#a29\"/>"), 56));
+  EXPECT_FALSE(draw(writeSVG(R"(<g id="self"><use xlink:href="#self"/><use xlink:href="#self"/></g>)"), 56));
+
+  std::string deep;
+  for (int i = 0; i < 100'000; ++i) deep += "<g>";
+  EXPECT_FALSE(draw(folders.write("user", "deep.svg", svgHead + deep), 56));
+  std::string many;
+  for (int i = 0; i < 30'000; ++i) many += "<path d=\"M0 0\"/>";
+  EXPECT_FALSE(draw(writeSVG(many), 56));
+  EXPECT_FALSE(draw(writeSVG("<style>" + std::string(100'000, 'x') + "</style>"), 56));
+
+  std::string entities = "<!DOCTYPE svg [<!ENTITY a \"0123456789\">";
+  for (char name = 'b'; name < 'k'; ++name) {
+    entities += "<!ENTITY " + std::string(1, name) + " \"";
+    for (int i = 0; i < 10; ++i) entities += "&" + std::string(1, static_cast<char>(name - 1)) + ";";
+    entities += "\">";
+  }
+  EXPECT_FALSE(draw(folders.write("user", "entities.svg", entities + "]>" + svgHead + "<desc>&j;</desc></svg>"), 56));
+}
+
+TEST_F(IconImageTest, AnSVGDoesNotOpenOtherFiles) {
+  const auto pipe = folders.data("user") + "/pipe";
+  const auto path = writeSVG(redSquare + "<image xlink:href=\"" + pipe + "\" width=\"16\" height=\"16\"/>");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(picture(path, 56).pixelColor(28, 28), QColor(Qt::red));
+}
+
+struct IconThemesTest : testing::Test {
+  void writeTheme(const std::string& folder, const std::string& theme, const std::string& parents,
+                  const std::string& directories, const std::string& groups) const {
+    folders.write(
+        folder, "icons/" + theme + "/index.theme",
+        "[Icon Theme]\nName=" + theme + "\nInherits=" + parents + "\nDirectories=" + directories + "\n" + groups);
+  }
+
+  /// A theme with one folder for icons of 48 pixels.
+  void writeSmallTheme(const std::string& folder, const std::string& theme, const std::string& parents = "") const {
+    writeTheme(folder, theme, parents, "48x48/apps", "[48x48/apps]\nSize=48\nType=Fixed\n");
+  }
+
+  std::string writeIcon(const std::string& folder, const std::string& name) const {
+    return folders.write(folder, "icons/" + name, "picture");
+  }
+
+  EntryFolders folders;
+  IconThemes themes{DataFolders{.home = folders.data("home"), .shared = folders.dataFolders()}};
+};
+
+TEST_F(IconThemesTest, TheThemeThenItsParentsThenTheCommonOneThenAnyOther) {
+  writeSmallTheme("system", "Chosen", "Parent,hicolor");
+  writeSmallTheme("system", "Parent", "Grandparent,Chosen");
+  writeSmallTheme("system", "Grandparent");
+  writeSmallTheme("system", "hicolor");
+  writeSmallTheme("system", "Another");
+  const auto pixmap = folders.write("system", "pixmaps/app.xpm", "picture");
+  EXPECT_EQ(themes.find("app", 56, "Chosen"), pixmap);
+  for (const char* theme : {"Another", "hicolor", "Grandparent", "Parent", "Chosen"}) {
+    const auto icon = writeIcon("system", std::string(theme) + "/48x48/apps/app.png");
+    EXPECT_EQ(themes.find("app", 56, "Chosen"), icon);
+  }
+  EXPECT_EQ(themes.find("other", 56, "Chosen"), std::nullopt);
+}
+
+TEST_F(IconThemesTest, AThemeThatIsNotInstalledIsPassedOver) {
+  writeSmallTheme("system", "hicolor");
+  const auto icon = writeIcon("system", "hicolor/48x48/apps/app.png");
+  EXPECT_EQ(themes.find("app", 56, "Missing"), icon);
+  EXPECT_EQ(themes.find("app", 56, ""), icon);
+  EXPECT_EQ(themes.find("app", 56, "../../etc"), icon);
+}
+
+TEST_F(IconThemesTest, TheNearestSizeIsTaken) {
+  writeTheme("system", "hicolor", "", "16/apps,48/apps,64/apps,128/apps,56@2/apps,scalable/apps",
+             "[16/apps]\nSize=16\nType=Fixed\n[48/apps]\nSize=48\nType=Threshold\n[64/apps]\nSize=64\nType=Fixed\n"
+             "[128/apps]\nSize=128\nType=Fixed\n[56@2/apps]\nSize=56\nScale=2\nType=Fixed\n"
+             "[scalable/apps]\nSize=128\nMinSize=8\nMaxSize=512\nType=Scalable\n");
+  // From the worst to the best.
+  for (const char* name : {"128/apps/app.png", "16/apps/app.png", "56@2/apps/app.png", "64/apps/app.png",
+                           "48/apps/app.png", "scalable/apps/app.svg"}) {
+    const auto icon = writeIcon("system", std::string("hicolor/") + name);
+    const bool isWorse = std::string(name).starts_with("56@2");
+    EXPECT_EQ(themes.find("app", 56, "") == icon, !isWorse) << name;
+  }
+  EXPECT_EQ(themes.find("app", 4, ""), folders.data("system") + "/icons/hicolor/scalable/apps/app.svg");
+}
+
+TEST_F(IconThemesTest, AThemeIsReadAnewWhenItsMainFolderChanges) {
+  const auto settle = [this, now = fs::file_time_type::clock::now()](int hoursAgo) {
+    const auto then = now - std::chrono::hours(hoursAgo);
+    for (const char* name : {"hicolor", "hicolor/index.theme"}) {
+      fs::last_write_time(folders.data("system") + "/icons/" + name, then);
+    }
+  };
+  writeSmallTheme("system", "hicolor");
+  fs::create_directory(folders.data("system") + "/icons/hicolor/48x48");
+  settle(2);
+  EXPECT_EQ(themes.find("app", 56, ""), std::nullopt);
+  const auto icon = writeIcon("system", "hicolor/48x48/apps/app.png");
+  settle(2);
+  EXPECT_EQ(themes.find("app", 56, ""), std::nullopt) << "what it has is remembered";
+  settle(1);
+  EXPECT_EQ(themes.find("app", 56, ""), icon);
+}
+
+TEST_F(IconThemesTest, AFolderOfTheUserAddsToAThemeOfTheSystem) {
+  writeSmallTheme("system", "hicolor");
+  const auto icon = writeIcon("user", "hicolor/48x48/apps/mine.png");
+  EXPECT_EQ(themes.find("mine", 56, ""), icon);
+  EXPECT_EQ(themes.find("mine.png", 56, ""), icon) << "named by its file";
+  const auto own = folders.write("home", ".icons/lonely.png", "picture");
+  EXPECT_EQ(themes.find("lonely", 56, ""), own);
+}
+
+TEST_F(IconThemesTest, HostileNamesAndIndexesGiveNothing) {
+  writeSmallTheme("system", "hicolor");
+  folders.write("system", "secret.png", "picture");
+  folders.write("system", "icons/Broken/index.theme", "not an index");
+  folders.write("system", "icons/Loop/index.theme", "[Icon Theme]\nInherits=Loop,Loop\nDirectories=../..,../pixmaps\n");
+  ASSERT_EQ(mkfifo((folders.data("system") + "/icons/index.theme").c_str(), 0600), 0);
+  for (const std::string& name : {std::string(), std::string("../secret"), std::string("a/b"), std::string("a\0b", 3),
+                                  std::string(100'000, 'x')}) {
+    EXPECT_EQ(themes.find(name, 56, "Loop"), std::nullopt);
+  }
+  EXPECT_EQ(themes.find("app", 56, "Broken"), std::nullopt);
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes bytesOf(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+TEST(XSettingsTest, TextsAreReadInEitherByteOrder) {
+  using namespace std::string_literals;
+  const auto little = "\0\0\0\0\7\0\0\0\3\0\0\0"s + "\0\0\3\0Abc\0\1\0\0\0\5\0\0\0"s +
+                      "\2\0\1\0C\0\0\0\1\0\0\0\1\2\3\4\5\6\7\x8"s + "\1\0\5\0Theme\0\0\0\1\0\0\0\4\0\0\0Oak!"s;
+  EXPECT_EQ(parseXSettings(bytesOf(little)), (std::map<std::string, std::string>{{"Theme", "Oak!"}}));
+  const auto big = "\1\0\0\0\0\0\0\7\0\0\0\1"s + "\1\0\0\5Theme\0\0\0\0\0\0\1\0\0\0\3Oak\0"s;
+  EXPECT_EQ(parseXSettings(bytesOf(big)), (std::map<std::string, std::string>{{"Theme", "Oak"}}));
+}
+
+TEST(XSettingsTest, DamagedSettingsAreReadAsFarAsTheyGo) {
+  using namespace std::string_literals;
+  const auto whole = "\0\0\0\0\7\0\0\0\xff\xff\xff\xff\1\0\1\0T\0\0\0\1\0\0\0\3\0\0\0Oak\0\1\0\xff\xffX"s;
+  for (std::size_t length = 0; length <= whole.size(); ++length) {
+    const auto texts = parseXSettings(bytesOf(whole.substr(0, length)));
+    EXPECT_EQ(texts.size(), length >= 32 ? 1u : 0u) << length;
+  }
+}
+
+}  // namespace
+}  // namespace orvel
