@@ -1,21 +1,13 @@
 #include "catalog/AppEntry.hpp"
-#include "desktop/Screenshot.hpp"
-#include "desktop/SessionBus.hpp"
-#include "desktop/WindowTitles.hpp"
-#include "program/HostProcess.hpp"
-#include "tools/PhoneClient.hpp"
-#include "tools/PhoneFrames.hpp"
+#include "program/LoginFixture.hpp"
 
-#include <boost/json/array.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
-#include <thread>
 
 namespace orvel {
 namespace {
@@ -23,7 +15,6 @@ namespace {
 using testing::Contains;
 using testing::HasSubstr;
 
-constexpr phone::Seconds phonePatience{30};
 constexpr std::uint16_t keyS = 1;
 constexpr std::uint16_t keyReturn = 36;
 const std::string editorID = "org.xfce.mousepad";
@@ -42,24 +33,7 @@ const std::string page =
     "\u0434\u0430"
     " \u0432\u044b\u043f\u0435\u0439 \u0447\u0430\u044e.\n";
 
-/// A desktop as people have it, and a phone that is all they have in their hands.
-struct EditorTest : testing::Test {
-  void SetUp() override {
-    ASSERT_TRUE(host.waitUntilListening()) << host.process().output();
-    auto connected = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
-    ASSERT_TRUE(connected) << connected.error().text;
-    phone.emplace(std::move(*connected));
-    ASSERT_TRUE(phone->pair(host.code(), "Test phone", phonePatience));
-  }
-
-  void TearDown() override {
-    if (HasFailure()) photograph("editor-failed.png");
-  }
-
-  bool photograph(const std::string& name) {
-    return writeScreenshot(desktop.display(), std::string(ORVEL_SCREENSHOTS) + "/" + name);
-  }
-
+struct EditorTest : LoginFixture {
   /// Types and waits until it is typed.
   void type(const std::string& text) {
     phone->sendFrame(*phone::textFrame(text));
@@ -86,18 +60,9 @@ struct EditorTest : testing::Test {
     return std::nullopt;
   }
 
-  static bool eventually(const std::function<bool()>& isTrue, Milliseconds limit = Milliseconds(20'000)) {
-    const Deadline deadline(limit);
-    while (!isTrue()) {
-      if (deadline.left() == Milliseconds(0)) return false;
-      std::this_thread::sleep_for(Milliseconds(20));
-    }
-    return true;
-  }
-
   bool waitForWindow(const std::string& title) {
     const auto isOpen = Contains(HasSubstr(title));
-    return eventually([&] { return testing::Value(windowTitles(desktop.display()), isOpen); });
+    return eventually([&] { return testing::Value(view.windowTitles(), isOpen); });
   }
 
   /// Presses a key until the window is gone: the dialogs of this toolkit take some time to see what has been typed.
@@ -105,7 +70,7 @@ struct EditorTest : testing::Test {
     const auto isGone = testing::Not(Contains(HasSubstr(title)));
     for (int attempt = 0; attempt < 20; ++attempt) {
       press(keyCode, 0);
-      if (eventually([&] { return testing::Value(windowTitles(desktop.display()), isGone); }, Milliseconds(1000))) {
+      if (eventually([&] { return testing::Value(view.windowTitles(), isGone); }, Milliseconds(1000))) {
         return true;
       }
     }
@@ -116,12 +81,6 @@ struct EditorTest : testing::Test {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
   }
-
-  VirtualDesktop desktop;
-  SessionBus bus{desktop};
-  ChildProcess windowManager{{.command = {"openbox", "--sm-disable"}, .environment = bus.environment()}};
-  HostProcess host{desktop, bus.environment()};
-  std::optional<phone::PhoneClient> phone;
 };
 
 TEST_F(EditorTest, APhoneOpensAnEditorTypesAPageInThreeScriptsSavesItAndQuits) {
@@ -142,7 +101,7 @@ TEST_F(EditorTest, APhoneOpensAnEditorTypesAPageInThreeScriptsSavesItAndQuits) {
   EXPECT_TRUE(eventually([&] { return std::filesystem::exists(saved) && !contentOf(saved).empty(); }));
   EXPECT_EQ(contentOf(saved), page);
   ASSERT_TRUE(waitForWindow("page.txt"));
-  EXPECT_TRUE(photograph("editor.png"));
+  EXPECT_TRUE(photograph("editor"));
 
   tellEditor(phone::AppAction::quit);
   EXPECT_TRUE(eventually([&] { return !editor()->running; }));
