@@ -5,11 +5,11 @@
 #include "bench/Samples.hpp"
 #include "catalog/AppCatalog.hpp"
 #include "desktop/VirtualDesktop.hpp"
-#include "platform/linux/DataFolders.hpp"
-#include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
+#include "platform/linux/files/DataFolders.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <gio/gio.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/AccessibleRole.hpp"
+#include "platform/linux/accessibility/AccessibleRole.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "desktop/LeafFixture.hpp"
-#include "platform/linux/KeyPositions.hpp"
+#include "platform/linux/keyboard/KeyPositions.hpp"
 
 #include <ostream>
 #include <vector>

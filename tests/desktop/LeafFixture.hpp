@@ -3,13 +3,13 @@
 #include "desktop/Patience.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/X11Witness.hpp"
-#include "platform/linux/DataFolders.hpp"
-#include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/SystemEventPoster.hpp"
 #include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
+#include "platform/linux/files/DataFolders.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <gtest/gtest.h>
 

@@ -52,7 +52,7 @@ TEST_P(ProgramTypingTest, TextArrivesWholeWhileLayoutsAreChosen) {
     const std::vector<std::string> layouts = {"de", "fr", "us"};
     for (std::size_t i = 0; !ended; ++i) {
       setLayout({layouts[i % layouts.size()]});
-      std::this_thread::sleep_for(Milliseconds(getenv("GAP") ? atoi(getenv("GAP")) : 300));
+      std::this_thread::sleep_for(Milliseconds(300));
     }
   });
   for (int i = 0; i < 12; ++i)
@@ -81,6 +81,40 @@ TEST_P(ProgramTypingTest, CapsLockAndLayoutsChangeNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Programs, ProgramTypingTest, testing::Values("xterm", "gtk3", "gtk4", "qt6"),
+                         [](const auto& test) { return std::string(test.param); });
+
+/// Programs that tell when they have read their keys.
+struct AnsweringProgramTypingTest : ProgramTypingTest {
+  void resumeProgramLater() {
+    resumption_ = std::async(std::launch::async, [this] {
+      std::this_thread::sleep_for(Milliseconds(400));
+      program->signal(SIGCONT);
+    });
+  }
+
+ private:
+  std::future<void> resumption_;
+};
+
+TEST_P(AnsweringProgramTypingTest, OneThatHangsForAMomentMissesNothing) {
+  program->signal(SIGSTOP);
+  resumeProgramLater();
+  expectTyped("abc " + samples().at("cjk"));
+}
+
+TEST_P(AnsweringProgramTypingTest, OneThatHangsDoesNotTakeAnOldTextByANewLayout) {
+  expectTyped("a");
+  program->signal(SIGSTOP);
+  setLayout({"de"});
+  auto person = std::async(std::launch::async, [this] {
+    std::this_thread::sleep_for(Milliseconds(200));
+    setLayout({"us"});
+  });
+  resumeProgramLater();
+  expectTyped("yz[]");
+}
+
+INSTANTIATE_TEST_SUITE_P(Toolkits, AnsweringProgramTypingTest, testing::Values("gtk3", "gtk4", "qt6"),
                          [](const auto& test) { return std::string(test.param); });
 
 struct TypingTest : TypingFixture {

@@ -3,7 +3,7 @@
 #include "base/UTF8.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/SystemEventPoster.hpp"
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <unistd.h>
 

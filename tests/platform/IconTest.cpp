@@ -1,7 +1,7 @@
 #include "platform/EntryFolders.hpp"
-#include "platform/linux/IconImage.hpp"
-#include "platform/linux/IconThemes.hpp"
-#include "platform/linux/XSettings.hpp"
+#include "platform/linux/icons/IconImage.hpp"
+#include "platform/linux/icons/IconThemes.hpp"
+#include "platform/linux/x11/XSettings.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/KeyPositions.hpp"
+#include "platform/linux/keyboard/KeyPositions.hpp"
 
 #include <gtest/gtest.h>
 

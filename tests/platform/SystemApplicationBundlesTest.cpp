@@ -1,9 +1,9 @@
 #include "catalog/AppCatalog.hpp"
 #include "fakes/FakeComputer.hpp"
 #include "platform/EntryFolders.hpp"
-#include "platform/linux/DataFolders.hpp"
-#include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
+#include "platform/linux/files/DataFolders.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
 #include "platform/linux/LinuxPlatform.hpp"
 
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <malloc.h>
 #include <sys/resource.h>

@@ -2,8 +2,6 @@
 
 #include "base/Guarded.hpp"
 #include "platform/Platform.hpp"
-#include "platform/linux/DataFolders.hpp"
-#include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/SystemAccessibilityTree.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
@@ -14,7 +12,9 @@
 #include "platform/linux/SystemSocketTuner.hpp"
 #include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
+#include "platform/linux/files/DataFolders.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <sys/resource.h>
 

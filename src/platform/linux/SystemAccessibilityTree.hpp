@@ -1,8 +1,8 @@
 #pragma once
 
 #include "input/AccessibilityTree.hpp"
-#include "platform/linux/AccessibilitySwitch.hpp"
-#include "platform/linux/MessageBus.hpp"
+#include "platform/linux/accessibility/AccessibilitySwitch.hpp"
+#include "platform/linux/accessibility/MessageBus.hpp"
 
 #include <optional>
 #include <string>

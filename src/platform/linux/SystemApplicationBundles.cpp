@@ -1,6 +1,6 @@
 #include "platform/linux/SystemApplicationBundles.hpp"
 
-#include "platform/linux/DesktopEntries.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
 
 namespace orvel {
 

@@ -1,6 +1,6 @@
 #include "platform/linux/SystemDisplays.hpp"
 
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <xcb/randr.h>
 
@@ -70,7 +70,9 @@ void SystemDisplays::observeChanges() {
 bool SystemDisplays::tellsOfChange(const xcb_generic_event_t& event) const {
   const std::uint8_t type = event.response_type & x11EventTypeMask;
   // Monitors that the user cuts out of the screen are told of as a new geometry of the root window.
-  if (type == XCB_CONFIGURE_NOTIFY) return true;
+  if (type == XCB_CONFIGURE_NOTIFY) {
+    return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == connection_.root();
+  }
   return firstEvent_ &&
          (type == *firstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == *firstEvent_ + XCB_RANDR_NOTIFY);
 }

@@ -1,9 +1,9 @@
 #include "platform/linux/SystemEventPoster.hpp"
 
-#include "platform/linux/KeyPositions.hpp"
-#include "platform/linux/MediaKeys.hpp"
 #include "platform/linux/SystemDisplays.hpp"
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/keyboard/KeyPositions.hpp"
+#include "platform/linux/keyboard/MediaKeys.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <linux/input-event-codes.h>
 #include <xcb/xtest.h>

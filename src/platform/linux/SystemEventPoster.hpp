@@ -2,8 +2,8 @@
 
 #include "base/Guarded.hpp"
 #include "input/EventPoster.hpp"
-#include "platform/linux/KeyQueue.hpp"
-#include "platform/linux/Typist.hpp"
+#include "platform/linux/keyboard/KeyQueue.hpp"
+#include "platform/linux/keyboard/Typist.hpp"
 
 #include <array>
 #include <bitset>

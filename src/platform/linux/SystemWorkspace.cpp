@@ -1,8 +1,8 @@
 #include "platform/linux/SystemWorkspace.hpp"
 
-#include "platform/linux/DesktopEntries.hpp"
-#include "platform/linux/IconImage.hpp"
-#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
+#include "platform/linux/icons/IconImage.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -2,15 +2,15 @@
 
 #include "base/Guarded.hpp"
 #include "catalog/Workspace.hpp"
-#include "platform/linux/IconThemeChoice.hpp"
-#include "platform/linux/IconThemes.hpp"
-#include "platform/linux/Launcher.hpp"
-#include "platform/linux/ProgramList.hpp"
-#include "platform/linux/ServerTime.hpp"
-#include "platform/linux/StartupNotice.hpp"
-#include "platform/linux/WindowCommands.hpp"
-#include "platform/linux/WindowList.hpp"
-#include "platform/linux/X11Atoms.hpp"
+#include "platform/linux/applications/Launcher.hpp"
+#include "platform/linux/applications/ProgramList.hpp"
+#include "platform/linux/applications/StartupNotice.hpp"
+#include "platform/linux/icons/IconThemeChoice.hpp"
+#include "platform/linux/icons/IconThemes.hpp"
+#include "platform/linux/x11/ServerTime.hpp"
+#include "platform/linux/x11/WindowCommands.hpp"
+#include "platform/linux/x11/WindowList.hpp"
+#include "platform/linux/x11/X11Atoms.hpp"
 
 #include <sys/resource.h>
 #include <xcb/xcb.h>

@@ -1,0 +1,169 @@
+#include "platform/linux/accessibility/ElementSearch.hpp"
+
+#include "platform/linux/accessibility/Covering.hpp"
+#include "platform/linux/accessibility/MenuWalk.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+constexpr int deepestNesting = 64;
+constexpr int farthestAncestor = 8;
+
+// How much the places of one window may differ between the two who tell of it, in points: some toolkits count the
+// frame that the window manager adds, some the shadow, and some neither.
+constexpr double windowTolerance = 200;
+constexpr double popUpTolerance = 64;
+
+double difference(const Size& a, const Size& b) {
+  return std::abs(a.width - b.width) + std::abs(a.height - b.height);
+}
+
+double difference(const Rect& a, const Rect& b) {
+  return std::abs(a.origin.x - b.origin.x) + std::abs(a.origin.y - b.origin.y) + difference(a.size, b.size);
+}
+
+}  // namespace
+
+ElementSearch::ElementSearch(const AccessibleObject& program, const WindowAtPoint& window, Point point)
+    : program_(program), window_(window), point_(point), speaksOfWindows_(program.toolkit() == "GTK") {}
+
+std::optional<AccessibleElement> ElementSearch::find() const {
+  const auto view = window_.isPopUp ? popUpView() : mainView();
+  if (view) return findIn(*view);
+  return window_.isPopUp ? findInMenus() : std::nullopt;
+}
+
+AccessibleElement ElementSearch::findIn(const View& view) const {
+  return describe(view, actionable(view, deepest(view)));
+}
+
+std::optional<ElementSearch::View> ElementSearch::viewOf(const AccessibleObject& root) const {
+  if (!speaksOfWindows_) return View{.root = root, .type = CoordinateType::screen, .origin = {}};
+  const auto extents = root.extents(CoordinateType::window);
+  if (!extents) return std::nullopt;
+  // What the window has more than its content is a border around it, or a shadow that nobody told of.
+  const Size border{window_.frame.size.width - extents->size.width, window_.frame.size.height - extents->size.height};
+  return View{.root = root,
+              .type = CoordinateType::window,
+              .origin = {window_.frame.origin.x + border.width / 2 - extents->origin.x,
+                         window_.frame.origin.y + border.height / 2 - extents->origin.y}};
+}
+
+/// By how much a part of the program differs from the window.
+double ElementSearch::strangeness(const AccessibleObject& shown) const {
+  const auto extents = shown.extents(speaksOfWindows_ ? CoordinateType::window : CoordinateType::screen);
+  if (!extents) return std::numeric_limits<double>::infinity();
+  return speaksOfWindows_ ? difference(extents->size, window_.frame.size) : difference(*extents, window_.frame);
+}
+
+/// Of the program's windows the one at the point: preferably one with its title, and the most similar of these.
+std::optional<ElementSearch::View> ElementSearch::mainView() const {
+  std::optional<AccessibleObject> best;
+  bool bestHasTitle = false;
+  double least = windowTolerance;
+  for (const AccessibleObject& shown : program_.children()) {
+    const double strange = strangeness(shown);
+    if (strange > windowTolerance) continue;
+    const bool hasTitle = !window_.title.empty() && shown.name() == window_.title;
+    if (hasTitle < bestHasTitle || (hasTitle == bestHasTitle && strange > least)) continue;
+    best = shown;
+    bestHasTitle = hasTitle;
+    least = strange;
+  }
+  return best ? viewOf(*best) : std::nullopt;
+}
+
+/// A menu, or whatever else opens, that the program shows as a part of its own.
+std::optional<ElementSearch::View> ElementSearch::popUpView() const {
+  if (!speaksOfWindows_) {
+    for (const AccessibleObject& shown : program_.children()) {
+      if (strangeness(shown) <= popUpTolerance) return viewOf(shown);
+    }
+    return std::nullopt;
+  }
+  MenuWalk walk(program_, false);
+  while (const auto step = walk.next()) {
+    if (step->role == AccessibleRole::menu && strangeness(step->object) <= popUpTolerance) return viewOf(step->object);
+  }
+  return std::nullopt;
+}
+
+/// Where menus are parts of the window that opened them, which knows nothing of the one that lies on top of it.
+std::optional<AccessibleElement> ElementSearch::findInMenus() const {
+  std::optional<AccessibleObject> found;
+  MenuWalk walk(program_, true);
+  while (const auto step = walk.next()) {
+    if (!isOfMenu(step->role)) continue;
+    const auto extents = step->object.extents(CoordinateType::screen);
+    if (!extents || !covers(*extents, point_) || !covers(window_.frame, extents->origin)) continue;
+    found = step->object;
+    walk.narrow(*step);
+  }
+  if (!found) return std::nullopt;
+  return describe({.root = *found, .type = CoordinateType::screen, .origin = {}}, *found);
+}
+
+AccessibleObject ElementSearch::deepest(const View& view) const {
+  AccessibleObject object = view.root;
+  for (int depth = 0; depth < deepestNesting; ++depth) {
+    const auto child = childAt(view, object);
+    if (!child || *child == object) break;
+    object = *child;
+  }
+  return object;
+}
+
+std::optional<AccessibleObject> ElementSearch::childAt(const View& view, const AccessibleObject& object) const {
+  const Point place{point_.x - view.origin.x, point_.y - view.origin.y};
+  auto known = object.objectAt(place, view.type);
+  if (known || !speaksOfWindows_) return known;
+  // This toolkit finds only elements that somebody has seen before, which the children have been once listed.
+  const std::vector<AccessibleObject> children = object.children();
+  known = object.objectAt(place, view.type);
+  if (known) return known;
+  const auto atPlace = [&](const AccessibleObject& child) {
+    const auto extents = child.extents(view.type);
+    return extents && covers(*extents, place);
+  };
+  const auto topmost = std::find_if(children.rbegin(), children.rend(), atPlace);
+  return topmost != children.rend() ? std::optional(*topmost) : std::nullopt;
+}
+
+/// Of what is hit only in its label, or the like, the thing itself.
+AccessibleObject ElementSearch::actionable(const View& view, const AccessibleObject& object) const {
+  AccessibleObject candidate = object;
+  for (int step = 0; step < farthestAncestor; ++step) {
+    const auto role = candidate.role();
+    if (!role) return object;
+    if (isActionable(*role)) {
+      const auto extents = candidate.extents(view.type);
+      const Point place{point_.x - view.origin.x, point_.y - view.origin.y};
+      // The page of a tab may be told to be a part of the tab, and is somewhere else.
+      return step == 0 || (extents && covers(*extents, place)) ? candidate : object;
+    }
+    if (!isDecoration(*role)) return object;
+    const auto parent = candidate.parent();
+    if (!parent) return object;
+    candidate = *parent;
+  }
+  return object;
+}
+
+AccessibleElement ElementSearch::describe(const View& view, const AccessibleObject& object) const {
+  const auto role = object.role();
+  if (!role) return {};
+  const auto parent = isOfMenu(*role) ? object.parent() : std::nullopt;
+  AccessibleElement element{.role = axRole(*role, parent ? parent->role() : std::nullopt), .position = {}, .size = {}};
+  if (const auto extents = object.extents(view.type)) {
+    element.position = Point{view.origin.x + extents->origin.x, view.origin.y + extents->origin.y};
+    element.size = extents->size;
+  }
+  return element;
+}
+
+}  // namespace orvel

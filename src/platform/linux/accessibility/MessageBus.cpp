@@ -1,0 +1,85 @@
+#include "platform/linux/accessibility/MessageBus.hpp"
+
+#include <condition_variable>
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <stop_token>
+#include <system_error>
+#include <thread>
+
+namespace orvel {
+namespace {
+
+/// Cancels what waits, when it takes too long or when somebody else does not want it any more. For what has no time
+/// limit of its own.
+///
+/// Threads: made and destroyed on one.
+class CancelledInTime {
+ public:
+  CancelledInTime(const TimeLimit& limit, GCancellable* cancellation)
+      : cancellable_(g_cancellable_new()), outer_(cancellation) {
+    const auto cancel = +[](GCancellable*, gpointer inner) { g_cancellable_cancel(G_CANCELLABLE(inner)); };
+    if (outer_ != nullptr) link_ = g_cancellable_connect(outer_, G_CALLBACK(cancel), cancellable_.get(), nullptr);
+    thread_ = std::jthread([this, limit](const std::stop_token& ended) {
+      std::mutex mutex;
+      std::unique_lock lock(mutex);
+      std::condition_variable_any changed;
+      const auto hasEnded = [&] { return ended.stop_requested(); };
+      if (!changed.wait_for(lock, ended, limit.left(), hasEnded)) g_cancellable_cancel(cancellable_.get());
+    });
+  }
+  ~CancelledInTime() {
+    if (outer_ != nullptr) g_cancellable_disconnect(outer_, link_);
+  }
+  CancelledInTime(const CancelledInTime&) = delete;
+  CancelledInTime& operator=(const CancelledInTime&) = delete;
+
+  GCancellable* get() const { return cancellable_.get(); }
+
+ private:
+  const GLibPointer<GCancellable> cancellable_;
+  GCancellable* const outer_;
+  gulong link_ = 0;
+  std::jthread thread_;
+};
+
+}  // namespace
+
+std::string sessionBusAddress() {
+  if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS")) return address;
+  const char* folder = std::getenv("XDG_RUNTIME_DIR");
+  if (folder == nullptr) return {};
+  const std::filesystem::path socket = std::filesystem::path(folder) / "bus";
+  std::error_code ignored;
+  if (!std::filesystem::is_socket(socket, ignored)) return {};
+  const GLibPointer<char> escaped(g_dbus_address_escape_value(socket.c_str()));
+  return "unix:path=" + std::string(escaped.get());
+}
+
+std::optional<MessageBus> MessageBus::open(const std::string& address, const TimeLimit& limit,
+                                           GCancellable* cancellation) try {
+  if (limit.hasPassed()) return std::nullopt;
+  const CancelledInTime cancelled(limit, cancellation);
+  constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  GLibPointer<GDBusConnection> connection(
+      g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, cancelled.get(), nullptr));
+  if (!connection) return std::nullopt;
+  return MessageBus(std::move(connection));
+} catch (const std::system_error&) {  // no thread to be had
+  return std::nullopt;
+}
+
+GLibPointer<GVariant> MessageBus::call(const BusCall& call, const TimeLimit& limit, GCancellable* cancellation) const {
+  const GLibPointer<GVariant> arguments(
+      g_variant_ref_sink(call.arguments != nullptr ? call.arguments : g_variant_new_tuple(nullptr, 0)));
+  // A name may come from another program, and the library does not forgive a bad one.
+  if (limit.hasPassed() || !g_dbus_is_name(call.destination)) return nullptr;
+  return GLibPointer<GVariant>(
+      g_dbus_connection_call_sync(connection_.get(), call.destination, call.path, call.interface, call.method,
+                                  arguments.get(), G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NONE,
+                                  static_cast<int>(limit.left().count()), cancellation, nullptr));
+}
+
+}  // namespace orvel

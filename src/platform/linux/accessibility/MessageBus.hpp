@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/linux/GLibPointer.hpp"
+#include "platform/linux/accessibility/TimeLimit.hpp"
+
+#include <gio/gio.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace orvel {
+
+/// The address of the bus of this login, without starting one. Empty when there is none.
+std::string sessionBusAddress();
+
+/// A call of a method of an object on a bus. `arguments` may be fresh from their making ("floating"), or null.
+struct BusCall {
+  const char* destination;
+  const char* path;
+  const char* interface;
+  const char* method;
+  GVariant* arguments = nullptr;
+  const char* replyType = "()";  ///< Any other reply is as good as none.
+};
+
+/// A connection of one's own to a message bus, that is not shared with anything else in this program.
+///
+/// Threads: one at a time.
+class MessageBus {
+ public:
+  /// Connects, within `limit` and until `cancellation`. Nothing when no bus answers there.
+  static std::optional<MessageBus> open(const std::string& address, const TimeLimit& limit,
+                                        GCancellable* cancellation = nullptr);
+
+  /// False once the bus has gone.
+  bool isAlive() const { return !g_dbus_connection_is_closed(connection_.get()); }
+
+  /// Calls, and waits for the reply, within `limit` and until `cancellation`. Null without one.
+  GLibPointer<GVariant> call(const BusCall& call, const TimeLimit& limit, GCancellable* cancellation = nullptr) const;
+
+ private:
+  explicit MessageBus(GLibPointer<GDBusConnection> connection) : connection_(std::move(connection)) {}
+
+  GLibPointer<GDBusConnection> connection_;
+};
+
+}  // namespace orvel

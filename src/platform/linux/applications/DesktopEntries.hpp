@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+#include "platform/linux/applications/DesktopEntry.hpp"
+#include "platform/linux/files/FileStamp.hpp"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace orvel {
+
+/// The desktop entries in the `applications` folders of the data folders. What a file says is remembered for as long as
+/// the file stays as it is.
+///
+/// Threads: any.
+class DesktopEntries {
+ public:
+  struct Found {
+    std::string path;
+    std::string identifier;
+    std::shared_ptr<const DesktopEntry> entry;  ///< Never null.
+  };
+
+  explicit DesktopEntries(const std::vector<std::string>& dataFolders);
+
+  /// The one that wins first.
+  const std::vector<std::string>& folders() const { return folders_; }
+
+  /// The names of the entries of a folder and of the folders below it, relative to it. Nothing when the folder cannot
+  /// be read; names that are no text are left out.
+  std::optional<std::vector<std::string>> list(const std::string& folder);
+
+  /// What the file at `path` says; null when it is no entry, or is damaged.
+  std::shared_ptr<const DesktopEntry> read(const std::string& path);
+
+  /// All usable ones, those that win before the others, each identifier once.
+  std::vector<Found> all();
+
+  /// The usable one with that identifier, or nothing.
+  std::optional<Found> find(std::string_view identifier);
+
+ private:
+  struct Remembered {
+    FileStamp stamp;
+    std::shared_ptr<const DesktopEntry> entry;
+  };
+
+  using Memory = std::unordered_map<std::string, Remembered>;  // by path
+
+  std::optional<std::string> locate(const std::string& folder, std::string_view name, int depth) const;
+  void forgetAllBut(const std::string& folder, const std::vector<std::string>& names);
+
+  std::vector<std::string> folders_;
+  Guarded<Memory> memory_;
+};
+
+}  // namespace orvel

@@ -1,0 +1,143 @@
+#include "platform/linux/applications/Launcher.hpp"
+
+#include "platform/linux/GLibPointer.hpp"
+#include "platform/linux/applications/DesktopEntry.hpp"
+#include "platform/linux/applications/LaunchContext.hpp"
+
+#include <gio/gdesktopappinfo.h>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+
+namespace orvel {
+namespace {
+
+constexpr std::chrono::seconds longestStart{15};
+constexpr auto spawnFlags =
+    static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+
+/// What happens in the child before it becomes the program: system calls only, for other threads may have held locks.
+void startAfresh(void* openFiles) {
+  setsid();
+  setrlimit(RLIMIT_NOFILE, static_cast<const rlimit*>(openFiles));
+  for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void notePid(GDesktopAppInfo*, GPid process, void* result) {
+  *static_cast<pid_t*>(result) = process;
+}
+
+/// The connection to the session bus that GIO shares, or null. It must not end this program when the bus ends.
+GLibPointer<GDBusConnection> openBus() {
+  GLibPointer<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+  if (bus) g_dbus_connection_set_exit_on_close(bus.get(), false);
+  return bus;
+}
+
+/// The name on the bus of a program that the bus starts; empty for others.
+std::string busNameOf(GDesktopAppInfo* info, const std::string& path) {
+  if (!g_desktop_app_info_get_boolean(info, G_KEY_FILE_DESKTOP_KEY_DBUS_ACTIVATABLE)) return {};
+  const std::string file = path.substr(path.rfind('/') + 1);
+  const std::string name = file.substr(0, file.size() - std::min(file.size(), DesktopEntry::suffix.size()));
+  return g_dbus_is_interface_name(name.c_str()) ? name : std::string();
+}
+
+/// Asks the bus to start a program, without waiting for that. GIO's own way would leave the reply to a main loop.
+void startByBus(GDBusConnection* bus, const std::string& name, const std::string& announced) {
+  std::string object = "/" + name;
+  std::replace(object.begin(), object.end(), '.', '/');
+  std::replace(object.begin(), object.end(), '-', '_');
+  GVariantBuilder circumstances;
+  g_variant_builder_init(&circumstances, G_VARIANT_TYPE("(a{sv})"));
+  g_variant_builder_open(&circumstances, G_VARIANT_TYPE("a{sv}"));
+  if (!announced.empty()) {
+    g_variant_builder_add(&circumstances, "{sv}", "desktop-startup-id", g_variant_new_string(announced.c_str()));
+  }
+  g_variant_builder_close(&circumstances);
+  g_dbus_connection_call(bus, name.c_str(), object.c_str(), "org.freedesktop.Application", "Activate",
+                         g_variant_builder_end(&circumstances), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr,
+                         nullptr);
+  g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+}
+
+}  // namespace
+
+void Launcher::launch(const std::string& path) {
+  if (!reserve(path)) return;
+  const auto process = spawn(path);
+  std::shared_ptr<const OwnedDescriptor> descriptor;
+  if (process) descriptor = std::make_shared<OwnedDescriptor>(static_cast<int>(syscall(SYS_pidfd_open, *process, 0)));
+  starts_.withLock([&](Starts& starts) {
+    const auto start = starts.find(path);
+    if (start == starts.end()) return;
+    if (descriptor) {
+      start->second.process = descriptor;
+    } else {
+      starts.erase(start);
+    }
+  });
+}
+
+bool Launcher::reserve(const std::string& path) {
+  return starts_.withLock([&](Starts& starts) {
+    std::erase_if(starts, [](const auto& start) { return isOver(start.second); });
+    return starts.try_emplace(path, Start{std::chrono::steady_clock::now(), nullptr}).second;
+  });
+}
+
+bool Launcher::isOver(const Start& start) {
+  if (std::chrono::steady_clock::now() - start.begun > longestStart) return true;
+  pollfd process{start.process ? start.process->number() : -1, POLLIN, 0};
+  return poll(&process, 1, 0) > 0;
+}
+
+void Launcher::hasStarted(const std::string& path) {
+  starts_.withLock([&](Starts& starts) {
+    const auto start = starts.find(path);
+    if (start != starts.end() && start->second.process) starts.erase(start);
+  });
+}
+
+std::optional<pid_t> Launcher::spawn(const std::string& path) {
+  const GLibPointer<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(path.c_str()));
+  if (!info || g_desktop_app_info_get_is_hidden(info.get())) return std::nullopt;
+  std::string announced;
+  const AnnounceLaunch announceIt = [&] {
+    announced = announce(g_app_info_get_name(G_APP_INFO(info.get())), path);
+    return announced;
+  };
+  const auto bus = openBus();
+  const std::string busName = busNameOf(info.get(), path);
+  if (bus && !busName.empty()) {
+    // It has no process that we know of, and the bus itself starts it only once.
+    const bool isAnnounced = g_desktop_app_info_get_boolean(info.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_NOTIFY);
+    startByBus(bus.get(), busName, isAnnounced ? announceIt() : std::string());
+    return std::nullopt;
+  }
+  const auto context = makeLaunchContext(announceIt);
+  pid_t process = 0;
+  rlimit openFiles = openFiles_;
+  const bool isLaunched = g_desktop_app_info_launch_uris_as_manager(
+      info.get(), nullptr, context.get(), spawnFlags, startAfresh, &openFiles, notePid, &process, nullptr);
+  if (!isLaunched && !announced.empty()) notice_.end(announced);
+  return isLaunched && process > 0 ? std::optional(process) : std::nullopt;
+}
+
+std::string Launcher::announce(const std::string& name, const std::string& path) {
+  const auto time = time_.now();
+  if (time == XCB_CURRENT_TIME) return {};
+  const auto count = announcements_.withLock([](std::uint64_t& announcements) { return ++announcements; });
+  // The form in which programs and window managers look for the time.
+  std::string identifier =
+      "orvel-" + std::to_string(getpid()) + "-" + std::to_string(count) + "_TIME" + std::to_string(time);
+  notice_.begin(identifier, name, path);
+  return identifier;
+}
+
+}  // namespace orvel

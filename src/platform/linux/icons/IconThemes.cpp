@@ -1,0 +1,191 @@
+#include "platform/linux/icons/IconThemes.hpp"
+
+#include "platform/linux/files/SmallFile.hpp"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <set>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr std::size_t largestIndex = std::size_t{2} << 20;
+constexpr std::size_t longestName = 255;
+constexpr std::size_t longestChain = 32;
+constexpr std::size_t mostThemes = 256;
+constexpr std::string_view commonTheme = "hicolor";
+constexpr std::array<std::string_view, 3> suffixes = {".png", ".svg", ".xpm"};
+
+std::string below(const std::string& folder, std::string_view name) {
+  std::string path = folder;
+  path += '/';
+  return path += name;
+}
+
+std::string indexOf(const std::string& themeFolder) {
+  return below(themeFolder, "index.theme");
+}
+
+bool isFile(const std::string& path) {
+  const auto stamp = FileStamp::of(path);
+  return stamp && stamp->isPlainFile;
+}
+
+bool isFolder(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::optional<std::string> iconIn(const std::string& folder, const std::string& icon) {
+  for (const std::string_view suffix : suffixes) {
+    std::string path = below(folder, icon);
+    path += suffix;
+    if (isFile(path)) return path;
+  }
+  return std::nullopt;
+}
+
+bool isFileName(const std::string& name) {
+  return !name.empty() && name.size() <= longestName && name.find('/') == std::string::npos &&
+         name.find('\0') == std::string::npos;
+}
+
+/// Some entries name the file of an icon rather than the icon.
+std::string withoutSuffix(const std::string& icon) {
+  for (const std::string_view suffix : suffixes) {
+    if (icon.ends_with(suffix)) return icon.substr(0, icon.size() - suffix.size());
+  }
+  return icon;
+}
+
+bool areSettled(const std::vector<std::optional<FileStamp>>& stamps) {
+  return std::all_of(stamps.begin(), stamps.end(), [](const auto& stamp) { return !stamp || stamp->isSettled(); });
+}
+
+}  // namespace
+
+IconThemes::IconThemes(const DataFolders& folders) {
+  if (!folders.home.empty()) bases_.push_back(folders.home + "/.icons");
+  for (const std::string& folder : folders.shared) bases_.push_back(folder + "/icons");
+  themeless_ = bases_;
+  for (const std::string& folder : folders.shared) themeless_.push_back(folder + "/pixmaps");
+}
+
+std::optional<std::string> IconThemes::find(const std::string& icon, int pixels, const std::string& theme) {
+  const std::string name = withoutSuffix(icon);
+  if (!isFileName(name)) return std::nullopt;
+  const auto chain = chainOf(theme);
+  for (const std::string& link : chain) {
+    if (auto path = findIn(link, name, pixels)) return path;
+  }
+  for (const std::string& other : allThemes()) {
+    if (std::find(chain.begin(), chain.end(), other) != chain.end()) continue;
+    if (auto path = findIn(other, name, pixels)) return path;
+  }
+  for (const std::string& folder : themeless_) {
+    if (auto path = iconIn(folder, name)) return path;
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string> IconThemes::chainOf(const std::string& theme) {
+  std::vector<std::string> chain;
+  std::vector<std::string> waiting{theme};
+  while (!waiting.empty() && chain.size() < longestChain) {
+    const std::string next = std::move(waiting.back());
+    waiting.pop_back();
+    // The theme that all inherit comes last, and once.
+    if (!isFileName(next) || next == commonTheme) continue;
+    if (std::find(chain.begin(), chain.end(), next) != chain.end()) continue;
+    chain.push_back(next);
+    const auto known = installed(next);
+    waiting.insert(waiting.end(), known->parents.rbegin(), known->parents.rend());
+  }
+  chain.emplace_back(commonTheme);
+  return chain;
+}
+
+std::vector<std::string> IconThemes::allThemes() const {
+  std::set<std::string> names;
+  for (const std::string& base : bases_) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator item(base, error), end; !error && item != end; item.increment(error)) {
+      if (names.size() < mostThemes && isFile(indexOf(item->path().string()))) {
+        names.insert(item->path().filename().string());
+      }
+    }
+  }
+  return {names.begin(), names.end()};
+}
+
+std::shared_ptr<const IconThemes::Installed> IconThemes::installed(const std::string& theme) {
+  auto known = memory_.withLock([&](const Memory& memory) -> std::shared_ptr<const Installed> {
+    const auto found = memory.find(theme);
+    return found == memory.end() ? nullptr : found->second;
+  });
+  if (known && known->stamps == stampsOf(theme)) return known;
+  auto fresh = std::make_shared<const Installed>(readTheme(theme));
+  if (!areSettled(fresh->stamps)) return fresh;
+  memory_.withLock([&](Memory& memory) {
+    if (memory.size() >= mostThemes) memory.clear();
+    memory.insert_or_assign(theme, fresh);
+  });
+  return fresh;
+}
+
+IconThemes::Installed IconThemes::readTheme(const std::string& theme) const {
+  // Before the rest: what changes meanwhile is then noticed the next time.
+  Installed read{.parents = {}, .places = {}, .stamps = stampsOf(theme)};
+  std::optional<IconTheme> index;
+  for (const std::string& base : bases_) {
+    if (const auto text = readSmallFile(indexOf(below(base, theme)), largestIndex)) {
+      index = IconTheme::parse(*text);
+      break;
+    }
+  }
+  if (!index) return read;
+  read.parents = std::move(index->parents);
+  for (const IconTheme::Folder& folder : index->folders) {
+    for (const std::string& base : bases_) {
+      std::string path = below(below(base, theme), folder.name);
+      if (isFolder(path)) read.places.push_back({std::move(path), folder});
+    }
+  }
+  return read;
+}
+
+std::vector<std::optional<FileStamp>> IconThemes::stampsOf(const std::string& theme) const {
+  std::vector<std::optional<FileStamp>> stamps;
+  stamps.reserve(2 * bases_.size());
+  for (const std::string& base : bases_) {
+    const std::string folder = below(base, theme);
+    stamps.push_back(FileStamp::of(folder));
+    stamps.push_back(FileStamp::of(indexOf(folder)));
+  }
+  return stamps;
+}
+
+std::optional<std::string> IconThemes::findIn(const std::string& theme, const std::string& icon, int pixels) {
+  const auto known = installed(theme);
+  std::vector<const Place*> places;
+  places.reserve(known->places.size());
+  for (const Place& place : known->places) places.push_back(&place);
+  // Of two that are as far away, the larger: drawing it smaller loses nothing.
+  const auto rank = [&](const Place* place) {
+    return std::pair(place->folder.distanceTo(pixels), -place->folder.size * place->folder.scale);
+  };
+  std::stable_sort(places.begin(), places.end(), [&](const Place* a, const Place* b) { return rank(a) < rank(b); });
+  for (const Place* place : places) {
+    if (auto path = iconIn(place->path, icon)) return path;
+  }
+  return std::nullopt;
+}
+
+}  // namespace orvel

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+#include "platform/linux/files/DataFolders.hpp"
+#include "platform/linux/files/FileStamp.hpp"
+#include "platform/linux/icons/IconTheme.hpp"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvel {
+
+/// The icons of the installed themes. What a theme has is remembered until one of its main folders changes.
+///
+/// Threads: any.
+class IconThemes {
+ public:
+  explicit IconThemes(const DataFolders& folders);
+
+  /// The file that holds an icon for a square of that many pixels: from the theme, those that it inherits, the theme
+  /// that all programs bring their icons to, any other theme, or from no theme. Nothing when none has it.
+  std::optional<std::string> find(const std::string& icon, int pixels, const std::string& theme);
+
+ private:
+  /// A folder of a theme that is really there.
+  struct Place {
+    std::string path;
+    IconTheme::Folder folder;
+  };
+
+  struct Installed {
+    std::vector<std::string> parents;
+    std::vector<Place> places;
+    std::vector<std::optional<FileStamp>> stamps;
+  };
+
+  using Memory = std::map<std::string, std::shared_ptr<const Installed>>;  // by name
+
+  std::vector<std::string> chainOf(const std::string& theme);
+  std::vector<std::string> allThemes() const;
+  std::shared_ptr<const Installed> installed(const std::string& theme);
+  Installed readTheme(const std::string& theme) const;
+  std::vector<std::optional<FileStamp>> stampsOf(const std::string& theme) const;
+  std::optional<std::string> findIn(const std::string& theme, const std::string& icon, int pixels);
+
+  std::vector<std::string> bases_;      // hold themes
+  std::vector<std::string> themeless_;  // hold icons of no theme
+  Guarded<Memory> memory_;
+};
+
+}  // namespace orvel

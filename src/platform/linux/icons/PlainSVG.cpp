@@ -1,0 +1,115 @@
+#include "platform/linux/icons/PlainSVG.hpp"
+
+#include <QString>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+constexpr qsizetype largestDrawing = qsizetype{2} << 20;
+constexpr std::int64_t mostElements = 20'000;
+constexpr qsizetype mostText = qsizetype{64} << 10;  // style sheets, for a drawing
+constexpr int deepestElement = 128;
+
+QString referenceIn(const QXmlStreamAttributes& attributes) {
+  for (const QXmlStreamAttribute& attribute : attributes) {
+    if (attribute.name() == QLatin1String("href")) return attribute.value().toString();
+  }
+  return {};
+}
+
+/// Counts what has to be drawn. A part may be used many times, and use others that are used many times: a few lines can
+/// ask for billions of shapes.
+class DrawingCost {
+ public:
+  void begin(const QString& identifier, const QString& used) {
+    Part& part = parts_.emplace_back();
+    part.elements = 1;
+    if (used.startsWith(QLatin1Char('#'))) part.used.push_back(used.mid(1));
+    if (!identifier.isEmpty()) named_.try_emplace(identifier, parts_.size() - 1);
+    open_.push_back(parts_.size() - 1);
+    if (open_.size() > 1) parts_[open_[open_.size() - 2]].children.push_back(parts_.size() - 1);
+  }
+
+  void end() { open_.pop_back(); }
+
+  bool isModest() { return parts_.empty() || costOf(0, 0) <= mostElements; }
+
+ private:
+  struct Part {
+    std::int64_t elements = 0;
+    std::vector<std::size_t> children;
+    std::vector<QString> used;
+    std::int64_t cost = 0;  // 0 until it is known
+  };
+
+  std::int64_t costOf(std::size_t index, int depth) {
+    // Deeper than any element can stand: parts that use themselves.
+    if (depth > 2 * deepestElement) return mostElements + 1;
+    if (parts_[index].cost > 0) return parts_[index].cost;
+    std::int64_t cost = parts_[index].elements;
+    for (const std::size_t child : parts_[index].children) cost = bounded(cost + costOf(child, depth + 1));
+    for (const QString& name : parts_[index].used) {
+      const auto used = named_.find(name);
+      if (used != named_.end()) cost = bounded(cost + costOf(used->second, depth + 1));
+    }
+    parts_[index].cost = cost;
+    return cost;
+  }
+
+  static std::int64_t bounded(std::int64_t cost) { return std::min(cost, mostElements + 1); }
+
+  std::vector<Part> parts_;
+  std::map<QString, std::size_t> named_;
+  std::vector<std::size_t> open_;
+};
+
+bool isLeftOut(const QXmlStreamReader& reader) {
+  const auto name = reader.name();
+  if (name == QLatin1String("image")) {
+    return !referenceIn(reader.attributes()).startsWith(QLatin1String("data:"));
+  }
+  return name.startsWith(QLatin1String("text")) || name == QLatin1String("font") ||
+         name == QLatin1String("foreignObject") || name == QLatin1String("script");
+}
+
+}  // namespace
+
+std::optional<QByteArray> plainSVG(const QByteArray& svg) {
+  if (svg.size() > largestDrawing || svg.startsWith("\x1f\x8b")) return std::nullopt;
+  QByteArray plain;
+  QXmlStreamReader reader(svg);
+  QXmlStreamWriter writer(&plain);
+  DrawingCost cost;
+  int depth = 0;
+  int elements = 0;
+  qsizetype text = 0;
+  while (!reader.atEnd()) {
+    reader.readNext();
+    if (reader.isStartElement() && isLeftOut(reader)) {
+      reader.skipCurrentElement();
+    } else if (reader.isStartElement()) {
+      if (++depth > deepestElement || ++elements > mostElements) return std::nullopt;
+      const bool isUse = reader.name() == QLatin1String("use");
+      cost.begin(reader.attributes().value(QLatin1String("id")).toString(),
+                 isUse ? referenceIn(reader.attributes()) : QString());
+      writer.writeCurrentToken(reader);
+    } else if (reader.isEndElement()) {
+      --depth;
+      cost.end();
+      writer.writeCurrentToken(reader);
+    } else if (reader.isCharacters() && !reader.isWhitespace()) {
+      if ((text += reader.text().size()) > mostText) return std::nullopt;
+      writer.writeCharacters(reader.text().toString());
+    }
+  }
+  if (reader.hasError() || !cost.isModest()) return std::nullopt;
+  return plain;
+}
+
+}  // namespace orvel

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/linux/x11/X11Atoms.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvel {
+
+/// What a window that the window manager looks after says of itself.
+struct ManagedWindow {
+  xcb_window_t id = XCB_WINDOW_NONE;
+  xcb_window_t owner = XCB_WINDOW_NONE;  ///< The window that this one serves, as a dialog does; else none.
+  pid_t process = 0;                     ///< 0 when nobody knows it.
+  std::string instanceName;              ///< The first of the two words of its class.
+  std::string className;
+  std::string gtkApplicationID;
+  bool isForPeople = false;  ///< A window to work in: no panel, menu or the like.
+  bool isInTaskbar = false;
+};
+
+/// The windows that the window manager looks after, asked for in a few round trips however many they are.
+///
+/// Threads: any; each operation waits for the server.
+class WindowList {
+ public:
+  WindowList(const X11Connection& connection, const X11Atoms& atoms);
+
+  /// In the window manager's own order. Empty without a window manager.
+  std::vector<ManagedWindow> read() const;
+
+  /// The same windows by their numbers, the lowest of the stack first.
+  std::vector<xcb_window_t> stacking() const;
+
+  /// The workspace that a window is on, or nothing when it is on all of them.
+  std::optional<std::uint32_t> desktopOf(xcb_window_t window) const;
+
+  /// The workspace that is shown.
+  std::optional<std::uint32_t> currentDesktop() const;
+
+ private:
+  struct Asked;
+
+  Asked askAbout(xcb_window_t window) const;
+  ManagedWindow collect(const Asked& asked) const;
+  bool isForPeople(const std::vector<xcb_atom_t>& types) const;
+  pid_t processOf(const Asked& asked) const;
+  std::optional<std::uint32_t> number(xcb_window_t window, xcb_atom_t name) const;
+
+  const X11Connection& connection_;
+  const X11Atoms& atoms_;
+  const bool canNameClients_;  // knows their processes
+};
+
+}  // namespace orvel

@@ -1,0 +1,113 @@
+#include "platform/linux/x11/X11Connection.hpp"
+
+#include <sys/socket.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <system_error>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr std::uint8_t errorResponse = 0;
+constexpr std::chrono::seconds farewellPatience{1};
+
+/// The connection writes without a guard of its own: a server that goes at the wrong moment would end this program.
+void surviveBrokenPipes() {
+  struct sigaction current = {};
+  if (sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL) signal(SIGPIPE, SIG_IGN);
+}
+
+const xcb_screen_t* screenNumbered(xcb_connection_t* connection, int number) {
+  xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+  for (; screens.rem > 0 && number > 0; --number) xcb_screen_next(&screens);
+  return screens.rem > 0 ? screens.data : nullptr;
+}
+
+}  // namespace
+
+std::unique_ptr<X11Connection> X11Connection::open(const std::string& display) {
+  surviveBrokenPipes();
+  int number = 0;
+  xcb_connection_t* connection = xcb_connect(display.c_str(), &number);
+  const bool connected = xcb_connection_has_error(connection) == 0;
+  const xcb_screen_t* screen = connected ? screenNumbered(connection, number) : nullptr;
+  if (screen == nullptr) {
+    xcb_disconnect(connection);
+    return nullptr;
+  }
+  return std::unique_ptr<X11Connection>(new X11Connection(connection, screen->root));
+}
+
+X11Connection::X11Connection(xcb_connection_t* connection, xcb_window_t root)
+    : connection_(connection), root_(root), mailbox_(xcb_generate_id(connection)) {
+  // Selected here for all leaves: a program has one selection per window, and a second would replace the first.
+  const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &events);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, mailbox_, root_, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                    XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_flush(connection_);
+}
+
+X11Connection::~X11Connection() {
+  stopListening();
+  xcb_disconnect(connection_);
+}
+
+bool X11Connection::listen(Handlers handlers) {
+  try {
+    thread_ = std::thread([this, handlers = std::move(handlers)] {
+      handOn(handlers);
+      threadEnded_.release();
+    });
+  } catch (const std::system_error&) {
+    return false;
+  }
+  return true;
+}
+
+void X11Connection::handOn(const Handlers& handlers) const {
+  while (const X11Answer<xcb_generic_event_t> event{xcb_wait_for_event(connection_)}) {
+    if (stopping_ && isFarewell(*event)) return;
+    // Errors end here: a request that the server refuses has simply had no effect.
+    if (event->response_type != errorResponse) handlers.event(*event);
+  }
+  if (!stopping_) handlers.ended();
+}
+
+void X11Connection::stopListening() {
+  if (stopping_.exchange(true) || !thread_.joinable()) return;
+  // The server forgets what it has not taken yet when a connection ends; the farewell comes back behind all that.
+  sendFarewell();
+  if (!threadEnded_.try_acquire_for(farewellPatience)) breakOff();
+  thread_.join();
+}
+
+void X11Connection::breakOff() const {
+  shutdown(xcb_get_file_descriptor(connection_), SHUT_RDWR);
+}
+
+void X11Connection::sendFarewell() const {
+  const xcb_client_message_event_t farewell{.response_type = XCB_CLIENT_MESSAGE,
+                                            .format = 32,
+                                            .sequence = 0,
+                                            .window = mailbox_,
+                                            .type = XCB_ATOM_NOTICE,
+                                            .data = {}};
+  xcb_send_event(connection_, false, mailbox_, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&farewell));
+  xcb_flush(connection_);
+}
+
+bool X11Connection::isFarewell(const xcb_generic_event_t& event) const {
+  return (event.response_type & x11EventTypeMask) == XCB_CLIENT_MESSAGE &&
+         reinterpret_cast<const xcb_client_message_event_t&>(event).window == mailbox_;
+}
+
+const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& name) const {
+  const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection_, &name);
+  return reply != nullptr && reply->present ? reply : nullptr;
+}
+
+}  // namespace orvel

@@ -1,0 +1,104 @@
+#include "platform/linux/x11/XSettings.hpp"
+
+#include "platform/linux/x11/X11Connection.hpp"
+
+#include <cstddef>
+#include <optional>
+
+namespace orvel {
+namespace {
+
+constexpr std::uint32_t longestSettings = 65536 / 4;
+constexpr std::size_t headerSize = 4;
+constexpr std::size_t serialSize = 4;
+constexpr std::uint8_t integerType = 0;
+constexpr std::uint8_t textType = 1;
+constexpr std::uint8_t colourType = 2;
+
+/// Takes values off the front of bytes. Once they do not suffice, all that is taken is empty.
+class Reader {
+ public:
+  explicit Reader(std::span<const std::uint8_t> bytes) : rest_(bytes), isBigEndian_(!bytes.empty() && bytes[0] == 1) {}
+
+  bool hasFailed() const { return hasFailed_; }
+
+  std::span<const std::uint8_t> bytes(std::size_t count) {
+    if (hasFailed_ || count > rest_.size()) {
+      hasFailed_ = true;
+      return {};
+    }
+    const auto taken = rest_.first(count);
+    rest_ = rest_.subspan(count);
+    return taken;
+  }
+
+  std::uint32_t number(std::size_t size) {
+    std::uint32_t value = 0;
+    const auto taken = bytes(size);
+    for (std::size_t i = 0; i < taken.size(); ++i) {
+      const std::size_t place = isBigEndian_ ? size - 1 - i : i;
+      value |= static_cast<std::uint32_t>(taken[i]) << (8 * place);
+    }
+    return value;
+  }
+
+  /// Texts fill multiples of four bytes.
+  std::string text(std::size_t length) {
+    const auto taken = bytes(length);
+    bytes((4 - length % 4) % 4);
+    return {taken.begin(), taken.end()};
+  }
+
+ private:
+  std::span<const std::uint8_t> rest_;
+  const bool isBigEndian_;
+  bool hasFailed_ = false;
+};
+
+xcb_atom_t atomNamed(const X11Connection& connection, std::string_view name) {
+  const auto asked = xcb_intern_atom(connection.get(), false, static_cast<std::uint16_t>(name.size()), name.data());
+  const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection.get(), asked, nullptr)};
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+}  // namespace
+
+std::map<std::string, std::string> parseXSettings(std::span<const std::uint8_t> bytes) {
+  std::map<std::string, std::string> texts;
+  Reader reader(bytes);
+  reader.bytes(headerSize + serialSize);
+  for (auto left = reader.number(4); left > 0 && !reader.hasFailed(); --left) {
+    const auto type = reader.number(1);
+    reader.bytes(1);
+    const std::string name = reader.text(reader.number(2));
+    reader.bytes(serialSize);
+    if (type == textType) {
+      std::string text = reader.text(reader.number(4));
+      if (!reader.hasFailed()) texts.emplace(name, std::move(text));
+    } else if (type == integerType) {
+      reader.number(4);
+    } else if (type == colourType) {
+      reader.bytes(8);
+    } else {
+      break;
+    }
+  }
+  return texts;
+}
+
+std::map<std::string, std::string> readXSettings(const X11Connection& connection) {
+  const auto selection = atomNamed(connection, "_XSETTINGS_S0");
+  const auto settings = atomNamed(connection, "_XSETTINGS_SETTINGS");
+  const auto askedOwner = xcb_get_selection_owner(connection.get(), selection);
+  const X11Answer<xcb_get_selection_owner_reply_t> owner{
+      xcb_get_selection_owner_reply(connection.get(), askedOwner, nullptr)};
+  if (!owner || owner->owner == XCB_WINDOW_NONE) return {};
+  const auto asked =
+      xcb_get_property(connection.get(), false, owner->owner, settings, XCB_ATOM_ANY, 0, longestSettings);
+  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection.get(), asked, nullptr)};
+  if (!reply || reply->format != 8) return {};
+  return parseXSettings({static_cast<const std::uint8_t*>(xcb_get_property_value(reply.get())),
+                         static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))});
+}
+
+}  // namespace orvel
