@@ -90,6 +90,7 @@ int OrvelApp::run() {
   const int exitCode = mainLoop_.run();
   const DesktopPatience patience(platform_);
   keyboard_.stop();
+  platform_.stopTyping();
   delegate_.applicationWillTerminate();
   // The sessions take themselves down on the network's threads and may leave work behind: both end before what they
   // use.

@@ -38,6 +38,9 @@ class Platform {
   /// Called before anything else.
   virtual void observeEnd(std::function<void()> handler) = 0;
 
+  /// Text that is being typed ends where it is, and no more is typed: the program ends. Threads: any.
+  virtual void stopTyping() = 0;
+
   /// Parts from a desktop that does not answer any more: who waits for it gets nothing. Threads: any.
   virtual void giveUp() = 0;
 };

@@ -105,7 +105,6 @@ void ClientSession::sendText(std::string json) {
 void ClientSession::handOff(Task task, std::size_t cost) {
   backlog_ += cost;
   work_->post([self = weak_from_this(), &queue = transport_->queue(), task = std::move(task), cost] {
-    if (self.expired()) return;
     task();
     queue.post([self, cost] {
       if (const auto session = self.lock()) session->settle(cost);

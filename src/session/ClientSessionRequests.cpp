@@ -54,7 +54,12 @@ void ClientSession::getIcons(const std::vector<std::string>& ids) {
 
 void ClientSession::reveal() {
   if (!services_.permission.cachedTrust()) return;
-  handOff([&pointer = services_.pointer] { pointer.reveal(); }, taskCost);
+  handOff(
+      [self = weak_from_this(), &pointer = services_.pointer] {
+        // Nobody looks for it any more when the phone has left.
+        if (!self.expired()) pointer.reveal();
+      },
+      taskCost);
 }
 
 }  // namespace orvel

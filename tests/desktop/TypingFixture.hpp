@@ -5,6 +5,7 @@
 #include "desktop/LeafFixture.hpp"
 #include "desktop/TypingProgram.hpp"
 #include "input/KeyboardDriver.hpp"
+#include "platform/linux/x11/XKB.hpp"
 
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>
@@ -63,6 +64,20 @@ struct TypingFixture : testing::Test {
       xcb_test_fake_input(server, static_cast<std::uint8_t>(type), capsLock, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
     }
     xcb_flush(server);
+  }
+
+  /// Locks these of the affected modifiers, and a group, as sticky keys and layout switches do.
+  void lock(std::uint8_t affected, std::uint8_t modifiers, std::uint8_t group = 0) {
+    xcb_connection_t* server = leaves.connection().get();
+    xcb_xkb_latch_lock_state(server, XCB_XKB_ID_USE_CORE_KBD, affected, modifiers, true, group, 0, false, 0);
+    xcb_flush(server);
+  }
+
+  bool isControlLocked() {
+    xcb_connection_t* server = leaves.connection().get();
+    const X11Answer<xcb_xkb_get_state_reply_t> state{
+        xcb_xkb_get_state_reply(server, xcb_xkb_get_state(server, XCB_XKB_ID_USE_CORE_KBD), nullptr)};
+    return state && (state->lockedMods & XCB_MOD_MASK_CONTROL) != 0;
   }
 
   bool isCapsLocked() {

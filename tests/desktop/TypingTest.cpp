@@ -114,6 +114,28 @@ TEST_P(AnsweringProgramTypingTest, OneThatHangsDoesNotTakeAnOldTextByANewLayout)
   expectTyped("yz[]");
 }
 
+TEST_P(AnsweringProgramTypingTest, OneThatHangsDoesNotHoldUpTheEnd) {
+  expectTyped("Ω");
+  program->signal(SIGSTOP);
+  auto typing = std::async(std::launch::async, [this] { driver.type(samples().at("cjk")); });
+  EXPECT_EQ(typing.wait_for(Milliseconds(300)), std::future_status::timeout) << "else it does not wait";
+  driver.stop();
+  leaves.events.stopTyping();
+  EXPECT_EQ(typing.wait_for(Milliseconds(1500)), std::future_status::ready);
+  program->signal(SIGCONT);
+}
+
+TEST_P(AnsweringProgramTypingTest, OneThatHangsForLongGetsNoWrongCharacters) {
+  const std::string text = samples().at("cjk");
+  program->signal(SIGSTOP);
+  driver.type(text + samples().at("greek"));
+  program->signal(SIGCONT);
+  std::string got;
+  EXPECT_TRUE(eventually([&] { return (got = program->content()).size() > 3; }));
+  EXPECT_TRUE(eventually([&] { return got == std::exchange(got, program->content()); }));
+  EXPECT_TRUE(text.starts_with(got)) << got;
+}
+
 INSTANTIATE_TEST_SUITE_P(Toolkits, AnsweringProgramTypingTest, testing::Values("gtk3", "gtk4", "qt6"),
                          [](const auto& test) { return std::string(test.param); });
 
@@ -125,6 +147,21 @@ struct TypingTest : TypingFixture {
 
 TEST_F(TypingTest, ALineEndIsReturnOnce) {
   expectTyped("a\nb\r\nc\n\nd\te", "a\rb\rc\r\rd\te");
+}
+
+TEST_F(TypingTest, TheSecondLayoutOfTwoIsTypedWithAsIt) {
+  setLayout({"us,ru"});
+  lock(0, 0, 1);
+  expectTyped("фЫва olé 1! Ω");
+  lock(0, 0, 0);
+  expectTyped("фЫва olé 1! Ω");
+}
+
+TEST_F(TypingTest, AControlKeyThatIsLockedMakesNoShortcutsAndStaysSo) {
+  lock(XCB_MOD_MASK_CONTROL, XCB_MOD_MASK_CONTROL);
+  EXPECT_TRUE(eventually([this] { return isControlLocked(); }));
+  expectTyped("abc Ω");
+  EXPECT_TRUE(isControlLocked());
 }
 
 TEST_F(TypingTest, WhatNoKeyboardHasIsLeftOut) {

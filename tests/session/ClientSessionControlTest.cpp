@@ -167,7 +167,7 @@ TEST_F(ClientSessionControlTest, RequestsBeforeAuthenticationAreDropped) {
   EXPECT_TRUE(answers());
 }
 
-TEST_F(ClientSessionControlTest, WorkThatWaitsGoesWithItsPhone) {
+TEST_F(ClientSessionControlTest, ARevealThatWaitsGoesWithItsPhone) {
   authenticate(*phone);
   phone->text(R"({"t":"reveal"})");
   phone->drop();

@@ -169,12 +169,16 @@ TEST_F(ClientSessionInputTest, AFloodOfTextIsReadNoFurtherUntilItIsTyped) {
   EXPECT_EQ(phone->received("pong").size(), 1u);
 }
 
-TEST_F(ClientSessionInputTest, TextOfAPhoneThatHasLeftIsNotBegun) {
-  phone->binary(textFrame("late"));
+TEST_F(ClientSessionInputTest, TextAndApplicationsAreSeenToWhenThePhoneHasLeft) {
+  computer.running = {{.instance = 7, .identifier = "ab", .name = {}, .location = {}, .isRegular = true}};
+  phone->binary(textFrame("last words"));
+  phone->binary(appFrame(1, "ab"));
   phone->drop();
   session.reset();
   clock.runDue();
-  EXPECT_THAT(desktop.all<TextEvent>(), IsEmpty());
+  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"last words", true}, TextEvent{u"last words", false}));
+  clock.advance(Seconds(1));
+  EXPECT_THAT(computer.terminated, ElementsAre(7u));
 }
 
 TEST_F(ClientSessionInputTest, AMediaFrameIsOnePressAndRelease) {

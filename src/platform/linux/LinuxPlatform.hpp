@@ -47,6 +47,7 @@ class LinuxPlatform final : public Platform {
   Workspace& workspace() override { return workspace_; }
 
   void observeEnd(std::function<void()> handler) override;
+  void stopTyping() override { events_.stopTyping(); }
   void giveUp() override { connection_->breakOff(); }
 
  private:

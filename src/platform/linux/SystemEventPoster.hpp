@@ -37,6 +37,9 @@ class SystemEventPoster final : public EventPoster, private KeyQueue {
   std::optional<Point> pointerLocation() override;
   void flush() override;
 
+  /// Ends the text that is being typed; no more is typed after that. Threads: any.
+  void stopTyping() { typist_.stop(); }
+
   /// Takes what the server says.
   void handle(const xcb_generic_event_t& event) { typist_.handle(event); }
 

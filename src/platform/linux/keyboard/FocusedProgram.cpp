@@ -30,14 +30,15 @@ bool FocusedProgram::answers(xcb_window_t window) {
   return answeringWindow(window).has_value();
 }
 
-void FocusedProgram::waitUntilReady(xcb_window_t window, Time otherwise) {
+bool FocusedProgram::waitUntilReady(xcb_window_t window, Time otherwise) {
   const auto answering = answeringWindow(window);
   if (answering && canAsk(*answering)) {
     hearAnswers(true);
     ask(*answering);
-    if (waitForAnswer()) return;
+    if (waitForAnswer()) return true;
   }
   std::this_thread::sleep_until(otherwise);
+  return !answering;
 }
 
 void FocusedProgram::rest() {

@@ -27,9 +27,10 @@ class FocusedProgram {
   /// Whether the program of that window tells when it is ready. Waits for the server.
   bool answers(xcb_window_t window);
 
-  /// Waits until the program of that window has dealt with what was sent to it by now; of one that does not answer,
-  /// that is taken for granted from `otherwise` on. The server must not be grabbed.
-  void waitUntilReady(xcb_window_t window, Time otherwise);
+  /// Waits until the program of that window has dealt with what was sent to it by now; of one that never answers, that
+  /// is taken for granted from `otherwise` on. False when it is one that answers, and does not in time. The server must
+  /// not be grabbed.
+  bool waitUntilReady(xcb_window_t window, Time otherwise);
 
   /// Has the server stop telling of answers, until the next wait.
   void rest();

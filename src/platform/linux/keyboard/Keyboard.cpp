@@ -95,6 +95,10 @@ void Keyboard::unlatch() const {
   xcb_xkb_latch_lock_state(connection_.get(), coreKeyboard, 0, 0, false, 0, allModifiers, latchGroup, 0);
 }
 
+void Keyboard::setLocked(KeyboardMap::Modifiers affected, KeyboardMap::Modifiers locked) const {
+  xcb_xkb_latch_lock_state(connection_.get(), coreKeyboard, affected, locked, false, 0, 0, false, 0);
+}
+
 void Keyboard::bind(const KeyboardMap& map, std::uint8_t keyCode, const KeyboardMap::Levels& levels) const {
   constexpr auto count = static_cast<std::uint8_t>(std::tuple_size_v<KeyboardMap::Levels>);
   BoundKey bound{.key = {}, .levels = levels};

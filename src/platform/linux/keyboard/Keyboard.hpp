@@ -12,7 +12,7 @@ class X11Connection;
 
 /// The keyboard as programs see it while XTEST types.
 ///
-/// Threads: any. All wait for the server but `unlatch`, `bind` and `unbind`.
+/// Threads: any. All wait for the server but `unlatch`, `unlock`, `lock`, `bind` and `unbind`.
 class Keyboard {
  public:
   struct Reading {
@@ -34,11 +34,16 @@ class Keyboard {
   /// Makes the next key what it would be anyway.
   void unlatch() const;
 
+  /// Has modifiers not be locked, or locked again.
+  void unlock(KeyboardMap::Modifiers modifiers) const { setLocked(modifiers, 0); }
+  void lock(KeyboardMap::Modifiers modifiers) const { setLocked(modifiers, modifiers); }
+
   /// Gives a key two meanings, between which Shift and Caps Lock choose, on all groups; or none.
   void bind(const KeyboardMap& map, std::uint8_t keyCode, const KeyboardMap::Levels& levels) const;
   void unbind(const KeyboardMap& map, std::uint8_t keyCode) const;
 
  private:
+  void setLocked(KeyboardMap::Modifiers affected, KeyboardMap::Modifiers locked) const;
   xcb_xkb_get_map_cookie_t askMap() const;
   std::optional<KeyboardMap> takeMap(xcb_xkb_get_map_cookie_t asked) const;
   void setMap(const KeyboardMap& map, std::uint8_t keyCode, const void* key, std::uint8_t symbols) const;

@@ -17,7 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto handsPatience = 2s;  // with modifiers that somebody else holds
-constexpr auto stepPatience = 10s;  // with a layout that keeps changing, and spare keys that others have
+constexpr auto stepPatience = 10s;  // with a layout that keeps changing
+constexpr auto sparePatience = 2s;  // with spare keys that others have
 constexpr auto retryInterval = 20ms;
 constexpr auto readingTime = 100ms;       // for programs that do not tell when they have read their keys
 constexpr auto noticingTime = 30ms;       // for the same to fetch a map
@@ -25,6 +26,9 @@ constexpr auto grabbedReadingTime = 3ms;  // for the same to read what they usua
 constexpr auto idleTime = 1500ms;
 constexpr std::size_t mostAtOnce = 64;  // characters
 constexpr char32_t replacement = 0xfffd;
+
+/// Modifiers by which programs take keys for commands: Control, Alt, and the logo keys, as the server numbers them.
+constexpr KeyboardMap::Modifiers shortcutModifiers = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 
 /// The control characters that have keys.
 constexpr std::u32string_view controlKeys = U"\b\t\r\x1b\x7f";
@@ -49,11 +53,14 @@ std::u32string charactersOf(std::u16string_view text) {
 }
 
 /// What a spare key must mean to write the character, if any keysym does.
-std::optional<SpareKeys::Levels> spareMeaningOf(char32_t character, bool isLocked) {
+std::optional<SpareKeys::Levels> spareMeaningOf(char32_t character, bool isLocked, bool isShifted) {
   const xkb_keysym_t keysym = xkb_utf32_to_keysym(character);
   if (keysym == XKB_KEY_NoSymbol) return std::nullopt;
-  // Where Caps Lock does not change what a key means, GTK makes capitals of it by itself.
-  return SpareKeys::Levels{isLocked ? xkb_keysym_t{XKB_KEY_VoidSymbol} : keysym, keysym};
+  if (!isLocked) return SpareKeys::Levels{keysym, keysym};
+  // Where Caps Lock does not change what a key means, GTK makes capitals of it by itself. With Shift it chooses the
+  // first meaning, alone the second.
+  constexpr xkb_keysym_t nothing = XKB_KEY_VoidSymbol;
+  return isShifted ? SpareKeys::Levels{keysym, nothing} : SpareKeys::Levels{nothing, keysym};
 }
 
 FocusedProgram::Time now() {
@@ -79,16 +86,21 @@ Typist::~Typist() {
   keyboard_.readMap();  // the server has then taken it
 }
 
+void Typist::stop() {
+  isStopped_ = true;
+  program_.giveUp();
+}
+
 bool Typist::type(std::u16string_view text) {
   const std::lock_guard lock(mutex_);
   const std::u32string characters = charactersOf(text);
   lastProgress_ = now();
   for (std::u32string_view rest = characters; !rest.empty();) {
+    if (isStopped_) return false;
     const Step step = typeSome(rest);
-    if (step.obstacle == Obstacle::server || !connection_.isAlive()) return false;
     if (step.characters > 0) lastProgress_ = now();
     rest.remove_prefix(step.characters);
-    overcome(step.obstacle);
+    if (!connection_.isAlive() || !overcome(step.obstacle)) return false;
   }
   return true;
 }
@@ -101,18 +113,21 @@ Typist::Step Typist::typeSome(std::u32string_view text) {
   focus_ = reading->focus;
   const Hands hands = handsOf(*reading, held);
   if (isDisturbed(*reading, hands)) return {.obstacle = Obstacle::otherHands};
+  if ((hands.foreign & shortcutModifiers) != 0) return {.obstacle = Obstacle::shortcuts};
 
-  CharacterKeys::Situation situation{.group = reading->group,
-                                     .modifiers = static_cast<KeyboardMap::Modifiers>(hands.foreign | reading->locked),
-                                     .downKeys = reading->downKeys};
+  const auto lockedShortcuts = static_cast<KeyboardMap::Modifiers>(reading->locked & shortcutModifiers);
+  const auto modifiers = static_cast<KeyboardMap::Modifiers>((hands.foreign | reading->locked) & ~shortcutModifiers);
+  CharacterKeys::Situation situation{.group = reading->group, .modifiers = modifiers, .downKeys = reading->downKeys};
   for (const std::uint8_t key : hands.ownKeys) situation.downKeys.reset(key);
   const CharacterKeys keys(reading->map, situation);
   spareKeys_.forgetLost(reading->map);
-  const Plan plan = planFor(text, keys, *reading);
+  const CapitalKeys capitals{.capsLock = (reading->locked & XCB_MOD_MASK_LOCK) != 0,
+                             .shift = (hands.foreign & XCB_MOD_MASK_SHIFT) != 0};
+  const Plan plan = planFor(text, keys, reading->map, capitals);
   if (!plan.missing.empty()) return bindFor(plan, reading->map);
   if (plan.characters == 0) return {.obstacle = Obstacle::noSpareKeys};
   if (!isKnown(reading->map)) return makeKnown(std::move(reading->map), keys, held);
-  return strike(plan, hands, held);
+  return strike(plan, hands, held, lockedShortcuts);
 }
 
 /// Whether the program reads the keys by that map. After a change most fetch a new one only when they need it; it is
@@ -133,8 +148,12 @@ Typist::Step Typist::makeKnown(KeyboardMap map, const CharacterKeys& keys, const
   return {.obstacle = Obstacle::mapUnknown};
 }
 
-Typist::Step Typist::strike(const Plan& plan, const Hands& hands, const KeyQueue::Held& held) {
-  if (!keys_.queueInOneGo(changesFor(plan.chords, hands.ownKeys), held.version)) return {};
+Typist::Step Typist::strike(const Plan& plan, const Hands& hands, const KeyQueue::Held& held,
+                            KeyboardMap::Modifiers locked) {
+  if (locked != 0) keyboard_.unlock(locked);
+  const bool isQueued = keys_.queueInOneGo(changesFor(plan.chords, hands.ownKeys), held.version);
+  if (locked != 0) keyboard_.lock(locked);
+  if (!isQueued) return {};
   if (!plan.special.empty()) {
     lastUse_ = now();
     unread_ = Strokes{.window = focus_, .time = lastUse_};
@@ -171,13 +190,17 @@ bool Typist::isDisturbed(const Keyboard::Reading& reading, const Hands& hands) {
   return disturbing != tolerated_;
 }
 
-Typist::Plan Typist::planFor(std::u32string_view text, const CharacterKeys& keys, const Keyboard::Reading& reading) {
+Typist::Plan Typist::planFor(std::u32string_view text, const CharacterKeys& keys, const KeyboardMap& map,
+                             CapitalKeys capitals) {
   Plan plan;
-  const bool isLocked = (reading.locked & XCB_MOD_MASK_LOCK) != 0;
-  const std::size_t capacity = spareKeys_.capacity(reading.map);
+  const std::size_t capacity = spareKeys_.capacity(map);
+  // Waited for once, not for each piece of a text.
+  isWithoutSpareKeys_ = capacity == 0 && (isWithoutSpareKeys_ || hasWaited(sparePatience));
   for (const char32_t character : text.substr(0, mostAtOnce)) {
     const auto chord = keys.chord(character);
-    const auto meaning = chord || hasWaited(stepPatience) ? std::nullopt : spareMeaningOf(character, isLocked);
+    const auto meaning = chord || isWithoutSpareKeys_ || hasWaited(stepPatience)
+                             ? std::nullopt
+                             : spareMeaningOf(character, capitals.capsLock, capitals.shift);
     if (chord) plan.chords.push_back(*chord);
     if (meaning) {
       if (!plan.special.contains(*meaning) && plan.special.size() >= capacity) break;
@@ -201,24 +224,36 @@ Typist::Step Typist::bindFor(const Plan& plan, const KeyboardMap& map) {
   return {};
 }
 
-void Typist::overcome(Obstacle obstacle) {
+/// Does what it takes for the next step. False when there should be none.
+bool Typist::overcome(Obstacle obstacle) {
   switch (obstacle) {
     case Obstacle::strokesUnread:
-      return waitUntilRead();
+      // Better no text than a wrong one. A program that is left behind must not keep others from theirs.
+      if (!waitUntilRead() && unread_->window == focus_) return false;
+      unread_.reset();
+      return true;
     case Obstacle::mapUnknown:
-      return program_.waitUntilReady(focus_, now() + noticingTime);
+      program_.waitUntilReady(focus_, now() + noticingTime);
+      return true;
     case Obstacle::otherHands:
     case Obstacle::noSpareKeys:
-      return std::this_thread::sleep_for(retryInterval);
+      std::this_thread::sleep_for(retryInterval);
+      return true;
     case Obstacle::none:
+      return true;
+    case Obstacle::shortcuts:
     case Obstacle::server:
-      return;
+      return false;
   }
+  return false;
 }
 
-void Typist::waitUntilRead() {
-  if (unread_) program_.waitUntilReady(unread_->window, unread_->time + readingTime);
-  unread_.reset();
+/// False when the program has not read its keys although it tells when it has: it hangs.
+bool Typist::waitUntilRead() {
+  if (!unread_) return true;
+  const bool isRead = program_.waitUntilReady(unread_->window, unread_->time + readingTime);
+  if (isRead) unread_.reset();
+  return isRead;
 }
 
 bool Typist::hasWaited(std::chrono::seconds patience) const {
@@ -246,6 +281,7 @@ void Typist::watchIdleness(const std::stop_token& stopped) {
 
 void Typist::giveSpareKeysBack() {
   waitUntilRead();
+  unread_.reset();
   program_.rest();
   if (!spareKeys_.isAnyBound()) return;
   const ServerGrab grab(connection_);

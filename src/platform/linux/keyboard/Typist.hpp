@@ -6,6 +6,7 @@
 #include "platform/linux/keyboard/Keyboard.hpp"
 #include "platform/linux/keyboard/SpareKeys.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -41,17 +42,26 @@ class Typist {
   /// gone or cannot type.
   bool type(std::u16string_view text);
 
+  /// Ends the text that is being typed, and all further ones before their first character. Threads: any.
+  void stop();
+
   void handle(const xcb_generic_event_t& event) { program_.handle(event); }
 
  private:
   using Time = FocusedProgram::Time;
 
-  enum class Obstacle { none, server, otherHands, strokesUnread, mapUnknown, noSpareKeys };
+  enum class Obstacle { none, server, otherHands, shortcuts, strokesUnread, mapUnknown, noSpareKeys };
 
   /// What became of the next characters of a text.
   struct Step {
     std::size_t characters = 0;  // that are done with
     Obstacle obstacle = Obstacle::none;
+  };
+
+  /// What makes capitals of the letters on a key.
+  struct CapitalKeys {
+    bool capsLock = false;
+    bool shift = false;  // held by somebody else
   };
 
   /// Who holds modifiers down.
@@ -82,13 +92,13 @@ class Typist {
   Step typeSome(std::u32string_view text);
   static Hands handsOf(const Keyboard::Reading& reading, const KeyQueue::Held& held);
   bool isDisturbed(const Keyboard::Reading& reading, const Hands& hands);
-  Plan planFor(std::u32string_view text, const CharacterKeys& keys, const Keyboard::Reading& reading);
+  Plan planFor(std::u32string_view text, const CharacterKeys& keys, const KeyboardMap& map, CapitalKeys capitals);
   bool isKnown(const KeyboardMap& map) const;
   Step makeKnown(KeyboardMap map, const CharacterKeys& keys, const KeyQueue::Held& held);
-  Step strike(const Plan& plan, const Hands& hands, const KeyQueue::Held& held);
+  Step strike(const Plan& plan, const Hands& hands, const KeyQueue::Held& held, KeyboardMap::Modifiers locked);
   Step bindFor(const Plan& plan, const KeyboardMap& map);
-  void overcome(Obstacle obstacle);
-  void waitUntilRead();
+  bool overcome(Obstacle obstacle);
+  bool waitUntilRead();
   bool hasWaited(std::chrono::seconds patience) const;
   void startIdleWatch();
   void watchIdleness(const std::stop_token& stopped);
@@ -107,7 +117,9 @@ class Typist {
   KeyboardMap::Modifiers tolerated_ = 0;  // that somebody holds longer than we wait
   Time lastProgress_;                     // of the text that is being typed
   Time lastUse_;                          // of spare keys
+  bool isWithoutSpareKeys_ = false;       // has been for longer than we wait
   bool isWatching_ = false;
+  std::atomic<bool> isStopped_ = false;
   std::jthread idleWatch_;
 };
 
