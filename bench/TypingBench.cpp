@@ -3,10 +3,10 @@
 
 #include "bench/Bench.hpp"
 #include "bench/HostProcess.hpp"
-#include "bench/RawPhone.hpp"
 #include "bench/Samples.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/X11Witness.hpp"
+#include "tools/PhoneClient.hpp"
 #include "tools/PhoneFrames.hpp"
 
 #include <xcb/xtest.h>
@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace orvel::bench {
 namespace {
@@ -26,10 +27,12 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::size_t pageLength = 2000;
 constexpr int pages = 10;
+constexpr phone::Seconds phonePatience{10};
 constexpr Milliseconds limit{1000};
 constexpr std::uint8_t letterA = 38;
 constexpr int leftShift = 50;
 constexpr int rightShift = 62;
+constexpr int levelShift = 92;
 
 /// Every printable character of ASCII, over and over.
 std::string page() {
@@ -44,6 +47,7 @@ class Course {
   Verdict report() const;
 
  private:
+  static phone::PhoneClient connect();
   void typePage();
   void postDirectly();
   void waitForPage();
@@ -51,17 +55,23 @@ class Course {
   VirtualDesktop desktop_;
   X11Witness witness_{desktop_.display()};
   HostProcess host_{desktop_};
-  RawPhone phone_{hostPort};
+  phone::PhoneClient phone_ = connect();
   Samples orvel_;
   Samples direct_;
 };
 
 void Course::run() {
-  phone_.pair(hostToken(desktop_), "Phone");
+  if (!phone_.pair(hostToken(desktop_), "Phone", phonePatience)) throw std::runtime_error("the host lets no phone in");
   for (int i = 0; i < pages; ++i) {
     typePage();
     postDirectly();
   }
+}
+
+phone::PhoneClient Course::connect() {
+  auto client = phone::PhoneClient::connect("127.0.0.1", hostPort, phonePatience);
+  if (!client) throw std::runtime_error(client.error().text);
+  return std::move(*client);
 }
 
 void Course::typePage() {
@@ -90,10 +100,10 @@ void Course::postDirectly() {
 void Course::waitForPage() {
   const auto hasPage = [](const X11Witness::Inputs& inputs) {
     const auto isCharacter = [](const X11Witness::Input& input) {
-      return input.kind == X11Witness::Kind::keyUp && input.detail != leftShift && input.detail != rightShift;
+      return input.kind == X11Witness::Kind::keyUp && input.detail != leftShift && input.detail != rightShift &&
+             input.detail != levelShift;
     };
-    return !inputs.empty() && isCharacter(inputs.back()) &&
-           static_cast<std::size_t>(std::count_if(inputs.begin(), inputs.end(), isCharacter)) >= pageLength;
+    return static_cast<std::size_t>(std::count_if(inputs.begin(), inputs.end(), isCharacter)) >= pageLength;
   };
   if (!witness_.waitFor(hasPage)) throw std::runtime_error("the desktop did not get the whole page");
 }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <cctype>
@@ -89,6 +90,19 @@ struct ProgramsTest : testing::Test {
     }
     ADD_FAILURE() << identifier << " does not run";
     return {};
+  }
+
+  /// Takes away a property of the root window.
+  void removeFromRoot(const std::string& property) const {
+    xcb_connection_t* connection = xcb_connect(shared.desktop.display().c_str(), nullptr);
+    const auto cookie = xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(property.size()), property.c_str());
+    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+        xcb_intern_atom_reply(connection, cookie, nullptr), std::free);
+    ASSERT_TRUE(reply);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const auto done = xcb_delete_property_checked(connection, root, reply->atom);
+    EXPECT_EQ(xcb_request_check(connection, done), nullptr);
+    xcb_disconnect(connection);
   }
 
   SharedDesktop shared;
@@ -220,6 +234,15 @@ TEST_F(ProgramsTest, BringAllTheirWindowsInTheirOrder) {
   EXPECT_EQ(std::vector(stacking.begin() + 1, stacking.end()), expected);
 }
 
+TEST_F(ProgramsTest, ComeToTheFrontWithoutAWordOfTheStack) {
+  start({"one", "One"});
+  start({"two", "Two"});
+  ASSERT_TRUE(eventually([&] { return manager.activeWindow() == manager.windowsOf("Two").front(); }));
+  removeFromRoot("_NET_CLIENT_LIST_STACKING");
+  workspace.activate(application("One"));
+  EXPECT_TRUE(eventually([&] { return manager.activeWindow() == manager.windowsOf("One").front(); }));
+}
+
 TEST_F(ProgramsTest, ComeBackWhenMinimised) {
   start({"small", "Small"});
   start({"other", "Other"});
@@ -293,6 +316,37 @@ struct LaunchTest : ProgramsTest {
     return lines.empty() ? 0 : std::stoi(lines.front().substr(std::string("process ").size()));
   }
 
+  /// An entry of a program that adds a line to the report, does as `lines` say, and ends.
+  std::string writeScript(const std::string& lines, const std::string& more = "") const {
+    const fs::path script = shared.desktop.home() / "script";
+    std::ofstream(script) << "#!/bin/sh\necho started >>" << reportPath() << "\n" << lines << "\n";
+    fs::permissions(script, fs::perms::owner_all);
+    return writeEntry("org.example.Script.desktop", "Name=Script\nExec=" + script.string() + "\n" + more);
+  }
+
+  /// Starts a bus of this desktop, with a service that is the script.
+  std::unique_ptr<ChildProcess> startBus() const {
+    const fs::path services = shared.desktop.home() / ".local/share/dbus-1/services";
+    fs::create_directories(services);
+    std::ofstream(services / "org.example.Script.service")
+        << "[D-BUS Service]\nName=org.example.Script\nExec=" << (shared.desktop.home() / "script").string() << "\n";
+    const std::string address = "unix:path=" + (shared.desktop.home() / "run/bus").string();
+    setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+    auto bus = std::make_unique<ChildProcess>(
+        ChildProcess::Program{.command = {"dbus-daemon", "--session", "--nofork", "--nosyslog", "--print-address=1",
+                                          "--address=" + address}});
+    EXPECT_TRUE(bus->waitForOutput("unix:path="));
+    return bus;
+  }
+
+  /// Opens it time and again, as an impatient person does, and waits for what that leads to.
+  void openOften(const std::string& entry) {
+    for (int i = 0; i < 5; ++i) {
+      workspace.open(entry);
+      std::this_thread::sleep_for(lull);
+    }
+  }
+
   static bool lives(pid_t process) { return process > 0 && fs::exists("/proc/" + std::to_string(process) + "/exe"); }
 };
 
@@ -337,10 +391,55 @@ TEST_F(LaunchTest, AProgramThatIsStartingIsNotStartedAgain) {
 
   kill(first, SIGKILL);
   ASSERT_TRUE(eventually([&] { return !lives(first); }));
-  workspace.open(entry);
+  EXPECT_TRUE(eventually([&] {
+    workspace.open(entry);
+    return fs::exists(reportPath());
+  })) << "one that has ended is started anew";
   const pid_t second = reporter();
-  EXPECT_NE(second, first) << "one that has ended is started anew";
+  EXPECT_NE(second, first);
   kill(second, SIGKILL);
+}
+
+TEST_F(LaunchTest, AProgramWhoseFirstProcessEndsAtOnceIsStillStarting) {
+  const auto entry = writeScript("");
+  openOften(entry);
+  EXPECT_EQ(report(), Texts{"started"});
+  EXPECT_TRUE(eventually([&] {
+    workspace.open(entry);
+    return report().size() == 2;
+  })) << "not for long";
+}
+
+TEST_F(LaunchTest, AProgramThatTheBusStartsIsStartedOnce) {
+  const auto bus = startBus();
+  openOften(writeScript("", "DBusActivatable=true"));
+  EXPECT_EQ(report(), Texts{"started"});
+}
+
+TEST_F(LaunchTest, ABusThatDoesNotAnswerHoldsNothingUp) {
+  const auto bus = startBus();
+  const auto entry = writeScript("");
+  bus->signal(SIGSTOP);
+  auto opening = std::async(std::launch::async, [&] { workspace.open(entry); });
+  EXPECT_EQ(opening.wait_for(patience / 2), std::future_status::ready);
+  bus->signal(SIGCONT);
+  opening.get();
+  EXPECT_FALSE(fs::exists(reportPath()));
+  workspace.open(entry);
+  EXPECT_TRUE(eventually([&] { return fs::exists(reportPath()); }, patience / 4)) << "what failed may be tried again";
+}
+
+TEST_F(LaunchTest, NoBusIsStarted) {
+  const fs::path starter = shared.desktop.home() / "bin/dbus-launch";
+  fs::create_directories(starter.parent_path());
+  std::ofstream(starter) << "#!/bin/sh\necho bus >>" << reportPath() << "\n";
+  fs::permissions(starter, fs::perms::owner_all);
+  setenv("PATH", (starter.parent_path().string() + ":" + std::getenv("PATH")).c_str(), 1);
+  unsetenv("DBUS_SESSION_BUS_ADDRESS");
+  LeafSet withoutBus(shared.desktop);
+  withoutBus.workspace.open(writeScript("echo \"bus ${DBUS_SESSION_BUS_ADDRESS-none}\" >>" + reportPath().string()));
+  EXPECT_TRUE(eventually([&] { return report().size() == 2; }));
+  EXPECT_EQ(report(), (Texts{"started", "bus none"}));
 }
 
 TEST_F(LaunchTest, AProgramThatHasShownAWindowStartsNoMore) {

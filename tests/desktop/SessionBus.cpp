@@ -1,6 +1,6 @@
 #include "desktop/SessionBus.hpp"
 
-#include "platform/linux/accessibility/MessageBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <csignal>
 #include <filesystem>

@@ -1,13 +1,16 @@
 #include "platform/EntryFolders.hpp"
 #include "platform/linux/icons/IconImage.hpp"
 #include "platform/linux/icons/IconThemes.hpp"
+#include "platform/linux/icons/PlainPNG.hpp"
 #include "platform/linux/x11/XSettings.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <QByteArray>
+#include <QFile>
 #include <QImage>
+#include <QtEndian>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -62,6 +65,49 @@ TEST_F(IconImageTest, APNGIsDrawnIntoTheSquare) {
   EXPECT_EQ(image.pixelColor(55, 55), QColor(Qt::red));
 }
 
+/// A part of a PNG. Nobody looks at the checksum of those that are left out.
+QByteArray chunk(const QByteArray& type, const QByteArray& content) {
+  QByteArray length(4, '\0');
+  qToBigEndian(static_cast<quint32>(content.size()), length.data());
+  return length + type + content + "sums";
+}
+
+struct PNGTextsTest : IconImageTest {
+  static constexpr int endOfHeader = 8 + 25;
+
+  /// The bytes of a red picture, and the same with parts that unpack to some megabytes each.
+  PNGTextsTest() {
+    QFile file(QString::fromStdString(writePNG("red.png", 48, 48, Qt::red)));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    red = file.readAll();
+    const QByteArray packed = qCompress(QByteArray(7'900'000, 'a')).mid(4);
+    QByteArray texts;
+    for (int i = 0; i < 400; ++i) texts += chunk("zTXt", QByteArray("k\0\0", 3) + packed);
+    for (int i = 0; i < 400; ++i) texts += chunk("iTXt", QByteArray("k\0\1\0\0\0", 6) + packed);
+    withTexts = QByteArray(red).insert(endOfHeader, texts);
+  }
+
+  QByteArray red;
+  QByteArray withTexts;
+};
+
+TEST_F(PNGTextsTest, AreNotUnpacked) {
+  EXPECT_GT(withTexts.size(), 5'000'000);
+  const auto plain = plainPNG(withTexts);
+  ASSERT_TRUE(plain);
+  EXPECT_LE(plain->size(), red.size());
+  const auto path = folders.write("user", "texts.png", withTexts.toStdString());
+  EXPECT_EQ(picture(path, 56).pixelColor(28, 28), QColor(Qt::red));
+}
+
+TEST_F(PNGTextsTest, WithAWrongLengthGiveNothing) {
+  for (const char* length : {"ffffffff", "7fffffff", "00010000"}) {
+    const auto damaged = QByteArray(red).insert(endOfHeader, QByteArray::fromHex(length) + "zTXt" + "sums");
+    EXPECT_FALSE(plainPNG(damaged)) << length;
+  }
+  for (int size = 0; size < red.size(); ++size) EXPECT_FALSE(plainPNG(red.left(size))) << size;
+}
+
 TEST_F(IconImageTest, APictureThatIsNoSquareStandsInTheMiddle) {
   const QImage image = picture(writePNG("wide.png", 200, 100, Qt::blue), 56);
   ASSERT_EQ(image.size(), QSize(56, 56));
@@ -107,6 +153,37 @@ TEST_F(IconImageTest, GradientsAndStylesOfAnSVGAreKept) {
 TEST_F(IconImageTest, TextsInAnSVGAreLeftOut) {
   const auto path = writeSVG(redSquare + R"(<g font-size="10" font-family="Sans"><text x="2" y="12">A</text></g>)");
   EXPECT_EQ(picture(path, 56).pixelColor(28, 28), QColor(Qt::red));
+}
+
+TEST_F(IconImageTest, WhatShowsNothingIsNoIcon) {
+  EXPECT_FALSE(drawIcon(writeSVG(R"(<text x="2" y="12">A</text>)"), 56));
+}
+
+TEST_F(IconImageTest, PicturesInAnSVGAreLeftOut) {
+  const std::string inner =
+      svgHead + R"(<rect width="16" height="16"/><text x="2" y="12" font-size="9">A</text></svg>)";
+  const std::string data = "data:image/svg+xml;base64," + QByteArray::fromStdString(inner).toBase64().toStdString();
+  const auto path = writeSVG(redSquare + R"(<image width="16" height="16" xlink:href=")" + data + R"("/>)" +
+                             R"(<filter id="f"><feImage xlink:href=")" + data + R"("/></filter>)");
+  EXPECT_EQ(picture(path, 56).pixelColor(28, 28), QColor(Qt::red));
+}
+
+TEST_F(IconImageTest, StylesThatTakeLongGiveNothing) {
+  std::string rules;
+  while (rules.size() < 4'000) rules += ".a{fill:red} ";
+  std::string elements;
+  for (int i = 0; i < 9'000; ++i) elements += R"(<rect class="a" width="1" height="1"/>)";
+  EXPECT_FALSE(draw(writeSVG("<style>" + rules + "</style>" + elements), 56));
+  const std::string classes(1'000'000, 'b');
+  EXPECT_FALSE(draw(writeSVG("<style>" + rules + "</style><g class=\"" + classes + "\"/>"), 56));
+  EXPECT_FALSE(draw(writeSVG("<style>" + rules + "</style><style>" + rules + "</style>" + redSquare), 56));
+  EXPECT_TRUE(draw(writeSVG("<style>" + rules + "</style>" + redSquare), 56));
+  EXPECT_TRUE(draw(writeSVG("<desc>" + rules + rules + "</desc>" + redSquare), 56)) << "only styles take time";
+}
+
+TEST_F(IconImageTest, PicturesUpToASizeAreDrawn) {
+  EXPECT_TRUE(draw(writePNG("large.png", 2048, 16, Qt::red), 56));
+  EXPECT_FALSE(draw(writePNG("larger.png", 2049, 16, Qt::red), 56));
 }
 
 TEST_F(IconImageTest, AnXPMIsDrawn) {

@@ -64,7 +64,8 @@ TEST_F(SystemApplicationBundlesTest, NamesAreInTheUsersLanguage) {
 TEST_F(SystemApplicationBundlesTest, AnEntryWithoutANameHasThatOfItsFile) {
   folders.writeEntry("user", "tool.desktop", "");
   folders.writeEntry("user", "empty.desktop", "Name=");
-  EXPECT_EQ(installed(), (Texts{"empty: ", "tool: tool"}));
+  folders.writeEntry("user", "kde4/sub.desktop", "");
+  EXPECT_EQ(installed(), (Texts{"empty: ", "kde4-sub: sub", "tool: tool"}));
 }
 
 TEST_F(SystemApplicationBundlesTest, TheUsersFolderWinsOverTheSystems) {

@@ -2,7 +2,7 @@
 
 #include "input/AccessibilityTree.hpp"
 #include "platform/linux/accessibility/AccessibilitySwitch.hpp"
-#include "platform/linux/accessibility/MessageBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <optional>
 #include <string>

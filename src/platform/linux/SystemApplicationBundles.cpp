@@ -19,9 +19,10 @@ std::optional<std::vector<std::string>> SystemApplicationBundles::list(const std
 std::optional<ApplicationBundle> SystemApplicationBundles::read(const std::string& path, const std::string& entry) {
   const auto found = entries_.read(path);
   if (!found) return std::nullopt;
+  const std::string file = entry.substr(entry.rfind('/') + 1);
   return ApplicationBundle{.identifier = DesktopEntry::identifierOf(entry),
                            .displayName = found->name,
-                           .name = std::nullopt,
+                           .name = file.substr(0, file.size() - suffix().size()),
                            .isListed = found->isListed};
 }
 

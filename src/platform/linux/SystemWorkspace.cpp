@@ -13,11 +13,11 @@ namespace {
 
 constexpr double largestIcon = 1024;
 
-/// In the order of the stack, the lowest first. Those that it does not name are left out.
+/// In the order of the stack, the lowest first. Those that it does not name are left out, unless it names none of them.
 std::vector<xcb_window_t> inOrder(const std::vector<xcb_window_t>& windows, std::vector<xcb_window_t> stack) {
   std::erase_if(
       stack, [&](xcb_window_t window) { return std::find(windows.begin(), windows.end(), window) == windows.end(); });
-  return stack;
+  return stack.empty() ? windows : stack;
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "platform/linux/accessibility/AccessibilitySwitch.hpp"
 
-#include "platform/linux/accessibility/MessageBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <chrono>
 #include <system_error>

@@ -2,7 +2,7 @@
 
 #include "base/Geometry.hpp"
 #include "platform/linux/accessibility/AccessibleRole.hpp"
-#include "platform/linux/accessibility/MessageBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <cstdint>
 #include <optional>

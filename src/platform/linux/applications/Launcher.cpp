@@ -3,6 +3,8 @@
 #include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/applications/DesktopEntry.hpp"
 #include "platform/linux/applications/LaunchContext.hpp"
+#include "platform/linux/bus/CancelledInTime.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <gio/gdesktopappinfo.h>
 #include <poll.h>
@@ -11,11 +13,20 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
 
 namespace orvel {
 namespace {
 
+// A first process that ends at once may have left the start to others.
+constexpr std::chrono::seconds shortestStart{5};
 constexpr std::chrono::seconds longestStart{15};
+constexpr std::chrono::seconds busPatience{1};
+constexpr auto busAddress = "DBUS_SESSION_BUS_ADDRESS";
+constexpr pid_t noProcess = 0;  // that is known
+constexpr auto noBus = "disabled:";
 constexpr auto spawnFlags =
     static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
 
@@ -33,11 +44,16 @@ void notePid(GDesktopAppInfo*, GPid process, void* result) {
   *static_cast<pid_t*>(result) = process;
 }
 
-/// The connection to the session bus that GIO shares, or null. It must not end this program when the bus ends.
-GLibPointer<GDBusConnection> openBus() {
-  GLibPointer<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+/// The connection to the session bus that GIO shares; null without a bus. Nothing when the bus does not answer, for
+/// which GIO itself would wait without limit. It must not end this program when the bus ends.
+std::optional<GLibPointer<GDBusConnection>> openBus() try {
+  const CancelledInTime cancelled{TimeLimit(busPatience)};
+  GLibPointer<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancelled.get(), nullptr));
+  if (!bus && g_cancellable_is_cancelled(cancelled.get())) return std::nullopt;
   if (bus) g_dbus_connection_set_exit_on_close(bus.get(), false);
   return bus;
+} catch (const std::system_error&) {  // no thread to be had
+  return std::nullopt;
 }
 
 /// The name on the bus of a program that the bus starts; empty for others.
@@ -63,10 +79,15 @@ void startByBus(GDBusConnection* bus, const std::string& name, const std::string
   g_dbus_connection_call(bus, name.c_str(), object.c_str(), "org.freedesktop.Application", "Activate",
                          g_variant_builder_end(&circumstances), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr,
                          nullptr);
-  g_dbus_connection_flush_sync(bus, nullptr, nullptr);
 }
 
 }  // namespace
+
+Launcher::Launcher(const ServerTime& time, const StartupNotice& notice, const rlimit& openFiles)
+    : time_(time), notice_(notice), openFiles_(openFiles) {
+  // GIO would start one.
+  if (sessionBusAddress().empty()) setenv(busAddress, noBus, 1);
+}
 
 void Launcher::launch(const std::string& path) {
   if (!reserve(path)) return;
@@ -77,7 +98,7 @@ void Launcher::launch(const std::string& path) {
     const auto start = starts.find(path);
     if (start == starts.end()) return;
     if (descriptor) {
-      start->second.process = descriptor;
+      start->second.process = std::move(descriptor);
     } else {
       starts.erase(start);
     }
@@ -92,9 +113,11 @@ bool Launcher::reserve(const std::string& path) {
 }
 
 bool Launcher::isOver(const Start& start) {
-  if (std::chrono::steady_clock::now() - start.begun > longestStart) return true;
-  pollfd process{start.process ? start.process->number() : -1, POLLIN, 0};
-  return poll(&process, 1, 0) > 0;
+  const auto age = std::chrono::steady_clock::now() - start.begun;
+  if (age > longestStart) return true;
+  if (age < shortestStart || !start.process) return false;
+  pollfd process{start.process->number(), POLLIN, 0};
+  return process.fd < 0 || poll(&process, 1, 0) > 0;
 }
 
 void Launcher::hasStarted(const std::string& path) {
@@ -112,21 +135,25 @@ std::optional<pid_t> Launcher::spawn(const std::string& path) {
     announced = announce(g_app_info_get_name(G_APP_INFO(info.get())), path);
     return announced;
   };
-  const auto bus = openBus();
+  auto opened = openBus();
+  if (!opened) return std::nullopt;
+  GDBusConnection* const bus = opened->get();
   const std::string busName = busNameOf(info.get(), path);
-  if (bus && !busName.empty()) {
-    // It has no process that we know of, and the bus itself starts it only once.
+  if (bus != nullptr && !busName.empty()) {
     const bool isAnnounced = g_desktop_app_info_get_boolean(info.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_NOTIFY);
-    startByBus(bus.get(), busName, isAnnounced ? announceIt() : std::string());
-    return std::nullopt;
+    startByBus(bus, busName, isAnnounced ? announceIt() : std::string());
+    // The bus delivers it when the program is there, and only if who sent it still is.
+    bus_.withLock([&](std::shared_ptr<const void>& kept) { kept = std::move(*opened); });
+    return noProcess;
   }
   const auto context = makeLaunchContext(announceIt);
-  pid_t process = 0;
+  if (sessionBusAddress() == noBus) g_app_launch_context_unsetenv(context.get(), busAddress);
+  pid_t process = noProcess;
   rlimit openFiles = openFiles_;
   const bool isLaunched = g_desktop_app_info_launch_uris_as_manager(
       info.get(), nullptr, context.get(), spawnFlags, startAfresh, &openFiles, notePid, &process, nullptr);
   if (!isLaunched && !announced.empty()) notice_.end(announced);
-  return isLaunched && process > 0 ? std::optional(process) : std::nullopt;
+  return isLaunched ? std::optional(process) : std::nullopt;
 }
 
 std::string Launcher::announce(const std::string& name, const std::string& path) {

@@ -23,12 +23,12 @@ namespace orvel {
 /// Threads: any. A launch waits for the file system, the X server and the session bus.
 class Launcher {
  public:
-  /// Programs get `openFiles` as their limit of open files.
-  Launcher(const ServerTime& time, const StartupNotice& notice, const rlimit& openFiles)
-      : time_(time), notice_(notice), openFiles_(openFiles) {}
+  /// Programs get `openFiles` as their limit of open files. Without a session bus it changes the environment of this
+  /// program, so that none is started: make it before other threads read that.
+  Launcher(const ServerTime& time, const StartupNotice& notice, const rlimit& openFiles);
 
-  /// Starts the program of the entry at `path`. No effect when it cannot be started, or was a moment ago and has shown
-  /// no window yet.
+  /// Starts the program of the entry at `path`. No effect when it cannot be started, when the session bus does not
+  /// answer, or when it was started a moment ago and has shown no window yet.
   void launch(const std::string& path);
 
   /// The program of the entry at `path` has shown a window: it does not start any more.
@@ -37,7 +37,7 @@ class Launcher {
  private:
   struct Start {
     std::chrono::steady_clock::time_point begun;
-    std::shared_ptr<const OwnedDescriptor> process;  // null until it is there
+    std::shared_ptr<const OwnedDescriptor> process;  // null until it is there; no number when none is known
   };
 
   using Starts = std::unordered_map<std::string, Start>;  // by path
@@ -51,6 +51,7 @@ class Launcher {
   const StartupNotice& notice_;
   const rlimit openFiles_;
   Guarded<Starts> starts_;
+  Guarded<std::shared_ptr<const void>> bus_;  // kept, not used
   Guarded<std::uint64_t> announcements_;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/linux/icons/IconImage.hpp"
 
 #include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/icons/PlainPNG.hpp"
 #include "platform/linux/icons/PlainSVG.hpp"
 
 #include <QBuffer>
@@ -56,7 +57,19 @@ QImage draw(const std::string& path, int pixels) {
   if (!content) return {};
   const auto bytes = QByteArray::fromStdString(*content);
   if (path.ends_with(".svg")) return drawVectors(bytes, pixels);
-  return drawPixels(bytes, path.ends_with(".xpm") ? "xpm" : "png", pixels);
+  if (path.ends_with(".xpm")) return drawPixels(bytes, "xpm", pixels);
+  const auto plain = plainPNG(bytes);
+  return plain ? drawPixels(*plain, "png", pixels) : QImage();
+}
+
+/// An icon of nothing but what is left out, as texts are, would be an empty place in a list.
+bool showsSomething(const QImage& square) {
+  for (int y = 0; y < square.height(); ++y) {
+    for (int x = 0; x < square.width(); ++x) {
+      if (qAlpha(square.pixel(x, y)) != 0) return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -65,7 +78,8 @@ std::optional<std::vector<std::uint8_t>> drawIcon(const std::string& path, int p
   const QImage square = draw(path, pixels);
   QByteArray bytes;
   QBuffer buffer(&bytes);
-  if (square.isNull() || !buffer.open(QIODevice::WriteOnly) || !square.save(&buffer, "PNG")) return std::nullopt;
+  if (!showsSomething(square) || !buffer.open(QIODevice::WriteOnly) || !square.save(&buffer, "PNG"))
+    return std::nullopt;
   return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
 }
 

@@ -13,7 +13,8 @@ namespace {
 
 constexpr qsizetype largestDrawing = qsizetype{2} << 20;
 constexpr std::int64_t mostElements = 20'000;
-constexpr qsizetype mostText = qsizetype{64} << 10;  // style sheets, for a drawing
+constexpr qsizetype longestStyle = qsizetype{4} << 10;
+constexpr qsizetype mostStyling = qsizetype{8} << 20;  // their length, for each element and letter of its class
 constexpr int deepestElement = 128;
 
 QString referenceIn(const QXmlStreamAttributes& attributes) {
@@ -71,11 +72,9 @@ class DrawingCost {
 
 bool isLeftOut(const QXmlStreamReader& reader) {
   const auto name = reader.name();
-  if (name == QLatin1String("image")) {
-    return !referenceIn(reader.attributes()).startsWith(QLatin1String("data:"));
-  }
-  return name.startsWith(QLatin1String("text")) || name == QLatin1String("font") ||
-         name == QLatin1String("foreignObject") || name == QLatin1String("script");
+  // A picture in the file itself may be a drawing again, with all that is left out here.
+  return name == QLatin1String("image") || name == QLatin1String("feImage") || name.startsWith(QLatin1String("text")) ||
+         name == QLatin1String("font") || name == QLatin1String("foreignObject") || name == QLatin1String("script");
 }
 
 }  // namespace
@@ -88,27 +87,32 @@ std::optional<QByteArray> plainSVG(const QByteArray& svg) {
   DrawingCost cost;
   int depth = 0;
   int elements = 0;
-  qsizetype text = 0;
+  bool isStyle = false;
+  qsizetype styles = 0;
+  qsizetype styled = 0;
   while (!reader.atEnd()) {
     reader.readNext();
     if (reader.isStartElement() && isLeftOut(reader)) {
       reader.skipCurrentElement();
     } else if (reader.isStartElement()) {
       if (++depth > deepestElement || ++elements > mostElements) return std::nullopt;
+      isStyle = reader.name() == QLatin1String("style");
+      styled += 1 + reader.attributes().value(QLatin1String("class")).size();
       const bool isUse = reader.name() == QLatin1String("use");
       cost.begin(reader.attributes().value(QLatin1String("id")).toString(),
                  isUse ? referenceIn(reader.attributes()) : QString());
       writer.writeCurrentToken(reader);
     } else if (reader.isEndElement()) {
       --depth;
+      isStyle = false;
       cost.end();
       writer.writeCurrentToken(reader);
-    } else if (reader.isCharacters() && !reader.isWhitespace()) {
-      if ((text += reader.text().size()) > mostText) return std::nullopt;
+    } else if (reader.isCharacters() && isStyle) {
+      if ((styles += reader.text().size()) > longestStyle) return std::nullopt;
       writer.writeCharacters(reader.text().toString());
     }
   }
-  if (reader.hasError() || !cost.isModest()) return std::nullopt;
+  if (reader.hasError() || !cost.isModest() || styles * styled > mostStyling) return std::nullopt;
   return plain;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/accessibility/TimeLimit.hpp"
+#include "platform/linux/bus/TimeLimit.hpp"
 
 #include <gio/gio.h>
 

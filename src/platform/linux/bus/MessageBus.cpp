@@ -1,50 +1,12 @@
-#include "platform/linux/accessibility/MessageBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
-#include <condition_variable>
+#include "platform/linux/bus/CancelledInTime.hpp"
+
 #include <cstdlib>
 #include <filesystem>
-#include <mutex>
-#include <stop_token>
 #include <system_error>
-#include <thread>
 
 namespace orvel {
-namespace {
-
-/// Cancels what waits, when it takes too long or when somebody else does not want it any more. For what has no time
-/// limit of its own.
-///
-/// Threads: made and destroyed on one.
-class CancelledInTime {
- public:
-  CancelledInTime(const TimeLimit& limit, GCancellable* cancellation)
-      : cancellable_(g_cancellable_new()), outer_(cancellation) {
-    const auto cancel = +[](GCancellable*, gpointer inner) { g_cancellable_cancel(G_CANCELLABLE(inner)); };
-    if (outer_ != nullptr) link_ = g_cancellable_connect(outer_, G_CALLBACK(cancel), cancellable_.get(), nullptr);
-    thread_ = std::jthread([this, limit](const std::stop_token& ended) {
-      std::mutex mutex;
-      std::unique_lock lock(mutex);
-      std::condition_variable_any changed;
-      const auto hasEnded = [&] { return ended.stop_requested(); };
-      if (!changed.wait_for(lock, ended, limit.left(), hasEnded)) g_cancellable_cancel(cancellable_.get());
-    });
-  }
-  ~CancelledInTime() {
-    if (outer_ != nullptr) g_cancellable_disconnect(outer_, link_);
-  }
-  CancelledInTime(const CancelledInTime&) = delete;
-  CancelledInTime& operator=(const CancelledInTime&) = delete;
-
-  GCancellable* get() const { return cancellable_.get(); }
-
- private:
-  const GLibPointer<GCancellable> cancellable_;
-  GCancellable* const outer_;
-  gulong link_ = 0;
-  std::jthread thread_;
-};
-
-}  // namespace
 
 std::string sessionBusAddress() {
   if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS")) return address;
