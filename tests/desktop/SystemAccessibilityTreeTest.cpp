@@ -131,7 +131,7 @@ struct SystemAccessibilityTreeTest : AccessibleFixture {
           [&, &widget = name, &expected = role] {
             return (fault = faultAt(window.place(widget), expected, toolkit.padding)).empty();
           },
-          Milliseconds(1000));
+          Milliseconds(3000));
       EXPECT_EQ(fault, "") << toolkit.name << ": " << name;
     }
   }
@@ -149,14 +149,14 @@ struct SystemAccessibilityTreeTest : AccessibleFixture {
   /// An entry of the menu that a click opens.
   void expectOpenMenu(const Toolkit& toolkit) {
     WidgetWindow window(bus, toolkit.name, toolkit.arguments);
-    const Point below = window.place("button").centre();
     ASSERT_TRUE(eventually([&] { return roleAt(window.place("menu").centre()) == "AXMenuBarItem"; }));
     click(window.place("menu").centre());
     std::string fault;
-    eventually([&] { return (fault = faultAt(window.place("item"), "AXMenuItem", toolkit.padding)).empty(); },
-               Milliseconds(1000));
+    eventually([&] { return (fault = faultAt(window.place("item"), "AXMenuItem", toolkit.padding)).empty(); });
     EXPECT_EQ(fault, "");
-    EXPECT_TRUE(toolkit.name == "gtk4" || roleAt(below) == "AXMenuItem") << "the menu covers the button";
+    if (toolkit.name == "gtk4") return;
+    EXPECT_TRUE(eventually([&] { return roleAt(window.place("button").centre()) == "AXMenuItem"; }))
+        << "the menu covers the button";
   }
 };
 
