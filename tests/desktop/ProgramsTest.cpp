@@ -478,16 +478,25 @@ TEST_F(LaunchTest, AProgramMayBeStartedByTheBusWhoseEndIsNotOurs) {
   std::ofstream(services / "org.example.Service.service")
       << "[D-BUS Service]\nName=org.example.Service\nExec=" << PLAIN_WINDOW
       << " service Service gtk=org.example.Service\n";
-  ChildProcess bus(
-      {.command = {"dbus-daemon", "--session", "--nofork", "--nosyslog", "--print-address=1", "--address=" + address}});
-  ASSERT_TRUE(bus.waitForOutput("unix:path="));
+  std::ofstream(services / "org.example.Other.service")
+      << "[D-BUS Service]\nName=org.example.Other\nExec=" << PLAIN_WINDOW << " other Other gtk=org.example.Other\n";
+  const ChildProcess::Program daemon{
+      .command = {"dbus-daemon", "--session", "--nofork", "--nosyslog", "--print-address=1", "--address=" + address}};
+  std::optional<ChildProcess> bus(daemon);
+  ASSERT_TRUE(bus->waitForOutput("unix:path="));
   setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
   workspace.open(writeEntry("org.example.Service.desktop", "Name=Service\nExec=false\nDBusActivatable=true"));
   EXPECT_TRUE(eventually([&] { return running() == Texts{"org.example.Service"}; }));
-  bus.signal(SIGKILL);
-  bus.waitForExit();
+  bus->signal(SIGKILL);
+  bus->waitForExit();
   std::this_thread::sleep_for(lull);
   EXPECT_EQ(running(), Texts{"org.example.Service"});
+
+  fs::remove(shared.desktop.home() / "run/bus");
+  bus.emplace(daemon);
+  ASSERT_TRUE(bus->waitForOutput("unix:path="));
+  workspace.open(writeEntry("org.example.Other.desktop", "Name=Other\nExec=false\nDBusActivatable=true"));
+  EXPECT_TRUE(eventually([&] { return running() == (Texts{"org.example.Service", "org.example.Other"}); }));
 }
 
 TEST_F(LaunchTest, WhatCannotStartHasNoEffect) {

@@ -64,8 +64,9 @@ std::string busNameOf(GDesktopAppInfo* info, const std::string& path) {
   return g_dbus_is_interface_name(name.c_str()) ? name : std::string();
 }
 
-/// Asks the bus to start a program, without waiting for that. GIO's own way would leave the reply to a main loop.
-void startByBus(GDBusConnection* bus, const std::string& name, const std::string& announced) {
+/// Asks the bus to start a program, and does not wait until it is there. GIO's own way would leave the reply to a main
+/// loop.
+void startByBus(const MessageBus& bus, const std::string& name, const std::string& announced) {
   std::string object = "/" + name;
   std::replace(object.begin(), object.end(), '.', '/');
   std::replace(object.begin(), object.end(), '-', '_');
@@ -76,9 +77,12 @@ void startByBus(GDBusConnection* bus, const std::string& name, const std::string
     g_variant_builder_add(&circumstances, "{sv}", "desktop-startup-id", g_variant_new_string(announced.c_str()));
   }
   g_variant_builder_close(&circumstances);
-  g_dbus_connection_call(bus, name.c_str(), object.c_str(), "org.freedesktop.Application", "Activate",
-                         g_variant_builder_end(&circumstances), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr,
-                         nullptr);
+  bus.call({.destination = name.c_str(),
+            .path = object.c_str(),
+            .interface = "org.freedesktop.Application",
+            .method = "Activate",
+            .arguments = g_variant_builder_end(&circumstances)},
+           TimeLimit(busPatience));
 }
 
 }  // namespace
@@ -137,13 +141,14 @@ std::optional<pid_t> Launcher::spawn(const std::string& path) {
   };
   auto opened = openBus();
   if (!opened) return std::nullopt;
-  GDBusConnection* const bus = opened->get();
   const std::string busName = busNameOf(info.get(), path);
-  if (bus != nullptr && !busName.empty()) {
+  auto bus = busName.empty() ? std::nullopt : MessageBus::open(sessionBusAddress(), TimeLimit(busPatience));
+  if (bus) {
     const bool isAnnounced = g_desktop_app_info_get_boolean(info.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_NOTIFY);
-    startByBus(bus, busName, isAnnounced ? announceIt() : std::string());
+    startByBus(*bus, busName, isAnnounced ? announceIt() : std::string());
     // The bus delivers it when the program is there, and only if who sent it still is.
-    bus_.withLock([&](std::shared_ptr<const void>& kept) { kept = std::move(*opened); });
+    bus_.withLock(
+        [&](std::shared_ptr<const MessageBus>& kept) { kept = std::make_shared<const MessageBus>(*std::move(bus)); });
     return noProcess;
   }
   const auto context = makeLaunchContext(announceIt);

@@ -17,6 +17,8 @@
 
 namespace orvel {
 
+class MessageBus;
+
 /// Starts programs by their desktop entries, as the desktop itself would: each has a session of its own and nothing of
 /// what this program has changed for itself, and lives on when this program ends.
 ///
@@ -51,7 +53,7 @@ class Launcher {
   const StartupNotice& notice_;
   const rlimit openFiles_;
   Guarded<Starts> starts_;
-  Guarded<std::shared_ptr<const void>> bus_;  // kept, not used
+  Guarded<std::shared_ptr<const MessageBus>> bus_;  // kept for what it has yet to deliver
   Guarded<std::uint64_t> announcements_;
 };
 
