@@ -1,0 +1,192 @@
+#include "mirror/ScreenMirror.hpp"
+
+#include "mirror/CaptureService.hpp"
+#include "mirror/CapturedFrame.hpp"
+#include "mirror/JPEGEncoder.hpp"
+#include "mirror/ScreenRecordingAccess.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+constexpr std::int64_t mostInFlight = 2;
+constexpr double bestQuality = 0.85;
+constexpr double qualityFall = 0.06;  // faster than it rises again
+constexpr double qualityRise = 0.02;
+constexpr double leastWidth = 320;
+constexpr double leastHeight = 240;
+constexpr std::int64_t mostFrames = 30;  // a second
+constexpr std::int64_t completeStatus = 0;
+
+CaptureConfiguration configurationFor(const Size& display, std::int64_t maxWidth, std::int64_t fps) {
+  const double scale = std::min(static_cast<double>(maxWidth) / display.width, 1.0);
+  return {.width = static_cast<int>(std::max(std::round(display.width * scale), leastWidth)),
+          .height = static_cast<int>(std::max(std::round(display.height * scale), leastHeight)),
+          .framesPerSecond = static_cast<int>(std::clamp<std::int64_t>(fps, 1, mostFrames))};
+}
+
+bool isComplete(const CapturedFrame& frame) {
+  return frame.status().value_or(completeStatus) == completeStatus;
+}
+
+double adapted(double quality, double requested, std::int64_t size) {
+  if (size > ScreenMirror::frameBudget) return std::max(quality - qualityFall, ScreenMirror::qualityFloor);
+  if (size < ScreenMirror::frameBudget / 2) return std::min(quality + qualityRise, requested);
+  return quality;
+}
+
+}  // namespace
+
+std::string_view ScreenMirror::description(MirrorError error) {
+  switch (error) {
+    case MirrorError::notPermitted:
+      return "Screen Recording is off for Orvel. Turn it on in Privacy & Security.";
+    case MirrorError::noDisplay:
+      return "No display available to capture.";
+  }
+  return {};
+}
+
+ScreenMirror::ScreenMirror(const Dependencies& dependencies) : dependencies_(dependencies) {}
+
+ScreenMirror::~ScreenMirror() {
+  // Before the state goes that its frames look at.
+  takeStream().reset();
+}
+
+void ScreenMirror::setOnFrame(FrameHandler handler) {
+  auto next = handler ? std::make_shared<const FrameHandler>(std::move(handler)) : nullptr;
+  // What the old one holds goes outside of the lock.
+  state_.withLock([&](State& state) { state.onFrame.swap(next); });
+}
+
+void ScreenMirror::start(std::int64_t maxWidth, std::int64_t fps, double quality, Completion completion) {
+  state_.withLock([&](State& state) {
+    state.requestedQuality = std::clamp(quality, qualityFloor, bestQuality);
+    state.workingQuality = state.requestedQuality;
+  });
+  if (!dependencies_.access.isGranted()) {
+    completion(std::string(description(MirrorError::notPermitted)));
+    return;
+  }
+  dependencies_.queue.post(
+      [this, maxWidth, fps, completion = std::move(completion)] { begin(maxWidth, fps, completion); });
+}
+
+void ScreenMirror::begin(std::int64_t maxWidth, std::int64_t fps, const Completion& completion) {
+  const Outcome outcome = startStream(maxWidth, fps);
+  if (std::holds_alternative<std::string>(outcome)) takeStream().reset();
+  completion(outcome);
+  letFramesPass();
+}
+
+ScreenMirror::Outcome ScreenMirror::startStream(std::int64_t maxWidth, std::int64_t fps) {
+  auto asked = dependencies_.capture.shareableContent();
+  if (const auto* failure = std::get_if<CaptureFailure>(&asked)) return failure->description;
+  ShareableContent& content = *std::get<std::unique_ptr<ShareableContent>>(asked);
+  const std::vector<Size> displays = content.displays();
+  if (displays.empty()) return std::string(description(MirrorError::noDisplay));
+  const CaptureConfiguration configuration = configurationFor(displays.front(), maxWidth, fps);
+  auto started = content.start(0, configuration,
+                               {.frame = [this](CapturedFrame& frame) { return frameCaptured(frame); },
+                                .stopped = [this](const std::string&) { streamStopped(); }});
+  if (const auto* failure = std::get_if<CaptureFailure>(&started)) return failure->description;
+  adopt(std::get<std::unique_ptr<CaptureStream>>(std::move(started)));
+  return Size{static_cast<double>(configuration.width), static_cast<double>(configuration.height)};
+}
+
+void ScreenMirror::adopt(std::shared_ptr<CaptureStream> stream) {
+  // One that nobody has stopped is replaced and goes outside of the lock.
+  state_.withLock([&](State& state) {
+    state.stream.swap(stream);
+    state.inFlight = 0;
+    ++state.captureNumber;
+  });
+}
+
+/// From now on frames are delivered: whoever asked for them knows their size.
+void ScreenMirror::letFramesPass() {
+  state_.withLock([](State& state) {
+    state.isRunning = state.stream != nullptr;
+    if (state.isRunning && std::exchange(state.streamWaits, false)) state.stream->resume();
+  });
+}
+
+FrameAnswer ScreenMirror::frameCaptured(CapturedFrame& frame) {
+  if (!frame.isScreen() || !frame.isValid() || !isComplete(frame)) return FrameAnswer::taken;
+  if (!hasRoom()) return FrameAnswer::waits;
+  const PixelBuffer* pixels = frame.pixels();
+  if (pixels == nullptr) return FrameAnswer::taken;
+  const double quality = state_.withLock([](const State& state) { return state.workingQuality; });
+  auto jpeg = dependencies_.encoder.encode(*pixels, quality);
+  return jpeg ? deliver(*std::move(jpeg)) : FrameAnswer::taken;
+}
+
+bool ScreenMirror::hasRoom() {
+  return state_.withLock([](State& state) {
+    const bool room = state.isRunning && state.inFlight < mostInFlight;
+    state.streamWaits = !room;
+    return room;
+  });
+}
+
+FrameAnswer ScreenMirror::deliver(SharedBytes jpeg) {
+  FrameAnswer answer = FrameAnswer::taken;
+  std::uint64_t captureNumber = 0;
+  const auto handler = state_.withLock([&](State& state) -> std::shared_ptr<const FrameHandler> {
+    const auto size = static_cast<std::int64_t>(jpeg.size);
+    const double quality =
+        std::exchange(state.workingQuality, adapted(state.workingQuality, state.requestedQuality, size));
+    if (size > frameCeiling) {
+      // At the floor the next one would be as large.
+      if (quality > qualityFloor) answer = FrameAnswer::again;
+      return nullptr;
+    }
+    if (!state.isRunning) return nullptr;
+    ++state.inFlight;
+    captureNumber = state.captureNumber;
+    return state.onFrame;
+  });
+  if (handler) (*handler)(std::move(jpeg), [this, captureNumber] { frameSent(captureNumber); });
+  return answer;
+}
+
+void ScreenMirror::frameSent(std::uint64_t captureNumber) {
+  state_.withLock([&](State& state) {
+    // The frames of a capture that has ended are forgotten.
+    if (captureNumber != state.captureNumber) return;
+    state.inFlight = std::max<std::int64_t>(state.inFlight - 1, 0);
+    if (state.stream && std::exchange(state.streamWaits, false)) state.stream->resume();
+  });
+}
+
+void ScreenMirror::stop() {
+  endLater(takeStream());
+}
+
+void ScreenMirror::streamStopped() {
+  endLater(state_.withLock([](State& state) {
+    state.isRunning = false;
+    return std::move(state.stream);
+  }));
+}
+
+std::shared_ptr<CaptureStream> ScreenMirror::takeStream() {
+  return state_.withLock([](State& state) {
+    state.isRunning = false;
+    state.inFlight = 0;
+    ++state.captureNumber;
+    return std::move(state.stream);
+  });
+}
+
+/// Before the next start, and not by the network, by the lock or by the stream itself: to end takes a while.
+void ScreenMirror::endLater(std::shared_ptr<CaptureStream> stream) {
+  if (stream) dependencies_.queue.post([stream = std::move(stream)]() mutable { stream.reset(); });
+}
+
+}  // namespace orvel
