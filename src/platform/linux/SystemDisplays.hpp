@@ -2,12 +2,11 @@
 
 #include "base/Guarded.hpp"
 #include "input/Displays.hpp"
+#include "platform/linux/x11/MonitorList.hpp"
 
 #include <xcb/xcb.h>
 
-#include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace orvel {
 
@@ -18,7 +17,7 @@ class X11Connection;
 /// Threads: any; `handle` is called on the thread of the connection.
 class SystemDisplays final : public Displays {
  public:
-  explicit SystemDisplays(X11Connection& connection);
+  explicit SystemDisplays(const X11Connection& connection);
 
   std::shared_ptr<const DisplayLayout> layout() const override;
 
@@ -34,13 +33,9 @@ class SystemDisplays final : public Displays {
     Size screenSize;
   };
 
-  void observeChanges();
-  std::optional<State> ask() const;
   void refresh();
-  bool tellsOfChange(const xcb_generic_event_t& event) const;
 
-  X11Connection& connection_;
-  const std::optional<std::uint8_t> firstEvent_;  // of RandR, when the server has it
+  const MonitorList monitors_;
   Guarded<State> state_;
 };
 
