@@ -10,10 +10,13 @@ namespace orvel {
 class AccessibilityTree;
 class Advertiser;
 class ApplicationBundles;
+class CaptureService;
 class Displays;
 class EventPoster;
+class JPEGEncoder;
 class Machine;
 class Preferences;
+class ScreenRecordingAccess;
 class SocketTuner;
 class TrustCheck;
 class Workspace;
@@ -26,10 +29,13 @@ class Platform {
   virtual AccessibilityTree& accessibility() = 0;
   virtual Advertiser& advertiser() = 0;
   virtual ApplicationBundles& bundles() = 0;
+  virtual CaptureService& capture() = 0;
   virtual Displays& displays() = 0;
+  virtual JPEGEncoder& encoder() = 0;
   virtual EventPoster& events() = 0;
   virtual Machine& machine() = 0;
   virtual Preferences& preferences() = 0;
+  virtual ScreenRecordingAccess& screenRecording() = 0;
   virtual SocketTuner& socketTuner() = 0;
   virtual TrustCheck& trust() = 0;
   virtual Workspace& workspace() = 0;

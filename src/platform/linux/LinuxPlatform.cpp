@@ -38,12 +38,15 @@ void giveMemoryBack() {
 
 }  // namespace
 
-LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, const rlimit& openFiles)
+LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, const std::string& display,
+                             const rlimit& openFiles)
     : connection_(std::move(connection)),
       accessibility_(*connection_),
       bundles_(desktopEntries_),
+      capture_(*connection_, display),
       displays_(*connection_),
       events_(*connection_, displays_),
+      screenRecording_(*connection_),
       trust_(*connection_),
       workspace_(*connection_, desktopEntries_, dataFolders_, openFiles) {}
 
@@ -70,6 +73,11 @@ void LinuxPlatform::observeEnd(std::function<void()> handler) {
   if (late) handler();
 }
 
+void LinuxPlatform::giveUp() {
+  connection_->breakOff();
+  capture_.giveUp();
+}
+
 void LinuxPlatform::end() {
   const auto handler = end_.withLock([](End& end) {
     end.hasCome = true;
@@ -85,7 +93,7 @@ std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   if (display == nullptr || *display == '\0') return needsDesktop("no X display is named in DISPLAY.");
   auto connection = X11Connection::open(display);
   if (!connection) return needsDesktop("no X display answers at \"" + std::string(display) + "\".");
-  auto platform = std::make_unique<LinuxPlatform>(std::move(connection), openFiles);
+  auto platform = std::make_unique<LinuxPlatform>(std::move(connection), display, openFiles);
   if (!platform->listen()) return needsDesktop("the system has no thread left to follow it with.");
   return platform;
 }

@@ -5,10 +5,13 @@
 #include "platform/linux/SystemAccessibilityTree.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
+#include "platform/linux/SystemCaptureService.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/SystemEventPoster.hpp"
+#include "platform/linux/SystemJPEGEncoder.hpp"
 #include "platform/linux/SystemMachine.hpp"
 #include "platform/linux/SystemPreferences.hpp"
+#include "platform/linux/SystemScreenRecordingAccess.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
 #include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
@@ -20,6 +23,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace orvel {
 
@@ -28,8 +32,8 @@ namespace orvel {
 /// Threads: any, but made and destroyed by its owner, never by the handler of `observeEnd`.
 class LinuxPlatform final : public Platform {
  public:
-  /// Programs that it starts get `openFiles` as their limit of open files.
-  LinuxPlatform(std::unique_ptr<X11Connection> connection, const rlimit& openFiles);
+  /// The connection is one to `display`. Programs that it starts get `openFiles` as their limit of open files.
+  LinuxPlatform(std::unique_ptr<X11Connection> connection, const std::string& display, const rlimit& openFiles);
   ~LinuxPlatform() override;
 
   /// Starts to follow the desktop. Called once. False when the system has no thread to give.
@@ -38,17 +42,20 @@ class LinuxPlatform final : public Platform {
   AccessibilityTree& accessibility() override { return accessibility_; }
   Advertiser& advertiser() override { return advertiser_; }
   ApplicationBundles& bundles() override { return bundles_; }
+  CaptureService& capture() override { return capture_; }
   Displays& displays() override { return displays_; }
+  JPEGEncoder& encoder() override { return encoder_; }
   EventPoster& events() override { return events_; }
   Machine& machine() override { return machine_; }
   Preferences& preferences() override { return preferences_; }
+  ScreenRecordingAccess& screenRecording() override { return screenRecording_; }
   SocketTuner& socketTuner() override { return socketTuner_; }
   TrustCheck& trust() override { return trust_; }
   Workspace& workspace() override { return workspace_; }
 
   void observeEnd(std::function<void()> handler) override;
   void stopTyping() override { events_.stopTyping(); }
-  void giveUp() override { connection_->breakOff(); }
+  void giveUp() override;
 
  private:
   struct End {
@@ -64,10 +71,13 @@ class LinuxPlatform final : public Platform {
   SystemAccessibilityTree accessibility_;
   SystemAdvertiser advertiser_;
   SystemApplicationBundles bundles_;
+  SystemCaptureService capture_;
   SystemDisplays displays_;
+  SystemJPEGEncoder encoder_;
   SystemEventPoster events_;
   SystemMachine machine_;
   SystemPreferences preferences_;
+  SystemScreenRecordingAccess screenRecording_;
   SystemSocketTuner socketTuner_;
   SystemTrustCheck trust_;
   SystemWorkspace workspace_;

@@ -1,0 +1,66 @@
+#include "platform/linux/capture/ScreenView.hpp"
+
+#include <utility>
+
+namespace orvel {
+
+ScreenView::ScreenView(const X11Connection& connection, std::size_t display, const ScreenFormat& format, int width,
+                       int height)
+    : connection_(connection), format_(format), watch_(connection, display), scaler_(width, height) {}
+
+bool ScreenView::look() {
+  watch_.takeEvents();
+  const PixelRect& area = watch_.askArea();
+  const bool hasMoved = image_ ? image_->area() != area : !area.isEmpty();
+  if (hasMoved) moveTo(area);
+  if (!image_) return false;
+  const bool isDrawnOn = wasDrawnOn();
+  return cursorHasChanged() || isDrawnOn || hasMoved;
+}
+
+void ScreenView::moveTo(const PixelRect& area) {
+  image_.reset();
+  previous_.reset();
+  shownCursor_ = {};
+  if (area.isEmpty()) return;
+  image_ = std::make_unique<ScreenImage>(connection_, format_, area);
+  if (!watch_.tellsOfDrawing()) previous_ = std::make_unique<ScreenImage>(connection_, format_, area);
+  stale_ = {0, area.height};
+}
+
+bool ScreenView::wasDrawnOn() {
+  if (!watch_.tellsOfDrawing()) return looksDifferent();
+  const PixelRect drawn = watch_.takeDrawing(image_->area());
+  if (drawn.isEmpty()) return false;
+  const int top = drawn.y - image_->area().y;
+  stale_ = stale_.unionWith({top, top + drawn.height});
+  return true;
+}
+
+bool ScreenView::looksDifferent() {
+  if (!previous_->fetch({0, previous_->area().height}) || previous_->showsTheSameAs(*image_)) return false;
+  std::swap(image_, previous_);
+  stale_ = {};
+  return true;
+}
+
+bool ScreenView::cursorHasChanged() {
+  cursor_ = watch_.askCursor();
+  const auto isInside = [&](const Cursor& cursor) { return !cursor.area().intersectedWith(image_->area()).isEmpty(); };
+  return cursor_ != shownCursor_ && (isInside(cursor_) || isInside(shownCursor_));
+}
+
+const PixelBuffer* ScreenView::picture() {
+  if (!image_->fetch(stale_)) return nullptr;
+  stale_ = {};
+  overlay_.draw(cursor_, *image_);
+  shownCursor_ = cursor_;
+  picture_ = scaler_.scale({image_->bytes(), image_->bytesPerRow(), image_->area().width, image_->area().height});
+  return &picture_;
+}
+
+void ScreenView::putAway() {
+  overlay_.takeOut(*image_);
+}
+
+}  // namespace orvel

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "mirror/PixelBuffer.hpp"
+#include "platform/linux/capture/Cursor.hpp"
+#include "platform/linux/capture/CursorOverlay.hpp"
+#include "platform/linux/capture/FrameScaler.hpp"
+#include "platform/linux/capture/Rows.hpp"
+#include "platform/linux/capture/ScreenFormat.hpp"
+#include "platform/linux/capture/ScreenImage.hpp"
+#include "platform/linux/capture/ScreenWatch.hpp"
+
+#include <memory>
+
+namespace orvel {
+
+/// One display as a person sees it, brought to the size of a frame. Threads: one at a time; waits for the server.
+class ScreenView {
+ public:
+  /// Where the display is, what it shows, and how large a frame is.
+  ScreenView(const X11Connection& connection, std::size_t display, const ScreenFormat& format, int width, int height);
+
+  /// Looks whether there is something new to be seen since the last `picture`.
+  bool look();
+
+  /// Whether the display is there.
+  bool exists() const { return image_ != nullptr; }
+
+  /// The display as it is now. Only what has changed of it is fetched. Null when the server does not show it.
+  const PixelBuffer* picture();
+
+  /// Ends the use of the picture.
+  void putAway();
+
+  /// Tells whether and when to look.
+  ScreenWatch& watch() { return watch_; }
+
+ private:
+  void moveTo(const PixelRect& area);
+  bool wasDrawnOn();
+  bool looksDifferent();
+  bool cursorHasChanged();
+
+  const X11Connection& connection_;
+  const ScreenFormat format_;
+  ScreenWatch watch_;
+  FrameScaler scaler_;
+  CursorOverlay overlay_;
+  std::unique_ptr<ScreenImage> image_;     // null while there is no display
+  std::unique_ptr<ScreenImage> previous_;  // only when the server does not tell what was drawn
+  Rows stale_;                             // what of the image is to be fetched
+  Cursor cursor_;                          // as it is now
+  Cursor shownCursor_;                     // as it was in the last picture
+  PixelBuffer picture_;
+};
+
+}  // namespace orvel
