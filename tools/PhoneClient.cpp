@@ -7,7 +7,6 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/websocket.hpp>
 #include <boost/json/array.hpp>
-#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <sodium.h>
 
@@ -23,18 +22,9 @@ namespace asio = boost::asio;
 namespace websocket = boost::beast::websocket;
 using boost::system::error_code;
 using tcp = asio::ip::tcp;
-using Moment = std::chrono::steady_clock::time_point;
 
 constexpr Seconds sendLimit{10};
 constexpr std::size_t longestMessage = 8 * 1024 * 1024;
-
-Moment after(Seconds duration) {
-  return std::chrono::steady_clock::now() + std::chrono::duration_cast<Moment::duration>(duration);
-}
-
-Seconds until(Moment moment) {
-  return moment - std::chrono::steady_clock::now();
-}
 
 Error timedOut(std::string_view what) {
   return {Error::Kind::timedOut, std::string(what) + " did not come in time"};
@@ -45,25 +35,6 @@ Error ended(const error_code& code) {
     return {Error::Kind::ended, "the host closed the connection"};
   }
   return {Error::Kind::ended, "the connection was lost: " + code.message()};
-}
-
-const boost::json::string* stringIn(const boost::json::object& message, std::string_view key) {
-  const auto* value = message.if_contains(key);
-  return value ? value->if_string() : nullptr;
-}
-
-/// The control message that a host's message is, if it is one.
-std::optional<boost::json::object> controlIn(const HostMessage& message) {
-  if (!message.isText) return std::nullopt;
-  boost::json::error_code error;
-  boost::json::value parsed = boost::json::parse(message.payload, error);
-  if (error || !parsed.is_object()) return std::nullopt;
-  return std::move(parsed.get_object());
-}
-
-bool isKind(const std::optional<boost::json::object>& control, std::string_view kind) {
-  const auto* found = control ? stringIn(*control, "t") : nullptr;
-  return found && *found == kind;
 }
 
 Result<Greeting> greetingFrom(const boost::json::object& message) {
@@ -202,7 +173,8 @@ void PhoneClient::Connection::read() {
       ended_ = code;
       return;
     }
-    arrived_ = HostMessage{stream_.got_text(), boost::beast::buffers_to_string(buffer_.data())};
+    const Arrival now{std::chrono::steady_clock::now(), std::chrono::system_clock::now()};
+    arrived_ = HostMessage{stream_.got_text(), boost::beast::buffers_to_string(buffer_.data()), now};
     buffer_.consume(buffer_.size());
   });
 }
@@ -278,8 +250,7 @@ Result<Welcome> PhoneClient::pair(std::string_view token, std::string_view devic
     const auto answer = controlIn(*message);
     if (isKind(answer, "ready")) return welcomeFrom(*answer);
     if (!isKind(answer, "denied")) continue;
-    const auto* reason = stringIn(*answer, "reason");
-    return Error{Error::Kind::denied, reason ? std::string(*reason) : "The host gave no reason."};
+    return Error{Error::Kind::denied, reasonIn(*answer)};
   }
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "tools/Deadline.hpp"
+#include "tools/HostMessage.hpp"
 #include "tools/PhoneResult.hpp"
 
 #include <boost/json/object.hpp>
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -12,8 +13,6 @@
 #include <string_view>
 
 namespace orvel::phone {
-
-using Seconds = std::chrono::duration<double>;
 
 /// What the host says of itself when a phone connects.
 struct Greeting {
@@ -26,12 +25,6 @@ struct Greeting {
 struct Welcome {
   std::string mac;
   bool accessibility = false;  ///< Whether the computer lets the host post input.
-};
-
-/// One whole message of the host.
-struct HostMessage {
-  bool isText = false;
-  std::string payload;
 };
 
 /// The answer to `nonce` that proves the knowledge of `token`: 64 lower-case hexadecimal digits.

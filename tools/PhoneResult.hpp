@@ -14,7 +14,7 @@ struct Error {
     unreachable,  ///< No connection came about.
     ended,        ///< The connection has ended.
     timedOut,     ///< Nothing came within the time allowed; the connection stands.
-    denied,       ///< The host refused the proof.
+    denied,       ///< The host refused the proof, or what was asked for.
     unexpected,   ///< The host said something that a phone cannot make sense of.
     local,        ///< A file or the input of this program is at fault.
   };
