@@ -24,6 +24,9 @@ void ConsoleStatus::show(const HubState& was, const HubState& next) {
     out_ << *next.lastError << "\nHere that is: end this with Ctrl-C and start it again.\n";
   }
   if (next.clients.size() != was.clients.size()) out_ << phonesConnected(next.clients.size()) << '\n';
+  if (next.mirroring != was.mirroring) {
+    out_ << (next.mirroring ? "Sharing your screen\n" : "No longer sharing your screen\n");
+  }
   out_.flush();
 }
 

@@ -46,11 +46,16 @@ class DesktopPatience {
 OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
     : mainLoop_(mainLoop),
       platform_(platform),
-      pointerQueue_(pointerWorkers_.makeSerialQueue()),
-      snapQueue_(pointerWorkers_.makeSerialQueue()),
+      pointerQueue_(swiftWorkers_.makeSerialQueue()),
+      snapQueue_(swiftWorkers_.makeSerialQueue()),
+      mirrorQueue_(swiftWorkers_.makeSerialQueue()),
       apps_(platform.workspace(), platform.bundles()),
       keyboard_(platform.events(), clock_),
       media_(platform.events()),
+      mirror_({.access = platform.screenRecording(),
+               .capture = platform.capture(),
+               .encoder = platform.encoder(),
+               .queue = *mirrorQueue_}),
       pairing_(platform.preferences()),
       permission_(platform.trust()),
       pointer_(platform.events(), platform.displays(), clock_, *pointerQueue_),
@@ -65,10 +70,12 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                 .keyboard = keyboard_,
                 .machine = platform.machine(),
                 .media = media_,
+                .mirror = mirror_,
                 .pairing = pairing_,
                 .permission = permission_,
                 .pointer = pointer_,
                 .queues = sessionWorkers_,
+                .recording = platform.screenRecording(),
                 .snap = snap_,
                 .trust = platform.trust()},
       hub_(ServerHub::make({.advertiser = platform.advertiser(),
@@ -96,7 +103,7 @@ int OrvelApp::run() {
   // use.
   network_.finish();
   sessionWorkers_.finish();
-  pointerWorkers_.finish();
+  swiftWorkers_.finish();
   return exitCode;
 }
 

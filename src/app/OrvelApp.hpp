@@ -10,6 +10,7 @@
 #include "input/MediaDriver.hpp"
 #include "input/PermissionGate.hpp"
 #include "input/PointerDriver.hpp"
+#include "mirror/ScreenMirror.hpp"
 #include "session/ClientSession.hpp"
 #include "session/NetworkThread.hpp"
 #include "session/PairingStore.hpp"
@@ -38,13 +39,15 @@ class OrvelApp {
   MainLoop& mainLoop_;
   Platform& platform_;
   SystemClock clock_;
-  WorkerThreads pointerWorkers_;  // its own, for however many texts are being typed the pointer moves
+  WorkerThreads swiftWorkers_;  // for what must not wait, however many texts are being typed
   WorkerThreads sessionWorkers_;
   const std::unique_ptr<Executor> pointerQueue_;
   const std::unique_ptr<Executor> snapQueue_;
+  const std::unique_ptr<Executor> mirrorQueue_;
   AppCatalog apps_;
   KeyboardDriver keyboard_;
   MediaDriver media_;
+  ScreenMirror mirror_;
   PairingStore pairing_;
   PermissionGate permission_;
   PointerDriver pointer_;

@@ -169,6 +169,10 @@ void ServerHub::leave(const SessionID& id) {
   publishClients();
 }
 
+void ServerHub::setMirroring(bool on) {
+  onMainThread([on](ServerHub& hub) { hub.publish([on](HubState& next) { next.mirroring = on; }); });
+}
+
 void ServerHub::watchPermission() {
   permissionWatch_ = std::make_unique<RepeatingTimer>(dependencies_.mainThread, dependencies_.clock, permissionInterval,
                                                       permissionInterval, [self = weak_from_this()] {

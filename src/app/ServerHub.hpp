@@ -28,6 +28,7 @@ struct HubState {
   std::vector<std::string> clients{};      ///< The names of the connected phones, sorted.
   bool accessibilityGranted = false;       ///< This program may post input.
   std::optional<std::string> lastError{};  ///< The last listener error, in words for the user.
+  bool mirroring = false;                  ///< A phone sees the screen.
 
   friend bool operator==(const HubState&, const HubState&) = default;
 };
@@ -70,6 +71,9 @@ class ServerHub final : public SessionHub, public std::enable_shared_from_this<S
 
   /// Threads: any.
   void leave(const SessionID& id) override;
+
+  /// Threads: any.
+  void setMirroring(bool on) override;
 
   /// The JSON text that the pairing QR code encodes. Threads: any.
   std::string pairingPayload() const;

@@ -140,6 +140,8 @@ void ClientSession::teardown() {
     heldKeys_.releaseAll();
     services_.events.flush();
   }
+  stopMirror();
+  hasEnded_ = true;
   if (const auto hub = hub_.lock()) hub->leave(id_);
 }
 

@@ -2,8 +2,10 @@
 
 #include "base/Executor.hpp"
 #include "base/Guarded.hpp"
+#include "base/SharedBytes.hpp"
 #include "input/FrameDecoder.hpp"
 #include "input/HeldKeys.hpp"
+#include "mirror/ScreenMirror.hpp"
 #include "session/SessionHub.hpp"
 #include "session/Transport.hpp"
 
@@ -30,6 +32,7 @@ class MediaDriver;
 class PairingStore;
 class PermissionGate;
 class PointerDriver;
+class ScreenRecordingAccess;
 class TrustCheck;
 struct ControlMessage;
 
@@ -40,10 +43,12 @@ struct SessionServices {
   KeyboardDriver& keyboard;
   const Machine& machine;
   MediaDriver& media;
+  ScreenMirror& mirror;
   PairingStore& pairing;
   PermissionGate& permission;
   PointerDriver& pointer;
   QueueFactory& queues;
+  ScreenRecordingAccess& recording;
   CursorSnap& snap;
   TrustCheck& trust;
 };
@@ -67,6 +72,10 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
 
   /// Sends one message as compact JSON. A message that is not valid UTF-8 is dropped.
   void send(const boost::json::object& json);
+
+  /// Sends one image of the screen, and calls `sent` when the network has taken it. A phone that has not proved that it
+  /// knows the token gets none; then `sent` is called at once. Threads: the connection's queue.
+  void sendMirrorFrame(SharedBytes jpeg, Task sent);
 
   /// Closes the connection; the session then takes itself down on its own queue.
   void cancel();
@@ -94,6 +103,10 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void getApps();
   void getIcons(const std::vector<std::string>& ids);
   void reveal();
+
+  void startMirror(std::int64_t width, std::int64_t fps, double quality);
+  void mirrorStarted(const ScreenMirror::Outcome& outcome);
+  void stopMirror();
 
   void handleInput(std::span<const std::uint8_t> frame);
   void carryOut(const FrameDecoder::Move& move);
@@ -124,6 +137,8 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   HeldKeys heldKeys_;
   std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
   bool readingPaused_ = false;
+  bool owningMirror_ = false;  // this session has started the capture and not stopped it since
+  bool hasEnded_ = false;
 };
 
 }  // namespace orvel

@@ -20,6 +20,8 @@ void ClientSession::handleControl(std::span<const std::uint8_t> data) {
     authenticate(*message);
   } else if (message->kind == "ping") {
     send({{"t", "pong"}});
+  } else if (message->kind == "mirrorStop") {
+    stopMirror();
   } else if (authenticated_) {
     serve(*message);
   }

@@ -39,6 +39,8 @@ void ClientSession::serve(const ControlMessage& request) {
     services_.snap.settle();
   } else if (request.kind == "reveal") {
     reveal();
+  } else if (request.kind == "mirrorStart") {
+    startMirror(request.width.value_or(900), request.fps.value_or(12), request.quality.value_or(0.45));
   }
 }
 

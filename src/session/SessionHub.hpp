@@ -16,6 +16,9 @@ class SessionHub {
 
   /// Forgets the session. Harmless when it is not known.
   virtual void leave(const SessionID& id) = 0;
+
+  /// Says whether a phone sees the screen.
+  virtual void setMirroring(bool on) = 0;
 };
 
 }  // namespace orvel

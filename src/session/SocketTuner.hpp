@@ -22,6 +22,10 @@ class SocketTuner {
 
   /// What becomes of the data sent; a peer that is silent for longer than `patience` ignores it. Does not block.
   virtual Delivery delivery(int socket, Seconds patience) = 0;
+
+  /// How long it will take, at the pace of the last moments, until what was sent has left this computer. 0 when it has.
+  /// Does not block.
+  virtual Seconds backlog(int socket) = 0;
 };
 
 }  // namespace orvel

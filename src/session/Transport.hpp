@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Executor.hpp"
+#include "base/SharedBytes.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -46,6 +47,11 @@ class Transport {
   /// Sends one whole message, once the connection is ready, after all earlier ones, then calls `sent` on `queue`, also
   /// when it failed. Threads: any.
   virtual void send(MessageType type, std::string payload, Task sent) = 0;
+
+  /// Sends one binary message that is `marker` and then `image`, without copying it, after all earlier messages and
+  /// frames; messages of `send` overtake it for as long as it has not begun. Calls `taken` on `queue` when the network
+  /// has taken it and the next would not wait for long, or when the connection has ended. Threads: any.
+  virtual void sendFrame(std::uint8_t marker, SharedBytes image, Task taken) = 0;
 
   /// Closes the connection at once. Harmless when it is closed. Threads: any.
   virtual void cancel() = 0;

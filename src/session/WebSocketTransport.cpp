@@ -1,6 +1,7 @@
 #include "session/WebSocketTransport.hpp"
 
 #include "base/UTF8.hpp"
+#include "session/FrameLane.hpp"
 #include "session/NetworkQueue.hpp"
 #include "session/SocketLayer.hpp"
 #include "session/SocketTuner.hpp"
@@ -14,8 +15,10 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/websocket/stream.hpp>
 
+#include <array>
 #include <chrono>
 #include <list>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -60,8 +63,8 @@ struct Opening {
 /// One connection. Everything runs on the network thread; pending operations keep it alive.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  Connection(ConnectionSocket socket, SocketTuner& tuner, std::size_t maximumMessageSize)
-      : tuner_(tuner), stream_(std::move(socket)), timer_(stream_.get_executor()) {
+  Connection(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
+      : queue_(queue), tuner_(tuner), stream_(std::move(socket)), timer_(stream_.get_executor()) {
     stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeLimit,
                                                        .idle_timeout = websocket::stream_base::none(),
                                                        .keep_alive_pings = false});
@@ -91,12 +94,24 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void send(MessageType type, std::string payload, Task sent) {
     outgoing_.push_back({type, std::move(payload), std::move(sent)});
-    if (outgoing_.size() == 1) write();
+    write();
+  }
+
+  void sendFrame(FrameLane::Frame frame) {
+    if (!frames_) {
+      // Few phones watch; the others need not carry it.
+      frames_ = std::make_unique<FrameLane>(
+          queue_, [this] { return tuner_.backlog(stream_.next_layer().socket().native_handle()); },
+          [this] { write(); });
+      if (ended_) frames_->end();
+    }
+    frames_->add(std::move(frame));
   }
 
   void cancel() {
     if (std::exchange(ended_, true)) return;
     timer_.cancel();
+    if (frames_) frames_->end();
     if (parting_) {
       closeLater();
     } else {
@@ -185,19 +200,48 @@ class Connection : public std::enable_shared_from_this<Connection> {
     listen();
   }
 
+  /// Writes what is to go next, unless something is being written. Whatever waits goes before a frame.
   void write() {
+    if (writing_) return;
+    const auto* frame = outgoing_.empty() && frames_ ? frames_->next() : nullptr;
+    if (outgoing_.empty() && frame == nullptr) return;
+    writing_ = true;
     if (!std::exchange(watchingDelivery_, true)) watchDelivery();
-    const Outgoing& next = outgoing_.front();
-    stream_.text(next.type == MessageType::text);
-    stream_.async_write(asio::buffer(next.payload),
-                        [self = shared_from_this()](const Error&, std::size_t) { self->written(); });
+    if (frame != nullptr) {
+      writeFrame(*frame);
+    } else {
+      writeMessage();
+    }
   }
 
-  void written() {
-    const Task sent = std::move(outgoing_.front().sent);
-    outgoing_.pop_front();
-    if (!outgoing_.empty()) write();
-    sent();
+  void writeMessage() {
+    const Outgoing& next = outgoing_.front();
+    stream_.text(next.type == MessageType::text);
+    stream_.async_write(asio::buffer(next.payload), [self = shared_from_this()](const Error&, std::size_t) {
+      self->writing_ = false;
+      const Task sent = std::move(self->outgoing_.front().sent);
+      self->outgoing_.pop_front();
+      self->write();
+      sent();
+    });
+  }
+
+  void writeFrame(const FrameLane::Frame& frame) {
+    writtenMarker_ = frame.marker;
+    writtenImage_ = frame.image;
+    stream_.text(false);
+    const std::array<asio::const_buffer, 2> message{asio::buffer(&writtenMarker_, 1),
+                                                    asio::buffer(writtenImage_.data.get(), writtenImage_.size)};
+    stream_.async_write(message, [self = shared_from_this()](const Error& error, std::size_t) {
+      self->writing_ = false;
+      self->writtenImage_ = {};
+      if (error) {
+        self->frames_->end();
+      } else {
+        self->frames_->accepted();
+      }
+      self->write();
+    });
   }
 
   /// Looks from time to time what becomes of what was sent, until it has arrived.
@@ -215,30 +259,35 @@ class Connection : public std::enable_shared_from_this<Connection> {
     const Delivery delivery = tuner_.delivery(layer.socket().native_handle(), deliveryPatience);
     if (delivery == Delivery::ignored) {
       layer.close();
-    } else if (delivery == Delivery::pending || !outgoing_.empty()) {
+    } else if (delivery == Delivery::pending || writing_) {
       watchDelivery();
     } else {
       watchingDelivery_ = false;
     }
   }
 
+  NetworkQueue& queue_;
   SocketTuner& tuner_;
   websocket::stream<SocketLayer, false> stream_;
   asio::steady_timer timer_;  // of the next look at the delivery; of the farewell once the connection has ended
   beast::flat_buffer incoming_;
   std::list<Outgoing> outgoing_;  // a list holds no memory while it is empty
+  std::unique_ptr<FrameLane> frames_;
+  std::uint8_t writtenMarker_ = 0;
+  SharedBytes writtenImage_;  // the frame that is being written, which the lane may give up meanwhile
   Transport::Handlers handlers_;
   bool asked_ = false;       // for a message
   bool delivering_ = false;  // one, which still stands in `incoming_`
   bool parting_ = false;     // a farewell is on its way and ends in its own time
   bool ended_ = false;
+  bool writing_ = false;
   bool watchingDelivery_ = false;
 };
 
 class WebSocketTransport final : public Transport {
  public:
   WebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
-      : queue_(queue), connection_(std::make_shared<Connection>(std::move(socket), tuner, maximumMessageSize)) {}
+      : queue_(queue), connection_(std::make_shared<Connection>(queue, tuner, std::move(socket), maximumMessageSize)) {}
 
   ~WebSocketTransport() override { cancel(); }
 
@@ -256,6 +305,13 @@ class WebSocketTransport final : public Transport {
     asio::dispatch(queue_.context(),
                    [connection = connection_, type, payload = std::move(payload), sent = std::move(sent)]() mutable {
                      connection->send(type, std::move(payload), std::move(sent));
+                   });
+  }
+
+  void sendFrame(std::uint8_t marker, SharedBytes image, Task taken) override {
+    asio::dispatch(queue_.context(),
+                   [connection = connection_, marker, image = std::move(image), taken = std::move(taken)]() mutable {
+                     connection->sendFrame({marker, std::move(image), std::move(taken)});
                    });
   }
 

@@ -37,5 +37,12 @@ TEST_F(ConsoleStatusTest, CountsThePhones) {
   EXPECT_EQ(shown({.isRunning = true, .clients = {"a"}}, running), "0 phones connected\n");
 }
 
+TEST_F(ConsoleStatusTest, SaysWhetherTheScreenIsSeen) {
+  const HubState shared{.isRunning = true, .mirroring = true};
+  EXPECT_EQ(shown(running, shared), "Sharing your screen\n");
+  EXPECT_EQ(shown(shared, shared), "");
+  EXPECT_EQ(shown(shared, running), "No longer sharing your screen\n");
+}
+
 }  // namespace
 }  // namespace orvel

@@ -57,6 +57,7 @@ struct RecordingTuner final : SocketTuner {
     return true;
   }
   Delivery delivery(int, Seconds) override { return Delivery::done; }
+  Seconds backlog(int) override { return Seconds(0); }
 
   struct Seen {
     Seconds keepAliveIdle{0};

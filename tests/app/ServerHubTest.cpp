@@ -303,5 +303,51 @@ TEST_F(ServerHubTest, AHubThatIsGoneIsNotCalled) {
   EXPECT_EQ(clock.pendingTasks(), 0u);
 }
 
+TEST_F(ServerHubTest, SaysWhetherAPhoneSeesTheScreen) {
+  start();
+  const auto first = connectPaired("First");
+  const auto second = connectPaired("Second");
+  first->text(R"({"t":"mirrorStart"})");
+  EXPECT_FALSE(hub->state().mirroring);
+  clock.runDue();
+  EXPECT_TRUE(hub->state().mirroring);
+  second->text(R"({"t":"mirrorStart"})");
+  clock.runDue();
+  EXPECT_TRUE(hub->state().mirroring);
+  first->text(R"({"t":"mirrorStop"})");
+  clock.runDue();
+  EXPECT_FALSE(hub->state().mirroring) << "although the second had it";
+}
+
+TEST_F(ServerHubTest, APhoneThatLeavesIsNotSharedWithAnyMore) {
+  start();
+  const auto wire = connectPaired("Phone");
+  wire->text(R"({"t":"mirrorStart"})");
+  clock.runDue();
+  wire->drop();
+  clock.runDue();
+  EXPECT_FALSE(hub->state().mirroring);
+}
+
+TEST_F(ServerHubTest, StopEndsTheSharing) {
+  start();
+  const auto wire = connectPaired("Phone");
+  wire->text(R"({"t":"mirrorStart"})");
+  clock.runDue();
+  hub->stop();
+  clock.runDue();
+  EXPECT_FALSE(hub->state().mirroring);
+  EXPECT_EQ(screen.running, 0);
+}
+
+TEST_F(ServerHubTest, ObserversHearOfTheSharingOnlyWhenItChanges) {
+  std::vector<bool> heard;
+  hub->observe([&](const HubState& next) { heard.push_back(next.mirroring); });
+  for (const bool on : {false, true, true, false, false}) hub->setMirroring(on);
+  EXPECT_THAT(heard, IsEmpty()) << "on the main thread";
+  clock.runDue();
+  EXPECT_THAT(heard, ElementsAre(true, false));
+}
+
 }  // namespace
 }  // namespace orvel

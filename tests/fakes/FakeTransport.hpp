@@ -85,10 +85,16 @@ class FakeWire {
     if (handedOver && handlers.drained) handlers.drained();
   }
 
+  struct Frame {
+    std::uint8_t marker;
+    std::string image;
+  };
+
   FakeExecutor queue;
   Transport::Handlers handlers;
   std::deque<Sent> incoming;
   std::vector<Sent> sent;
+  std::vector<Frame> frames;
   std::vector<Task> unsent;
   bool stalled = false;
   bool asked = false;
@@ -116,6 +122,15 @@ class FakeTransport final : public Transport {
       wire_->unsent.push_back(std::move(sent));
     } else {
       wire_->queue.post(std::move(sent));
+    }
+  }
+
+  void sendFrame(std::uint8_t marker, SharedBytes image, Task taken) override {
+    wire_->frames.push_back({marker, std::string(image.data.get(), image.data.get() + image.size)});
+    if (wire_->stalled) {
+      wire_->unsent.push_back(std::move(taken));
+    } else {
+      wire_->queue.post(std::move(taken));
     }
   }
 

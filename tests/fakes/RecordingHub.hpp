@@ -11,8 +11,11 @@ class RecordingHub final : public SessionHub {
   void publishClients() override { ++published; }
   void leave(const SessionID& id) override { left.push_back(id); }
 
+  void setMirroring(bool on) override { mirroring.push_back(on); }
+
   int published = 0;
   std::vector<SessionID> left;
+  std::vector<bool> mirroring;  ///< All that it was told.
 };
 
 }  // namespace orvel

@@ -3,12 +3,14 @@
 #include "catalog/AppCatalog.hpp"
 #include "fakes/FakeComputer.hpp"
 #include "fakes/FakeMachine.hpp"
+#include "fakes/ScriptedScreen.hpp"
 #include "fakes/ScriptedTree.hpp"
 #include "input/CursorSnap.hpp"
 #include "input/KeyboardDriver.hpp"
 #include "input/MediaDriver.hpp"
 #include "input/PermissionGate.hpp"
 #include "input/PointerDriver.hpp"
+#include "mirror/ScreenMirror.hpp"
 #include "session/ClientSession.hpp"
 #include "session/PairingStore.hpp"
 
@@ -23,6 +25,7 @@ struct Rules {
   Rules(Desktop& desktop, Clock& clock, QueueFactory& queues)
       : pointerQueue(queues.makeSerialQueue()),
         snapQueue(queues.makeSerialQueue()),
+        mirrorQueue(queues.makeSerialQueue()),
         permission(desktop),
         pointer(desktop, desktop, clock, *pointerQueue),
         keyboard(desktop, clock),
@@ -33,10 +36,12 @@ struct Rules {
                  .keyboard = keyboard,
                  .machine = machine,
                  .media = media,
+                 .mirror = mirror,
                  .pairing = pairing,
                  .permission = permission,
                  .pointer = pointer,
                  .queues = queues,
+                 .recording = screen,
                  .snap = snap,
                  .trust = desktop} {}
 
@@ -47,10 +52,12 @@ struct Rules {
             .keyboard = services.keyboard,
             .machine = services.machine,
             .media = services.media,
+            .mirror = services.mirror,
             .pairing = services.pairing,
             .permission = gate,
             .pointer = services.pointer,
             .queues = services.queues,
+            .recording = services.recording,
             .snap = services.snap,
             .trust = services.trust};
   }
@@ -59,8 +66,11 @@ struct Rules {
   FakeComputer computer;
   MemoryPreferences preferences;
   ScriptedTree tree;
+  ScriptedScreen screen;
+  ScriptedEncoder encoder;
   const std::unique_ptr<Executor> pointerQueue;
   const std::unique_ptr<Executor> snapQueue;
+  const std::unique_ptr<Executor> mirrorQueue;
   AppCatalog apps{computer, computer};
   PairingStore pairing{preferences};
   PermissionGate permission;
@@ -68,6 +78,7 @@ struct Rules {
   KeyboardDriver keyboard;
   MediaDriver media;
   CursorSnap snap;
+  ScreenMirror mirror{{.access = screen, .capture = screen, .encoder = encoder, .queue = *mirrorQueue}};
   const SessionServices services;
 };
 

@@ -37,7 +37,7 @@ class ScriptedFrame final : public CapturedFrame {
 /// A screen that shows what a test has it show, and its capture, which offers a frame when a test says so.
 class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess {
  public:
-  bool isGranted() override { return granted; }
+  bool isGranted() override { return granted && (!grantsLeft || (*grantsLeft)-- > 0); }
   bool request() override {
     ++requests;
     return true;
@@ -59,6 +59,7 @@ class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess
   void fail() { handlers.at(handlers.size() - 1).stopped("The screen has gone."); }
 
   bool granted = true;
+  std::optional<int> grantsLeft;  ///< How often it is still said to be.
   std::vector<Size> displays = {{1000, 800}, {640, 480}};
   std::optional<std::string> contentFailure;
   std::optional<std::string> startFailure;

@@ -121,6 +121,23 @@ TEST_F(SystemSocketTunerDeliveryTest, APeerWithoutRoomLivesAllTheSame) {
   EXPECT_EQ(delivery(), Delivery::pending);
 }
 
+TEST_F(SystemSocketTunerDeliveryTest, WhatWasTakenIsNoBacklog) {
+  EXPECT_EQ(SystemSocketTuner().backlog(near_), Seconds(0));
+  ASSERT_EQ(send(near_, "x", 1, 0), 1);
+  char byte = 0;
+  ASSERT_EQ(recv(far_, &byte, 1, 0), 1);
+  EXPECT_EQ(SystemSocketTuner().backlog(near_), Seconds(0));
+}
+
+TEST_F(SystemSocketTunerDeliveryTest, WhatThePeerHasNoRoomForIsABacklog) {
+  fill();
+  EXPECT_GT(SystemSocketTuner().backlog(near_), Seconds(0));
+}
+
+TEST_F(SystemSocketTunerDeliveryTest, ASocketThatIsNoneHasNoBacklog) {
+  EXPECT_EQ(SystemSocketTuner().backlog(-1), Seconds(0));
+}
+
 TEST_F(SystemSocketTunerDeliveryTest, ASocketThatIsNoneHasNothingToDeliver) {
   EXPECT_EQ(SystemSocketTuner().delivery(-1, Seconds(0)), Delivery::done);
 }

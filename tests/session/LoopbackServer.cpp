@@ -54,6 +54,14 @@ class LoopbackServer::Peer : public std::enable_shared_from_this<Peer> {
     });
   }
 
+  void sendFrame(std::uint8_t marker, const std::string& image) {
+    const auto bytes = std::make_shared<const std::string>(image);
+    const SharedBytes shared{{bytes, reinterpret_cast<const std::uint8_t*>(bytes->data())}, bytes->size()};
+    transport_->sendFrame(marker, shared, [&server = server_, index = index_] {
+      server.note(index, [](ConnectionRecord& record) { ++record.framesTaken; });
+    });
+  }
+
   void cancel() {
     transport_->cancel();
     transport_->queue().post([self = shared_from_this()] {});
@@ -154,6 +162,10 @@ bool LoopbackServer::waitFor(std::size_t index, const std::function<bool(const C
 
 void LoopbackServer::send(std::size_t index, MessageType type, std::string payload) {
   if (const auto found = peer(index)) found->send(type, std::move(payload));
+}
+
+void LoopbackServer::sendFrame(std::size_t index, std::uint8_t marker, const std::string& image) {
+  if (const auto found = peer(index)) found->sendFrame(marker, image);
 }
 
 void LoopbackServer::cancel(std::size_t index) {

@@ -5,6 +5,7 @@
 #include "session/SocketTuner.hpp"
 #include "session/Transport.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -29,6 +30,7 @@ struct ConnectionRecord {
   std::vector<Transport::State> states;
   std::vector<ReceivedMessage> messages;
   std::size_t sendsDone = 0;
+  std::size_t framesTaken = 0;
   bool failedToReceive = false;  ///< Told of the end in place of a message.
 
   bool has(Transport::State state) const;
@@ -61,13 +63,20 @@ class LoopbackServer {
                std::chrono::milliseconds limit = std::chrono::seconds(5)) const;
 
   void send(std::size_t index, MessageType type, std::string payload);
+  void sendFrame(std::size_t index, std::uint8_t marker, const std::string& image);
   void cancel(std::size_t index);
+
+  /// How long the network takes from now on for what was sent before.
+  void setBacklog(Seconds backlog) { tuner_.backlogNow = backlog; }
 
  private:
   class Peer;
   struct Tuner final : SocketTuner {
     bool enableKeepAlive(int, Seconds) override { return true; }
     Delivery delivery(int, Seconds) override { return Delivery::done; }
+    Seconds backlog(int) override { return backlogNow; }
+
+    std::atomic<Seconds> backlogNow = Seconds(0);
   };
 
   bool listen(std::uint16_t port);

@@ -1,14 +1,15 @@
 #include "platform/linux/SystemSocketTuner.hpp"
 
 #include <linux/sockios.h>
+#include <linux/tcp.h>
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <optional>
 
 namespace orvel {
 namespace {
@@ -16,7 +17,22 @@ namespace {
 constexpr int probeInterval = 4;
 constexpr int probeCount = 4;
 constexpr unsigned fewRepeats = 2;
+constexpr double slowestPace = 1000;   // bytes a second, until the kernel knows better
 constexpr double longestIdle = 32767;  // the kernel takes no more
+
+/// What the kernel knows of a connection, and how many bytes the peer has not acknowledged.
+struct Knowledge {
+  tcp_info info{};
+  int waiting = 0;
+};
+
+std::optional<Knowledge> knowledgeOf(int socket) {
+  Knowledge known;
+  socklen_t size = sizeof known.info;
+  if (getsockopt(socket, IPPROTO_TCP, TCP_INFO, &known.info, &size) != 0) return std::nullopt;
+  if (ioctl(socket, SIOCOUTQ, &known.waiting) != 0) return std::nullopt;
+  return known;
+}
 
 bool setOption(int socket, int level, int name, int value) {
   return setsockopt(socket, level, name, &value, sizeof value) == 0;
@@ -35,17 +51,21 @@ bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
 // The kernel's own limit, TCP_USER_TIMEOUT, would do almost the same, but it also ends a connection whose peer answers
 // every probe and only has no room: a phone whose program is asleep.
 Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
-  tcp_info info{};
-  socklen_t size = sizeof info;
-  int waiting = 0;
-  if (getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size) != 0 || ioctl(socket, SIOCOUTQ, &waiting) != 0) {
-    return Delivery::done;
-  }
-  if (waiting == 0) return Delivery::done;
+  const auto known = knowledgeOf(socket);
+  if (!known || known->waiting == 0) return Delivery::done;
   // Both are counted from the peer's last answer.
-  const unsigned repeats = std::max(info.tcpi_retransmits, info.tcpi_probes);
-  const Seconds silence = std::chrono::milliseconds(info.tcpi_last_ack_recv);
+  const unsigned repeats = std::max(known->info.tcpi_retransmits, known->info.tcpi_probes);
+  const Seconds silence = std::chrono::milliseconds(known->info.tcpi_last_ack_recv);
   return repeats >= fewRepeats && silence > patience ? Delivery::ignored : Delivery::pending;
+}
+
+Seconds SystemSocketTuner::backlog(int socket) {
+  const auto known = knowledgeOf(socket);
+  if (!known || known->waiting == 0) return Seconds(0);
+  const double pace = std::max(static_cast<double>(known->info.tcpi_delivery_rate), slowestPace);
+  // What is waiting has not been acknowledged. As much as fits into one way and back is on that way, not here.
+  const Seconds underWay = std::chrono::microseconds(known->info.tcpi_min_rtt);
+  return std::max(Seconds(known->waiting / pace) - underWay, Seconds(0));
 }
 
 }  // namespace orvel

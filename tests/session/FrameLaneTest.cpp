@@ -1,0 +1,148 @@
+#include "fakes/FakeClock.hpp"
+#include "session/FrameLane.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A network that takes what it is given in its own time.
+struct FrameLaneTest : testing::Test {
+  void add(std::uint8_t number) {
+    lane.add({.marker = number, .image = {}, .taken = [this, number] { taken.push_back(number); }});
+  }
+
+  /// The system accepts the frame that may go; it will be so long on its way out.
+  void accept(Seconds time) {
+    ASSERT_NE(lane.next(), nullptr);
+    sent.push_back(lane.next()->marker);
+    leftAt = clock.now() + time;
+    lane.accepted();
+  }
+
+  FakeClock clock;
+  FakeExecutor queue{clock};
+  Seconds leftAt{0};
+  int looks = 0;
+  int readies = 0;
+  std::vector<int> sent;
+  std::vector<int> taken;
+  FrameLane lane{queue,
+                 [this] {
+                   ++looks;
+                   return std::max(leftAt - clock.now(), Seconds(0));
+                 },
+                 [this] { ++readies; }};
+};
+
+TEST_F(FrameLaneTest, AFrameMayGoAtOnce) {
+  EXPECT_EQ(lane.next(), nullptr);
+  add(1);
+  EXPECT_EQ(readies, 1);
+  ASSERT_NE(lane.next(), nullptr);
+  EXPECT_EQ(lane.next()->marker, 1);
+  EXPECT_THAT(taken, IsEmpty());
+}
+
+TEST_F(FrameLaneTest, AFrameThatLeavesAtOnceIsTaken) {
+  add(1);
+  accept(Seconds(0));
+  EXPECT_THAT(taken, ElementsAre(1));
+  EXPECT_EQ(lane.next(), nullptr);
+  EXPECT_EQ(clock.pendingTasks(), 0u);
+}
+
+TEST_F(FrameLaneTest, AFrameMayGoWhenTheOneBeforeIsAboutToHaveLeft) {
+  add(1);
+  accept(Seconds(0.1));
+  add(2);
+  EXPECT_EQ(lane.next(), nullptr);
+  EXPECT_EQ(readies, 1);
+  clock.advance(Seconds(0.085));
+  EXPECT_EQ(lane.next(), nullptr);
+  clock.advance(Seconds(0.007));
+  ASSERT_NE(lane.next(), nullptr) << "10 ms early, so that the network need not wait for it";
+  EXPECT_EQ(lane.next()->marker, 2);
+  EXPECT_EQ(readies, 2);
+}
+
+TEST_F(FrameLaneTest, WhereFramesWaitTheNewestIsTakenWhenTheNextHasLeft) {
+  add(1);
+  accept(Seconds(0.1));
+  clock.advance(Seconds(0.1));
+  EXPECT_THAT(taken, IsEmpty());
+  add(2);
+  accept(Seconds(0.1));
+  EXPECT_THAT(taken, IsEmpty());
+  clock.advance(Seconds(0.1));
+  EXPECT_THAT(taken, ElementsAre(1)) << "one of two is free again, just when it can be used";
+  add(3);
+  accept(Seconds(0));
+  EXPECT_THAT(taken, ElementsAre(1, 2, 3)) << "and all are when nothing waits any more";
+}
+
+TEST_F(FrameLaneTest, LooksRarelyAndOnlyWhileSomethingIsLeaving) {
+  add(1);
+  accept(Seconds(0.1));
+  clock.advance(Seconds(1));
+  EXPECT_LE(looks, 8);
+  const int before = looks;
+  clock.advance(Seconds(100));
+  EXPECT_EQ(looks, before);
+}
+
+TEST_F(FrameLaneTest, APhoneThatTakesNothingIsLookedAtOnceASecond) {
+  add(1);
+  leftAt = Seconds(1e9);
+  lane.accepted();
+  // Its backlog does not shrink.
+  for (int step = 0; step < 20'000; ++step) {
+    leftAt += Seconds(0.001);
+    clock.advance(Seconds(0.001));
+  }
+  EXPECT_LE(looks, 35);
+  EXPECT_GE(looks, 20);
+  leftAt = clock.now();
+  clock.advance(Seconds(1));
+  add(2);
+  EXPECT_NE(lane.next(), nullptr);
+}
+
+TEST_F(FrameLaneTest, AtTheEndAllAreTaken) {
+  add(1);
+  accept(Seconds(0.1));
+  add(2);
+  add(3);
+  lane.end();
+  EXPECT_THAT(taken, ElementsAre(1, 2, 3));
+  EXPECT_EQ(lane.next(), nullptr);
+  add(4);
+  EXPECT_THAT(taken, ElementsAre(1, 2, 3, 4));
+  EXPECT_EQ(lane.next(), nullptr);
+  lane.accepted();  // as when the system says so too late
+  clock.advance(Seconds(1));
+  EXPECT_THAT(taken, ElementsAre(1, 2, 3, 4));
+}
+
+TEST(FrameLane, MayGoWhileItIsToLookAgain) {
+  FakeClock clock;
+  FakeExecutor queue(clock);
+  {
+    FrameLane lane(
+        queue, [] { return Seconds(1); }, [] {});
+    lane.add({.marker = 1, .image = {}, .taken = [] {}});
+    lane.accepted();
+  }
+  clock.advance(Seconds(10));
+  EXPECT_EQ(clock.pendingTasks(), 0u);
+}
+
+}  // namespace
+}  // namespace orvel
