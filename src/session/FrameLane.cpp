@@ -7,13 +7,14 @@ namespace orvel {
 namespace {
 
 constexpr Seconds aboutToLeave{0.010};
+constexpr std::size_t roomForMessages = 4096;  // that go along with a frame, and for what wraps it
 constexpr Seconds shortestPause{0.001};
 constexpr Seconds longestPause{0.020};
 constexpr Seconds longestPauseWithoutProgress{1};
 
 }  // namespace
 
-FrameLane::FrameLane(Executor& queue, std::function<Seconds()> backlog, Task ready)
+FrameLane::FrameLane(Executor& queue, std::function<Backlog()> backlog, Task ready)
     : queue_(queue), backlog_(std::move(backlog)), ready_(std::move(ready)) {}
 
 FrameLane::~FrameLane() = default;
@@ -33,6 +34,7 @@ const FrameLane::Frame* FrameLane::next() const {
 
 void FrameLane::accepted() {
   if (waiting_.empty()) return;
+  newestSize_ = waiting_.front().image.size;
   untold_.push_back(std::move(waiting_.front().taken));
   waiting_.pop_front();
   isLeaving_ = true;
@@ -43,22 +45,23 @@ void FrameLane::accepted() {
 
 void FrameLane::look() {
   if (!isLeaving_) return;
-  const Seconds backlog = backlog_();
-  if (backlog <= aboutToLeave) {
+  const Backlog backlog = backlog_();
+  // A peer that has fallen asleep acknowledges nothing, however swift it was.
+  if (backlog.time <= aboutToLeave && backlog.bytes <= newestSize_ + roomForMessages) {
     hasLeft();
   } else {
     lookLater(backlog);
   }
 }
 
-void FrameLane::lookLater(Seconds backlog) {
-  if (hasWaited_ && backlog >= lastBacklog_) {
+void FrameLane::lookLater(const Backlog& backlog) {
+  if (hasWaited_ && backlog.bytes >= unacknowledged_) {
     pause_ = std::min(pause_ * 2, longestPauseWithoutProgress);
   } else {
-    pause_ = std::clamp(backlog - aboutToLeave, shortestPause, longestPause);
+    pause_ = std::clamp(backlog.time - aboutToLeave, shortestPause, longestPause);
   }
   hasWaited_ = true;
-  lastBacklog_ = backlog;
+  unacknowledged_ = backlog.bytes;
   queue_.postAfter(pause_, [this, alive = std::weak_ptr(alive_)] {
     if (!alive.expired()) look();
   });

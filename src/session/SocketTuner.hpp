@@ -2,6 +2,8 @@
 
 #include "base/Clock.hpp"
 
+#include <cstddef>
+
 namespace orvel {
 
 /// What becomes of the data that was sent to a peer.
@@ -9,6 +11,12 @@ enum class Delivery {
   done,     ///< The peer has acknowledged all of it.
   pending,  ///< It is on its way, or the peer lives but has no room for it.
   ignored,  ///< It was repeated, and the peer has not been heard of for too long.
+};
+
+/// What was sent to a peer and has not arrived as far as is known.
+struct Backlog {
+  std::size_t bytes = 0;  ///< What the peer has not acknowledged.
+  Seconds time{0};  ///< How long it takes, at the pace of the last moments, until all of it has left this computer.
 };
 
 /// What each system does in a way of its own to find out that a peer has vanished. Threads: any.
@@ -23,9 +31,8 @@ class SocketTuner {
   /// What becomes of the data sent; a peer that is silent for longer than `patience` ignores it. Does not block.
   virtual Delivery delivery(int socket, Seconds patience) = 0;
 
-  /// How long it will take, at the pace of the last moments, until what was sent has left this computer. 0 when it has.
-  /// Does not block.
-  virtual Seconds backlog(int socket) = 0;
+  /// How much of the data sent is still under way. Does not block.
+  virtual Backlog backlog(int socket) = 0;
 };
 
 }  // namespace orvel

@@ -57,7 +57,7 @@ struct RecordingTuner final : SocketTuner {
     return true;
   }
   Delivery delivery(int, Seconds) override { return Delivery::done; }
-  Seconds backlog(int) override { return Seconds(0); }
+  Backlog backlog(int) override { return {}; }
 
   struct Seen {
     Seconds keepAliveIdle{0};

@@ -3,6 +3,7 @@
 #include "desktop/ChildProcess.hpp"
 #include "desktop/VirtualDesktop.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -31,6 +32,7 @@ class HostProcess {
     std::size_t threads = 0;
     std::size_t descriptors = 0;
     std::size_t privateKilobytes = 0;
+    std::int64_t processorTicks = 0;  ///< Hundredths of a second, of all threads.
   };
   Footprint footprint() const;
 

@@ -16,7 +16,9 @@ using testing::IsEmpty;
 /// A network that takes what it is given in its own time.
 struct FrameLaneTest : testing::Test {
   void add(std::uint8_t number) {
-    lane.add({.marker = number, .image = {}, .taken = [this, number] { taken.push_back(number); }});
+    lane.add({.marker = number, .image = {.data = nullptr, .size = frameSize}, .taken = [this, number] {
+                taken.push_back(number);
+              }});
   }
 
   /// The system accepts the frame that may go; it will be so long on its way out.
@@ -27,9 +29,12 @@ struct FrameLaneTest : testing::Test {
     lane.accepted();
   }
 
+  static constexpr std::size_t frameSize = 60'000;
+
   FakeClock clock;
   FakeExecutor queue{clock};
   Seconds leftAt{0};
+  std::size_t unacknowledged = 0;  // besides what has not left yet
   int looks = 0;
   int readies = 0;
   std::vector<int> sent;
@@ -37,7 +42,8 @@ struct FrameLaneTest : testing::Test {
   FrameLane lane{queue,
                  [this] {
                    ++looks;
-                   return std::max(leftAt - clock.now(), Seconds(0));
+                   const Seconds time = std::max(leftAt - clock.now(), Seconds(0));
+                   return Backlog{.bytes = unacknowledged + static_cast<std::size_t>(time.count() * 1e5), .time = time};
                  },
                  [this] { ++readies; }};
 };
@@ -115,6 +121,24 @@ TEST_F(FrameLaneTest, APhoneThatTakesNothingIsLookedAtOnceASecond) {
   EXPECT_NE(lane.next(), nullptr);
 }
 
+TEST_F(FrameLaneTest, OneFrameMayBeUnacknowledgedButNoMore) {
+  add(1);
+  unacknowledged = frameSize;
+  accept(Seconds(0));
+  EXPECT_THAT(taken, ElementsAre(1));
+  add(2);
+  unacknowledged = 2 * frameSize;
+  accept(Seconds(0));
+  add(3);
+  clock.advance(Seconds(10));
+  EXPECT_EQ(lane.next(), nullptr) << "although the network was swift";
+  EXPECT_THAT(taken, ElementsAre(1));
+  unacknowledged = frameSize;
+  clock.advance(Seconds(1));
+  ASSERT_NE(lane.next(), nullptr);
+  EXPECT_EQ(lane.next()->marker, 3);
+}
+
 TEST_F(FrameLaneTest, AtTheEndAllAreTaken) {
   add(1);
   accept(Seconds(0.1));
@@ -136,7 +160,7 @@ TEST(FrameLane, MayGoWhileItIsToLookAgain) {
   FakeExecutor queue(clock);
   {
     FrameLane lane(
-        queue, [] { return Seconds(1); }, [] {});
+        queue, [] { return Backlog{.bytes = 1, .time = Seconds(1)}; }, [] {});
     lane.add({.marker = 1, .image = {}, .taken = [] {}});
     lane.accepted();
   }

@@ -74,7 +74,7 @@ class LoopbackServer {
   struct Tuner final : SocketTuner {
     bool enableKeepAlive(int, Seconds) override { return true; }
     Delivery delivery(int, Seconds) override { return Delivery::done; }
-    Seconds backlog(int) override { return backlogNow; }
+    Backlog backlog(int) override { return {.bytes = 0, .time = backlogNow}; }
 
     std::atomic<Seconds> backlogNow = Seconds(0);
   };

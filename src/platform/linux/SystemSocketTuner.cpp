@@ -59,13 +59,14 @@ Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
   return repeats >= fewRepeats && silence > patience ? Delivery::ignored : Delivery::pending;
 }
 
-Seconds SystemSocketTuner::backlog(int socket) {
+Backlog SystemSocketTuner::backlog(int socket) {
   const auto known = knowledgeOf(socket);
-  if (!known || known->waiting == 0) return Seconds(0);
+  if (!known || known->waiting <= 0) return {};
   const double pace = std::max(static_cast<double>(known->info.tcpi_delivery_rate), slowestPace);
-  // What is waiting has not been acknowledged. As much as fits into one way and back is on that way, not here.
+  // As much as fits into one way and back is on that way, not here.
   const Seconds underWay = std::chrono::microseconds(known->info.tcpi_min_rtt);
-  return std::max(Seconds(known->waiting / pace) - underWay, Seconds(0));
+  return {.bytes = static_cast<std::size_t>(known->waiting),
+          .time = std::max(Seconds(known->waiting / pace) - underWay, Seconds(0))};
 }
 
 }  // namespace orvel

@@ -11,7 +11,7 @@ class SystemSocketTuner final : public SocketTuner {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override;
   Delivery delivery(int socket, Seconds patience) override;
-  Seconds backlog(int socket) override;
+  Backlog backlog(int socket) override;
 };
 
 }  // namespace orvel

@@ -15,6 +15,9 @@ namespace {
 /// How soon it looks again after news that were none, such as of another display.
 constexpr FramePace::Interval pauseAfterNothing = std::chrono::milliseconds(33);
 
+/// Within which a server answers that does not hang.
+constexpr std::chrono::milliseconds farewellPatience{300};
+
 FramePace::Time now() {
   return std::chrono::steady_clock::now();
 }
@@ -31,15 +34,20 @@ ScreenStream::ScreenStream(std::shared_ptr<X11Connection> connection, std::size_
 
 ScreenStream::~ScreenStream() {
   stopping_ = true;
-  connection_->breakOff();
   wakeUp_.call();
-  if (thread_.joinable()) thread_.join();
+  if (!thread_.joinable()) return;
+  // What is broken off may leave a descriptor behind that was just to be sent.
+  if (!threadEnded_.try_acquire_for(farewellPatience)) connection_->breakOff();
+  thread_.join();
 }
 
 bool ScreenStream::begin() {
   if (!wakeUp_.isUsable()) return false;
   try {
-    thread_ = std::thread([this] { run(); });
+    thread_ = std::thread([this] {
+      run();
+      threadEnded_.release();
+    });
   } catch (const std::system_error&) {
     return false;
   }

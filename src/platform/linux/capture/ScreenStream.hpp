@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <semaphore>
 #include <thread>
 
 namespace orvel {
@@ -54,6 +55,7 @@ class ScreenStream final : public CaptureStream {
   bool isDirty_ = true;  // there is something to be seen that was not taken
   std::atomic<bool> stopping_ = false;
   std::atomic<bool> resumed_ = false;
+  std::binary_semaphore threadEnded_{0};
   std::thread thread_;
 };
 
