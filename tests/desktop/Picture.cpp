@@ -148,17 +148,17 @@ Picture pageOfText(int width, int height) {
   std::mt19937 random(7);
   Picture page(width, height, 0xffffff);
   page.fill(0, 0, width, 24, 0x303846);
-  // Letters of 7 by 11 pixels, made of strokes one pixel wide, some of them missing.
-  for (int y = 34; y + 11 < height; y += 17) {
-    for (int x = 12; x + 7 < width - 12; x += 8) {
+  // Letters of 9 by 13 pixels, made of strokes two pixels wide, some of them missing.
+  for (int y = 40; y + 13 < height; y += 24) {
+    for (int x = width / 10; x + 9 < width - width / 10; x += 11) {
       const auto letter = random();
       if (letter % 6 == 0) continue;
-      const std::uint32_t ink = letter % 97 == 0 ? 0x2050c0 : 0x202020;
-      if (letter & 0x100) page.fill(x, y, 1, 11, ink);
-      if (letter & 0x200) page.fill(x + 5, y + 4, 1, 7, ink);
-      if (letter & 0x400) page.fill(x, y + 4, 6, 1, ink);
-      if (letter & 0x800) page.fill(x, y + 10, 6, 1, ink);
-      if (letter & 0x1000) page.fill(x + 3, y, 1, 5, ink);
+      const std::uint32_t ink = letter % 97 == 0 ? 0x2050c0 : 0x303030;
+      if (letter & 0x100) page.fill(x, y, 2, 13, ink);
+      if (letter & 0x200) page.fill(x + 6, y + 5, 2, 8, ink);
+      if (letter & 0x400) page.fill(x, y + 5, 8, 2, ink);
+      if (letter & 0x800) page.fill(x, y + 11, 8, 2, ink);
+      if (letter & 0x1000) page.fill(x + 3, y, 2, 6, ink);
     }
   }
   return page;

@@ -1,21 +1,14 @@
 #include "platform/linux/capture/FrameScaler.hpp"
 
-#include <libyuv/scale_argb.h>
+#include <libyuv/planar_functions.h>
 
-#include <algorithm>
 #include <cstddef>
 
 namespace orvel {
 namespace {
 
-/// Into memory that may be the picture's own, when the picture becomes smaller.
-PixelBuffer scaled(const PixelBuffer& picture, int width, int height, libyuv::FilterMode filter,
-                   std::vector<std::uint8_t>& memory) {
-  const auto bytesPerRow = 4 * static_cast<std::size_t>(width);
-  memory.resize(std::max(memory.size(), bytesPerRow * static_cast<std::size_t>(height)));
-  libyuv::ARGBScale(picture.bytes, static_cast<int>(picture.bytesPerRow), picture.width, picture.height, memory.data(),
-                    static_cast<int>(bytesPerRow), width, height, filter);
-  return {memory.data(), bytesPerRow, width, height};
+std::size_t bytesOf(int pixels) {
+  return 4 * static_cast<std::size_t>(pixels);
 }
 
 }  // namespace
@@ -23,19 +16,35 @@ PixelBuffer scaled(const PixelBuffer& picture, int width, int height, libyuv::Fi
 FrameScaler::FrameScaler(int width, int height) : width_(width), height_(height) {}
 
 PixelBuffer FrameScaler::scale(const PixelBuffer& picture) {
-  PixelBuffer current = picture;
-  while (isTwiceTooLarge(current)) {
-    // Of an odd row or column half a pixel would be left.
-    current.width -= current.width % 2;
-    current.height -= current.height % 2;
-    current = scaled(current, current.width / 2, current.height / 2, libyuv::kFilterBox, half_);
+  if (picture.width == width_ && picture.height == height_) return picture;
+  prepareFor(picture);
+  for (int y = 0; y < height_; ++y) {
+    averageRows(picture, y);
+    columns_.average(row_.data(), result_.data() + bytesOf(width_) * static_cast<std::size_t>(y));
   }
-  if (current.width == width_ && current.height == height_) return current;
-  return scaled(current, width_, height_, libyuv::kFilterBilinear, result_);
+  return {result_.data(), bytesOf(width_), width_, height_};
 }
 
-bool FrameScaler::isTwiceTooLarge(const PixelBuffer& picture) const {
-  return picture.width >= 2 * width_ && picture.height >= 2 * height_;
+void FrameScaler::prepareFor(const PixelBuffer& picture) {
+  if (columns_.sourceLength() != picture.width) columns_ = ColumnAverage(picture.width, width_);
+  if (rows_.sourceLength() != picture.height) rows_ = PixelShares(picture.height, height_);
+  row_.resize(columns_.bytesOfRow());
+  result_.resize(bytesOf(width_) * static_cast<std::size_t>(height_));
+}
+
+/// Makes one row of those that a row of the target covers.
+void FrameScaler::averageRows(const PixelBuffer& picture, int row) {
+  const PixelShares::Share share = rows_.of(row);
+  const std::uint8_t* next = picture.bytes + picture.bytesPerRow * static_cast<std::size_t>(share.first);
+  const std::uint8_t* average = next;
+  int sum = 0;
+  for (const int weight : share.weights) {
+    sum += weight;
+    libyuv::InterpolatePlane(average, 0, next, 0, row_.data(), 0, static_cast<int>(bytesOf(picture.width)), 1,
+                             sum > weight ? PixelShares::whole * weight / sum : 0);
+    average = row_.data();
+    next += picture.bytesPerRow;
+  }
 }
 
 }  // namespace orvel

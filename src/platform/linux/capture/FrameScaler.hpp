@@ -1,13 +1,16 @@
 #pragma once
 
 #include "mirror/PixelBuffer.hpp"
+#include "platform/linux/capture/ColumnAverage.hpp"
+#include "platform/linux/capture/PixelShares.hpp"
 
 #include <cstdint>
 #include <vector>
 
 namespace orvel {
 
-/// Brings pictures to one size. Its memory stays for the next picture. Threads: one at a time.
+/// Brings pictures to one size: each pixel becomes the average of all that it covers, which keeps small print legible.
+/// Its memory stays for the next picture. Threads: one at a time.
 class FrameScaler {
  public:
   FrameScaler(int width, int height);
@@ -16,11 +19,14 @@ class FrameScaler {
   PixelBuffer scale(const PixelBuffer& picture);
 
  private:
-  bool isTwiceTooLarge(const PixelBuffer& picture) const;
+  void prepareFor(const PixelBuffer& picture);
+  void averageRows(const PixelBuffer& picture, int row);
 
   const int width_;
   const int height_;
-  std::vector<std::uint8_t> half_;
+  ColumnAverage columns_;
+  PixelShares rows_;
+  std::vector<std::uint8_t> row_;  // of the width of the picture, but already averaged with its neighbours
   std::vector<std::uint8_t> result_;
 };
 

@@ -34,8 +34,9 @@ class ScreenWatch {
   /// Takes what the server has told by now.
   void takeEvents();
 
-  /// Whether it has told of anything that was not asked for yet.
-  bool hasNews() const { return layoutIsNew_ || drawingIsNew_ || cursorIsNew_; }
+  /// Whether it has told of anything that was not asked for yet. Of a display that is not there only its return is
+  /// news.
+  bool hasNews() const { return layoutIsNew_ || (!area_.isEmpty() && (drawingIsNew_ || cursorIsNew_)); }
 
   /// Where the display is now, as far as the X screen reaches. Empty while it is not there.
   const PixelRect& askArea();
