@@ -1,22 +1,17 @@
 #include "tools/IconFolder.hpp"
 
+#include "tools/WholeFile.hpp"
+
 #include <sodium.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
-#include <fstream>
-#include <system_error>
 
 namespace orvel::phone {
 namespace {
 
 constexpr std::size_t longestName = 200;  // with what stands behind it, well within the 255 bytes of file systems
 constexpr std::string_view pngSignature = "\x89PNG\r\n\x1a\n";
-
-Error cannotWrite(const std::filesystem::path& path, const std::string& reason) {
-  return {Error::Kind::local, "cannot write " + path.string() + ": " + reason};
-}
 
 bool isControl(char letter) {
   return (letter >= 0 && letter < ' ') || letter == '\x7f';
@@ -40,20 +35,11 @@ std::optional<std::string> pngIn(std::string_view base64) {
 }
 
 Failure IconFolder::prepare() const {
-  std::error_code error;
-  std::filesystem::create_directories(path_, error);
-  if (error) return cannotWrite(path_, error.message());
-  return std::nullopt;
+  return makeFolder(path_);
 }
 
 Failure IconFolder::write(const std::string& id, std::string_view png) const {
-  const auto path = path_ / (id + ".png");
-  errno = 0;
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(png.data(), static_cast<std::streamsize>(png.size()));
-  file.close();
-  if (!file) return cannotWrite(path, std::generic_category().message(errno));
-  return std::nullopt;
+  return writeWholeFile(path_ / (id + ".png"), png);
 }
 
 }  // namespace orvel::phone

@@ -1,19 +1,14 @@
 #pragma once
 
+#include "tools/MirrorWish.hpp"
 #include "tools/PhoneClient.hpp"
 
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace orvel::phone {
-
-/// How a phone would like to see the screen. What it leaves open is up to the host.
-struct MirrorWish {
-  std::optional<int> width;
-  std::optional<int> fps;
-  std::optional<double> quality;
-};
 
 /// How large the pictures are, in pixels.
 struct MirrorSize {

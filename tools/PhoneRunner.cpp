@@ -19,8 +19,9 @@ constexpr Seconds snapPause{0.25};
 
 }  // namespace
 
-PhoneRunner::PhoneRunner(PhoneClient& phone, Welcome welcome, std::ostream& out, const RunnerLimits& limits)
-    : phone_(phone), welcome_(std::move(welcome)), out_(out), limits_(limits) {}
+PhoneRunner::PhoneRunner(PhoneClient& phone, Welcome welcome, std::ostream& out, ViewerFactory viewers,
+                         const RunnerLimits& limits)
+    : phone_(phone), welcome_(std::move(welcome)), out_(out), viewers_(std::move(viewers)), limits_(limits) {}
 
 Failure PhoneRunner::run(const Step& step) {
   return std::visit([this](const auto& known) { return carryOut(known); }, step);
@@ -111,6 +112,15 @@ Failure PhoneRunner::carryOut(const step::Icons& icons) {
 Failure PhoneRunner::carryOut(const step::App& app) {
   if (auto failure = phone_.sendFrame(*appFrame(app.action, app.id))) return failure;
   return finishWork(limits_.work, "the host has not asked the desktop in time");
+}
+
+Failure PhoneRunner::carryOut(const step::Mirror& mirror) {
+  const auto viewer = viewers_(mirror.inWindow);
+  if (!viewer) return viewer.error();
+  MirrorRun run(phone_, **viewer, mirror, limits_.mirror);
+  auto failure = run.carryOut();
+  out_ << run.report() << std::flush;
+  return failure;
 }
 
 Failure PhoneRunner::carryOut(const step::Snap&) {

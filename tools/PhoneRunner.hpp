@@ -1,6 +1,8 @@
 #pragma once
 
 #include "tools/AppList.hpp"
+#include "tools/MirrorRun.hpp"
+#include "tools/MirrorViewer.hpp"
 #include "tools/PhoneClient.hpp"
 #include "tools/PhoneScript.hpp"
 
@@ -17,6 +19,7 @@ inline constexpr Seconds answerLimit{5};
 struct RunnerLimits {
   Seconds work{30};            ///< For answers in which the host asks the desktop or reads files.
   Seconds typingOfByte{0.03};  ///< On top of that, for each byte that is typed.
+  MirrorPace mirror{};
 };
 
 /// Carries out the steps of a script on a connected phone. What was asked for goes to `out`, as text.
@@ -25,7 +28,8 @@ struct RunnerLimits {
 class PhoneRunner {
  public:
   /// `welcome` is the host's, or empty when none of the steps needs pairing.
-  PhoneRunner(PhoneClient& phone, Welcome welcome, std::ostream& out, const RunnerLimits& limits = {});
+  PhoneRunner(PhoneClient& phone, Welcome welcome, std::ostream& out, ViewerFactory viewers,
+              const RunnerLimits& limits = {});
 
   /// Carries out one step, and waits for it where a later one could overtake it.
   Failure run(const Step& step);
@@ -44,6 +48,7 @@ class PhoneRunner {
   Failure carryOut(const step::Apps& apps);
   Failure carryOut(const step::Icons& icons);
   Failure carryOut(const step::App& app);
+  Failure carryOut(const step::Mirror& mirror);
   Failure carryOut(const step::Snap& snap);
   Failure carryOut(const step::Reveal& reveal);
   Failure carryOut(const step::Ping& ping);
@@ -55,6 +60,7 @@ class PhoneRunner {
   PhoneClient& phone_;
   const Welcome welcome_;
   std::ostream& out_;
+  const ViewerFactory viewers_;
   const RunnerLimits limits_;
 };
 

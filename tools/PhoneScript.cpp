@@ -17,6 +17,7 @@
 namespace orvel::phone {
 namespace {
 
+constexpr const char* seconds = "seconds (0 to 86400)";
 constexpr double longestWait = 24 * 60 * 60;
 constexpr int longestDragPart = 10;
 
@@ -27,6 +28,11 @@ std::optional<Number> numberIn(std::string_view word) {
   const auto [stop, error] = std::from_chars(word.data(), end, number);
   if (error != std::errc() || stop != end) return std::nullopt;
   return number;
+}
+
+/// Whether a word shall be a number, and be it a bad one.
+bool isNumeric(std::string_view word) {
+  return word.find_first_of("0123456789") == 0;
 }
 
 /// Reads words from the front; after the first mistake it reads nothing more.
@@ -127,6 +133,14 @@ class WordReader {
     return {.text = text};
   }
 
+  /// How long and in which way to mirror: a number of seconds, perhaps, and then options in any order.
+  step::Mirror mirror() {
+    step::Mirror mirror;
+    if (!atEnd() && isNumeric(words_.front())) mirror.seconds = number(seconds, 0.0, longestWait);
+    while (!atEnd() && words_.front().starts_with("--")) mirrorOption(mirror);
+    return mirror;
+  }
+
   /// Takes this word if it is the next.
   bool takes(std::string_view word) {
     if (atEnd() || words_.front() != word) return false;
@@ -139,6 +153,22 @@ class WordReader {
  private:
   /// Lists of words end where the words do, or at two dashes.
   bool endsList() { return takes("--"); }
+
+  void mirrorOption(step::Mirror& mirror) {
+    if (takes("--window")) {
+      mirror.inWindow = true;
+    } else if (takes("--width")) {
+      mirror.wish.width = number("a width in pixels (1 to 16384)", 1, 16384);
+    } else if (takes("--fps")) {
+      mirror.wish.fps = number("frames a second (1 to 240)", 1, 240);
+    } else if (takes("--quality")) {
+      mirror.wish.quality = number("a quality from 0 to 1", 0.0, 1.0);
+    } else if (takes("--save")) {
+      mirror.folder = folder();
+    } else {
+      mistake = "\"mirror\" has no option \"" + words_.front() + "\"";
+    }
+  }
 
   std::string needs(const char* what) const { return "\"" + std::string(command_) + "\" needs " + what; }
 
@@ -224,10 +254,11 @@ const std::pair<std::string_view, Step (*)(WordReader&)> commands[] = {
      [](WordReader& in) -> Step {
        return step::App{AppAction::quit, in.id()};
      }},
+    {"mirror", [](WordReader& in) -> Step { return in.mirror(); }},
     {"snap", [](WordReader&) -> Step { return step::Snap{}; }},
     {"reveal", [](WordReader&) -> Step { return step::Reveal{}; }},
     {"ping", [](WordReader&) -> Step { return step::Ping{}; }},
-    {"wait", [](WordReader& in) -> Step { return step::Wait{in.number("seconds (0 to 86400)", 0.0, longestWait)}; }},
+    {"wait", [](WordReader& in) -> Step { return step::Wait{in.number(seconds, 0.0, longestWait)}; }},
 };
 
 }  // namespace

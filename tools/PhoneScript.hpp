@@ -1,9 +1,11 @@
 #pragma once
 
 #include "tools/KeyNames.hpp"
+#include "tools/MirrorWish.hpp"
 #include "tools/PhoneFrames.hpp"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -75,6 +77,13 @@ struct App {
   std::string id;
 };
 
+struct Mirror {
+  std::optional<double> seconds{};  ///< For how long; until somebody ends it when there is no number.
+  MirrorWish wish{};
+  std::optional<std::string> folder{};  ///< Where to save the frames.
+  bool inWindow = false;
+};
+
 struct Snap {};
 
 struct Reveal {};
@@ -88,8 +97,8 @@ struct Wait {
 }  // namespace step
 
 using Step = std::variant<step::Pair, step::Move, step::MoveTo, step::Button, step::Click, step::Drag, step::Scroll,
-                          step::Key, step::Text, step::Media, step::Apps, step::Icons, step::App, step::Snap,
-                          step::Reveal, step::Ping, step::Wait>;
+                          step::Key, step::Text, step::Media, step::Apps, step::Icons, step::App, step::Mirror,
+                          step::Snap, step::Reveal, step::Ping, step::Wait>;
 
 /// The commands in `words`, or a sentence that names the word that is wrong. Threads: any.
 std::variant<std::vector<Step>, std::string> parseScript(std::span<const std::string> words);

@@ -2,6 +2,7 @@
 #include "tools/PhoneClient.hpp"
 #include "tools/PhoneOptions.hpp"
 #include "tools/PhoneRunner.hpp"
+#include "tools/PhoneViewers.hpp"
 #include "tools/PlainText.hpp"
 #include "tools/TypedText.hpp"
 
@@ -59,6 +60,12 @@ Commands
                    FOLDER, each as ID.png
   activate ID      bring an application to the front; start it if needed
   quit ID          ask an application to quit, which it may refuse
+  mirror [SECONDS] [--width W] [--fps N] [--quality Q] [--save FOLDER] [--window]
+                   have the screen sent, at W pixels across, N frames a second
+                   and a quality from 0 to 1, as far as the host sees fit; write
+                   the frames into FOLDER as frame-0001.jpg and so on, show them
+                   in a window; tell how many came, how large and how old. Ends
+                   after SECONDS, by Ctrl-C, or by Escape in the window
   snap             put the pointer onto the small control that it is near
   reveal           draw a small circle with the pointer
   ping             print how long the host took to answer
@@ -72,15 +79,21 @@ or asked the desktop, so that what comes next does not overtake it: 30 seconds
 at most, and for text 0.03 seconds more for each byte. Text is UTF-8; up to
 1 MiB of it is taken from the standard input.
 
+A mirror's pictures carry no time. How old they were when they arrived is known
+only while orvel-clock shows it on the mirrored screen, and right only as far as
+the clocks of the two computers agree.
+
 KEY is a name, or a macOS virtual key code such as 0x24, with modifiers in front
 of it: cmd+c, ctrl+shift+tab. Modifiers: cmd, shift, option (or alt), ctrl, fn.
 
 Exit codes: 0 fine; 1 no connection, connection lost, no answer in time, or a
-file that cannot be written; 2 bad usage; 3 denied.
+file that cannot be written; 2 bad usage; 3 denied. A mirror that is ended by
+Ctrl-C is fine; the commands after it are left out.
 
 Examples
   ORVEL_TOKEN=ABCD-EFGH-JKMN-PQRS orvel-phone to 0.5 0.5 click left key cmd+c
   orvel-phone --token ABCD-EFGH-JKMN-PQRS text Hello -- key return
+  orvel-phone mirror 10 --width 1280 --save frames
 
 Keys
 )";
@@ -115,9 +128,11 @@ int run(const PhoneOptions& options) {
     if (!paired) return complain(paired.error());
     welcome = *paired;
   }
-  PhoneRunner runner(*phone, welcome, std::cout);
+  PhoneViewers viewers;
+  PhoneRunner runner(*phone, welcome, std::cout, [&](bool inWindow) { return viewers.open(inWindow); });
   for (const auto& step : options.steps) {
     if (const auto failure = runner.run(step)) return complain(*failure);
+    if (viewers.wereInterrupted()) break;
   }
   if (const auto handled = phone->ping(answerLimit); !handled) return complain(handled.error());
   // The host may answer a goodbye by closing at once; all that matters has been handled.

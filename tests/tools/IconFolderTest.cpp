@@ -68,8 +68,15 @@ TEST(IconFolder, SaysWhatCannotBeWritten) {
 
 TEST(IconFolder, NoticesThatTheDiskIsFull) {
   const TemporaryFolder home;
-  std::filesystem::create_symlink("/dev/full", home.path() / "a.png");
-  EXPECT_TRUE(IconFolder(home.path()).write("a", std::string(100000, 'x')));
+  const IconFolder folder(home.path());
+  EXPECT_FALSE(folder.write("a", "old"));
+  std::filesystem::create_symlink("/dev/full", home.path() / "a.png.part");
+  const auto failure = folder.write("a", std::string(100000, 'x'));
+  ASSERT_TRUE(failure);
+  EXPECT_THAT(failure->text, HasSubstr("a.png: No space left"));
+  std::ifstream file(home.path() / "a.png");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "old");
+  EXPECT_FALSE(std::filesystem::is_symlink(home.path() / "a.png.part"));
 }
 
 }  // namespace

@@ -38,6 +38,13 @@ PhoneMessage control(const std::string& json) {
 }
 const PhoneMessage emptyGetIcons = control(R"({"t":"getIcons","ids":[]})");
 
+/// A viewer that leaves as soon as it has come.
+struct BriefViewer final : MirrorViewer {
+  void show(std::string_view) override {}
+  void tell(const std::string&) override {}
+  bool wantsMore() override { return false; }
+};
+
 /// The kind of a control message; of a frame nothing.
 std::string kindOf(const PhoneMessage& message) {
   return message.isText ? std::string(boost::json::parse(message.payload).at("t").as_string()) : "";
@@ -71,7 +78,7 @@ class PhoneRunnerTest : public testing::Test {
     ScriptedHost host([this](HostEnd& end) { serve(end); });
     auto phone = PhoneClient::connect("127.0.0.1", host.port(), limit);
     if (!phone) return phone.error();
-    PhoneRunner runner(*phone, {.mac = "Studio\x1b[2J", .accessibility = true}, out, limits);
+    PhoneRunner runner(*phone, {.mac = "Studio\x1b[2J", .accessibility = true}, out, viewers, limits);
     Failure failure;
     for (const Step& step : steps) {
       if (!failure) failure = runner.run(step);
@@ -84,6 +91,7 @@ class PhoneRunnerTest : public testing::Test {
       {"getIcons", [](const PhoneMessage& request) { return iconsAnswer(idsIn(request)); }}};
   std::vector<PhoneMessage> heard;
   std::ostringstream out;
+  ViewerFactory viewers = [](bool) { return Error{Error::Kind::local, "no viewer"}; };
 
  private:
   void serve(HostEnd& end) {
@@ -133,6 +141,30 @@ TEST_F(PhoneRunnerTest, LongTextGoesPieceByPiece) {
     EXPECT_EQ(heard[index + 1], emptyGetIcons);
   }
   EXPECT_EQ(typed, text);
+}
+
+TEST_F(PhoneRunnerTest, MirrorsAsItIsToldAndReports) {
+  std::vector<bool> inWindow;
+  viewers = [&](bool window) {
+    inWindow.push_back(window);
+    return std::unique_ptr<MirrorViewer>(std::make_unique<BriefViewer>());
+  };
+  answers["mirrorStart"] = always(R"({"t":"mirrorReady","width":400,"height":300})");
+  answers["ping"] = always(R"({"t":"pong"})");
+  EXPECT_FALSE(run({step::Mirror{.wish = {.width = 400}, .inWindow = true}, step::Mirror{}}));
+  EXPECT_THAT(inWindow, ElementsAre(true, false));
+  ASSERT_THAT(heard, SizeIs(6));
+  EXPECT_EQ(heard[0], control(R"({"t":"mirrorStart","width":400})"));
+  EXPECT_EQ(heard[1], control(R"({"t":"mirrorStop"})"));
+  EXPECT_EQ(heard[3], control(R"({"t":"mirrorStart"})"));
+  EXPECT_THAT(out.str(), HasSubstr("screen: 400x300\nframes: 0 in 0.0 s"));
+}
+
+TEST_F(PhoneRunnerTest, DoesNotMirrorWithoutAViewer) {
+  const auto failure = run({step::Mirror{.inWindow = true}});
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->text, "no viewer");
+  EXPECT_THAT(heard, IsEmpty());
 }
 
 TEST_F(PhoneRunnerTest, EmptyTextIsNothingToType) {

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <variant>
@@ -159,6 +160,37 @@ TEST(PhoneScript, ReadsWhichIconsGoWhere) {
   EXPECT_THAT(std::get<step::Icons>(steps[1]).ids, IsEmpty());
 }
 
+TEST(PhoneScript, ReadsHowToMirror) {
+  const auto plain = only<step::Mirror>("mirror");
+  EXPECT_EQ(plain.seconds, std::nullopt);
+  EXPECT_EQ(plain.wish.width, std::nullopt);
+  EXPECT_EQ(plain.wish.fps, std::nullopt);
+  EXPECT_EQ(plain.wish.quality, std::nullopt);
+  EXPECT_EQ(plain.folder, std::nullopt);
+  EXPECT_FALSE(plain.inWindow);
+  const auto full = only<step::Mirror>("mirror 1.5 --save f --fps 30 --window --quality 0.2 --width 1280");
+  EXPECT_EQ(full.seconds, 1.5);
+  EXPECT_EQ(full.wish.width, 1280);
+  EXPECT_EQ(full.wish.fps, 30);
+  EXPECT_EQ(full.wish.quality, 0.2);
+  EXPECT_EQ(full.folder, "f");
+  EXPECT_TRUE(full.inWindow);
+  const auto steps = stepsOf("mirror mirror --window ping");
+  ASSERT_THAT(steps, SizeIs(3));
+  EXPECT_FALSE(std::get<step::Mirror>(steps[0]).inWindow);
+  EXPECT_TRUE(std::get<step::Mirror>(steps[1]).inWindow);
+}
+
+TEST(PhoneScript, SaysWhatIsWrongWithAMirror) {
+  for (const char* line :
+       {"mirror 10x", "mirror 86401", "mirror --width 10x", "mirror --width 0", "mirror --fps 0", "mirror --fps 1.5",
+        "mirror --quality 1.1", "mirror --quality nan", "mirror --save", "mirror --width"}) {
+    EXPECT_THAT(mistakeIn(line), HasSubstr("\"mirror\" needs")) << line;
+  }
+  EXPECT_EQ(mistakeIn("mirror 10 --widht 900"), "\"mirror\" has no option \"--widht\"");
+  EXPECT_THAT(mistakeIn("mirror --save f ten"), HasSubstr("\"ten\""));
+}
+
 TEST(PhoneScript, TakesOnlyUTF8) {
   EXPECT_THAT(mistakeIn("ping text caf\xe9 -- ping"), HasSubstr("UTF-8"));
   for (const char* line : {"activate caf\xe9", "quit caf\xe9", "icons folder a caf\xe9 b"}) {
@@ -199,7 +231,7 @@ TEST(PhoneScript, OnlyPingAndWaitNeedNoPairing) {
   for (const auto& step : stepsOf("ping wait 1")) EXPECT_FALSE(needsPairing(step));
   for (const auto& step :
        stepsOf("pair move 1 1 to 0 0 press left click left drag 1 1 scroll 1 1 keyup a reveal media mute apps "
-               "icons f -- activate a quit a snap text a")) {
+               "icons f -- activate a quit a mirror snap text a")) {
     EXPECT_TRUE(needsPairing(step));
   }
 }

@@ -22,6 +22,8 @@ class SocketHostEnd final : public HostEnd {
   explicit SocketHostEnd(tcp::socket socket) : stream_(std::move(socket)) {}
 
   bool open() {
+    error_code ignored;
+    stream_.next_layer().set_option(tcp::no_delay(true), ignored);
     stream_.accept(error_);
     return !error_;
   }
