@@ -2,6 +2,7 @@
 
 #include "tools/TimeStripLayout.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -37,23 +38,23 @@ bool hasFinderBars(const int* edges) {
 }  // namespace
 
 std::optional<std::uint64_t> TimeStripSearch::run() {
-  for (int y = 0; y < picture_.height && attemptsLeft_ > 0; y += rowStep) {
-    if (const auto bits = searchRow(y)) return bits;
-  }
-  return std::nullopt;
+  std::optional<std::uint64_t> latest;
+  for (int y = 0; y < picture_.height && attemptsLeft_ > 0; y += rowStep) latest = std::max(latest, searchRow(y));
+  return latest;
 }
 
 std::optional<std::uint64_t> TimeStripSearch::searchRow(int y) {
   findFinders(y);
+  std::optional<std::uint64_t> latest;
   for (std::size_t left = 0; left < finders_.size(); ++left) {
     for (std::size_t right = left + 1; right < finders_.size(); ++right) {
       const double block = (finders_[right].middle - finders_[left].middle) / finderDistance;
       if (!isNear(finders_[left].block, block) || !isNear(finders_[right].block, block)) continue;
-      if (attemptsLeft_-- <= 0) return std::nullopt;
-      if (const auto bits = readBetween(finders_[left], finders_[right], y)) return bits;
+      if (attemptsLeft_-- <= 0) return latest;
+      latest = std::max(latest, readBetween(finders_[left], finders_[right], y));
     }
   }
-  return std::nullopt;
+  return latest;
 }
 
 /// Looks along one row for what could be finders: from light to dark, and so on.

@@ -15,7 +15,7 @@ class TimeStripSearch {
  public:
   explicit TimeStripSearch(const LumaPicture& picture) : picture_(picture) {}
 
-  /// The bits of the first strip that is there as a whole and right by its checksum.
+  /// The bits of a strip that is there as a whole and right by its checksum; of several, those of the latest time.
   std::optional<std::uint64_t> run();
 
  private:

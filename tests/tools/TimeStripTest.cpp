@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <optional>
+#include <utility>
 
 namespace orvel::phone {
 namespace {
@@ -54,6 +55,20 @@ TEST(TimeStrip, IsFoundAmongNoise) {
   for (unsigned seed = 1; seed <= 5; ++seed) {
     const auto picture = Scene{.time = someTime, .left = 133, .top = 257, .noise = seed}.picture(0.47);
     EXPECT_THAT(timeAfterJPEG(picture), Optional(someTime)) << seed;
+  }
+}
+
+TEST(TimeStrip, TheLatestOfSeveralCounts) {
+  const auto old = Scene{.time = someTime, .block = 16}.picture();
+  const auto late = Scene{.time = someTime + std::chrono::milliseconds(1), .block = 16}.picture();
+  for (const auto& [from, to] : {std::pair(Picture(old), Picture(late)), std::pair(Picture(late), Picture(old))}) {
+    for (const auto& [left, top] : {std::pair(600, 0), std::pair(0, 300)}) {
+      auto both = from;
+      for (int y = 0; y < 112; ++y) {
+        for (int x = 0; x < 480; ++x) both.at(left + x, top + y) = to.at(x, y);
+      }
+      EXPECT_THAT(timeIn(both), Optional(someTime + std::chrono::milliseconds(1)));
+    }
   }
 }
 
