@@ -89,14 +89,19 @@ void ScreenStream::look() {
 }
 
 void ScreenStream::offer() {
-  pace_.frameAt(now());
+  const FramePace::Time begun = now();
   resumed_ = false;
   const FrameAnswer answer = [&] {
     ScreenFrame frame(view_);
     return handlers_.frame(frame);
   }();
   isDirty_ = answer != FrameAnswer::taken;
-  if (answer == FrameAnswer::waits) awaitResume();
+  if (answer == FrameAnswer::waits) {
+    // Nothing was delivered, so the next one need not keep its distance to this one.
+    awaitResume();
+  } else {
+    pace_.frameAt(begun);
+  }
 }
 
 void ScreenStream::awaitNews() {
