@@ -45,14 +45,23 @@ std::pair<int, int> DesktopView::pointer() const {
   return reply ? std::pair<int, int>(reply->root_x, reply->root_y) : std::pair(-1, -1);
 }
 
-bool DesktopView::photograph(const std::string& path) const {
+Picture DesktopView::picture() const {
   const int width = screen()->width_in_pixels;
   const int height = screen()->height_in_pixels;
   const auto asked = xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen()->root, 0, 0,
                                    screen()->width_in_pixels, screen()->height_in_pixels, ~0u);
   const std::unique_ptr<xcb_get_image_reply_t, Free> reply(xcb_get_image_reply(connection_, asked, nullptr));
-  if (!reply) return false;
-  const QImage image(xcb_get_image_data(reply.get()), width, height, QImage::Format_RGB32);
+  if (!reply) return {};
+  return Picture(PixelBuffer{.bytes = xcb_get_image_data(reply.get()),
+                             .bytesPerRow = 4 * static_cast<std::size_t>(width),
+                             .width = width,
+                             .height = height});
+}
+
+bool DesktopView::photograph(const std::string& path) const {
+  const Picture shown = picture();
+  const PixelBuffer pixels = shown.buffer();
+  const QImage image(pixels.bytes, pixels.width, pixels.height, QImage::Format_RGB32);
   return image.save(QString::fromStdString(path), "PNG");
 }
 

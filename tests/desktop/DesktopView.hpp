@@ -1,5 +1,7 @@
 #pragma once
 
+#include "desktop/Picture.hpp"
+
 #include <xcb/xcb.h>
 
 #include <string>
@@ -21,6 +23,9 @@ class DesktopView {
 
   /// Where the pointer is.
   std::pair<int, int> pointer() const;
+
+  /// What is shown at this moment, without the cursor. Empty when it cannot be seen.
+  Picture picture() const;
 
   /// Writes what is shown at this moment to a PNG file. False when it cannot.
   bool photograph(const std::string& path) const;
