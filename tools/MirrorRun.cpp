@@ -34,7 +34,6 @@ Failure MirrorRun::carryOut() {
   statistics_.emplace(std::chrono::steady_clock::now());
   auto failure = watch();
   end_ = std::chrono::steady_clock::now();
-  if (failure && failure->kind == Error::Kind::ended) return failure;
   auto unheard = session_.stop(pace_.limit);
   return failure ? failure : unheard;
 }

@@ -96,7 +96,13 @@ class WordReader {
     return number ? *number : refuse<std::uint8_t>(*word, what);
   }
 
-  std::string folder() { return std::string(argument("a folder").value_or("")); }
+  /// A folder; not an option that stands where one is missing.
+  std::string folder() {
+    constexpr const char* what = "a folder";
+    const auto word = argument(what);
+    if (!word) return {};
+    return word->starts_with("--") ? refuse<std::string>(*word, what) : std::string(*word);
+  }
 
   /// The id of an application, which must fit a frame.
   std::string id() {

@@ -184,7 +184,7 @@ TEST(PhoneScript, ReadsHowToMirror) {
 TEST(PhoneScript, SaysWhatIsWrongWithAMirror) {
   for (const char* line :
        {"mirror 10x", "mirror 86401", "mirror --width 10x", "mirror --width 0", "mirror --fps 0", "mirror --fps 1.5",
-        "mirror --quality 1.1", "mirror --quality nan", "mirror --save", "mirror --width"}) {
+        "mirror --quality 1.1", "mirror --quality nan", "mirror --save", "mirror --width", "mirror --save --window"}) {
     EXPECT_THAT(mistakeIn(line), HasSubstr("\"mirror\" needs")) << line;
   }
   EXPECT_EQ(mistakeIn("mirror 10 --widht 900"), "\"mirror\" has no option \"--widht\"");
