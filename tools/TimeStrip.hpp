@@ -24,9 +24,9 @@ class TimeStrip {
 
   bool isDark(int column, int row) const;
 
-  /// The moment that a strip in this picture tells, wherever it stands and whatever its size, if its blocks are squares
-  /// of at least four pixels. The latest, if there are several: a screen may show a picture of itself. The work is
-  /// bounded, whatever the picture.
+  /// The moment that a strip in this picture tells, wherever it stands and whatever its size, if its blocks are at
+  /// least four pixels wide and more or less squares. The latest, if there are several: a screen may show a picture of
+  /// itself. The work is bounded, whatever the picture.
   static std::optional<WallTime> find(const LumaPicture& picture);
 
  private:

@@ -17,6 +17,8 @@ constexpr int smallestBlock = 4;
 // Small enough that a few of the rows cross the bars of the smallest strip.
 constexpr int rowStep = 6;
 constexpr double toleratedDeviation = 0.3;
+// Small pictures of a screen need not have its shape.
+constexpr double mostDistortion = 1.6;
 constexpr std::size_t mostFindersInRow = 64;
 
 bool isNear(double value, double expected) {
@@ -81,12 +83,12 @@ std::optional<std::uint64_t> TimeStripSearch::readBetween(const Finder& left, co
   const double block = (right.middle - left.middle) / finderDistance;
   const Extent extent = darkExtent(static_cast<int>(left.middle), y);
   const double rowHeight = (extent.bottom - extent.top) / dataRows;
-  if (!isNear(rowHeight, block)) return std::nullopt;
+  if (rowHeight < block / mostDistortion || rowHeight > block * mostDistortion) return std::nullopt;
   std::uint64_t bits = 0;
   for (int row = 0; row < dataRows; ++row) {
     for (int column = 0; column < dataColumns; ++column) {
-      const auto dark =
-          blockAt(left.middle + (dataDistance + column) * block, extent.top + (row + 0.5) * rowHeight, block);
+      const auto dark = blockAt(left.middle + (dataDistance + column) * block, extent.top + (row + 0.5) * rowHeight,
+                                std::min(block, rowHeight));
       if (!dark) return std::nullopt;
       bits = bits << 1 | (*dark ? 1 : 0);
     }

@@ -67,12 +67,12 @@ Picture cropped(const Picture& picture, int width, int height) {
   return part;
 }
 
-Picture Scene::picture(double scale) const {
+Picture Scene::picture(double scaleX, double scaleY) const {
   Picture screen = uniform(screenWidth, screenHeight, 128);
   if (noise) addNoise(screen, *noise);
   if (time) addStrip(screen, *this);
-  if (scale == 1) return screen;
-  Picture scaled = uniform(static_cast<int>(screenWidth * scale), static_cast<int>(screenHeight * scale), 0);
+  if (scaleX == 1 && scaleY == 1) return screen;
+  Picture scaled = uniform(static_cast<int>(screenWidth * scaleX), static_cast<int>(screenHeight * scaleY), 0);
   const double stepX = static_cast<double>(screenWidth) / scaled.width;
   const double stepY = static_cast<double>(screenHeight) / scaled.height;
   for (int y = 0; y < scaled.height; ++y) {

@@ -36,7 +36,8 @@ struct Scene {
   std::optional<unsigned> noise = std::nullopt;  ///< The seed of what is around the strip; grey when there is none.
 
   /// The screen as a mirror scales it down.
-  Picture picture(double scale = 1) const;
+  Picture picture(double scale = 1) const { return picture(scale, scale); }
+  Picture picture(double scaleX, double scaleY) const;
 };
 
 /// Makes a block of the strip on an unscaled picture of the scene dark if it was light, and the other way round.

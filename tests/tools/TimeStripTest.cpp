@@ -44,6 +44,11 @@ TEST(TimeStrip, SurvivesBeingScaledAndCompressed) {
   }
 }
 
+TEST(TimeStrip, SurvivesBeingDistorted) {
+  EXPECT_THAT(timeAfterJPEG(Scene{.time = someTime}.picture(0.3, 0.4)), Optional(someTime));
+  EXPECT_THAT(timeAfterJPEG(Scene{.time = someTime}.picture(0.4, 0.3)), Optional(someTime));
+}
+
 TEST(TimeStrip, IsFoundWhereverItStands) {
   for (int offset = 0; offset < 12; ++offset) {
     const auto picture = Scene{.time = someTime, .left = offset * 23, .top = offset * 41}.picture(0.47);
