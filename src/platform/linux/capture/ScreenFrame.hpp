@@ -12,7 +12,7 @@ namespace orvel {
 class ScreenFrame final : public CapturedFrame {
  public:
   explicit ScreenFrame(ScreenView& view) : view_(view) {}
-  ~ScreenFrame() { view_.putAway(); }
+  ~ScreenFrame() override { view_.putAway(); }
   ScreenFrame(const ScreenFrame&) = delete;
   ScreenFrame& operator=(const ScreenFrame&) = delete;
 
