@@ -226,6 +226,21 @@ TEST_F(SystemCaptureServiceTest, TheCursorChangesItsShape) {
   EXPECT_EQ(receiver.picture().at(210, 310), background);
 }
 
+TEST_F(SystemCaptureServiceTest, AFastMouseWakesItForFramesAlone) {
+  constexpr int movements = 1500;
+  const auto stream = start({.width = 320, .height = 240, .framesPerSecond = 10});
+  ASSERT_TRUE(receiver.waitForCount(1));
+  const auto frames = receiver.settle();
+  const long sleeps = receiver.sleeps();
+  for (int i = 0; i < movements; ++i) {
+    painter.movePointer(100 + i % 500, 100 + i % 300);
+    std::this_thread::sleep_for(Milliseconds(1));
+  }
+  const auto more = receiver.settle() - frames;
+  EXPECT_GE(more, 10u);
+  EXPECT_LE(receiver.sleeps() - sleeps, 10 * static_cast<long>(more));
+}
+
 /// Two monitors side by side, 640 by 800 each.
 struct TwoMonitorsTest : SystemCaptureServiceTest {
   TwoMonitorsTest() {
