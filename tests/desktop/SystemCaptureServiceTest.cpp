@@ -135,6 +135,22 @@ TEST_F(SystemCaptureServiceTest, AFrameThatWasNotTakenIsOfferedAgain) {
   EXPECT_LE(receiver.settle(), 20u);
 }
 
+TEST_F(SystemCaptureServiceTest, AFrameThatWasTakenUnseenIsNotOfferedAgain) {
+  painter.movePointer(600, 600);
+  std::atomic<int> frames = 0;
+  const auto shareable = content();
+  const auto stream = shareable->start(0, fullSize,
+                                       {.frame =
+                                            [&](CapturedFrame&) {
+                                              ++frames;
+                                              return FrameAnswer::taken;
+                                            },
+                                        .stopped = [](const std::string&) {}});
+  std::this_thread::sleep_for(5 * lull);
+  EXPECT_GE(frames, 1);
+  EXPECT_LE(frames, 2);
+}
+
 TEST_F(SystemCaptureServiceTest, WhoWaitsIsOfferedNothingUntilTheyGoOn) {
   receiver.answerWith(FrameAnswer::waits);
   const auto stream = start(fullSize);

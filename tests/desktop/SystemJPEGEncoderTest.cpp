@@ -49,6 +49,14 @@ TEST_F(SystemJPEGEncoderTest, EverySizeIsPossible) {
   }
 }
 
+TEST_F(SystemJPEGEncoderTest, AnOddEdgeHasNoShade) {
+  for (const double quality : {0.1, 0.3, 0.6, 0.9}) {
+    const auto decoded = seen(Picture(33, 17, 0xc0c0c0), quality);
+    ASSERT_TRUE(decoded);
+    EXPECT_TRUE(*decoded == Picture(33, 17, decoded->at(0, 0))) << quality;
+  }
+}
+
 TEST_F(SystemJPEGEncoderTest, RowsMayBeFartherApartThanTheyAreWide) {
   const Picture whole = photograph(300, 200);
   PixelBuffer part = whole.buffer();

@@ -21,7 +21,6 @@ bool ScreenView::look() {
 void ScreenView::moveTo(const PixelRect& area) {
   image_.reset();
   previous_.reset();
-  shownCursor_ = {};
   if (area.isEmpty()) return;
   image_ = std::make_unique<ScreenImage>(connection_, format_, area);
   if (!watch_.tellsOfDrawing()) previous_ = std::make_unique<ScreenImage>(connection_, format_, area);
@@ -45,16 +44,15 @@ bool ScreenView::looksDifferent() {
 }
 
 bool ScreenView::cursorHasChanged() {
-  cursor_ = watch_.askCursor();
+  const Cursor before = std::exchange(cursor_, watch_.askCursor());
   const auto isInside = [&](const Cursor& cursor) { return !cursor.area().intersectedWith(image_->area()).isEmpty(); };
-  return cursor_ != shownCursor_ && (isInside(cursor_) || isInside(shownCursor_));
+  return cursor_ != before && (isInside(cursor_) || isInside(before));
 }
 
 const PixelBuffer* ScreenView::picture() {
   if (!image_->fetch(stale_)) return nullptr;
   stale_ = {};
   overlay_.draw(cursor_, *image_);
-  shownCursor_ = cursor_;
   picture_ = scaler_.scale({image_->bytes(), image_->bytesPerRow(), image_->area().width, image_->area().height});
   return &picture_;
 }

@@ -19,7 +19,7 @@ class ScreenView {
   /// Where the display is, what it shows, and how large a frame is.
   ScreenView(const X11Connection& connection, std::size_t display, const ScreenFormat& format, int width, int height);
 
-  /// Looks whether there is something new to be seen since the last `picture`.
+  /// Looks whether there is something to be seen that was not there when it looked last.
   bool look();
 
   /// Whether the display is there.
@@ -48,8 +48,7 @@ class ScreenView {
   std::unique_ptr<ScreenImage> image_;     // null while there is no display
   std::unique_ptr<ScreenImage> previous_;  // only when the server does not tell what was drawn
   Rows stale_;                             // what of the image is to be fetched
-  Cursor cursor_;                          // as it is now
-  Cursor shownCursor_;                     // as it was in the last picture
+  Cursor cursor_;
   PixelBuffer picture_;
 };
 
