@@ -113,7 +113,8 @@ void ScreenStream::awaitNews() {
 }
 
 void ScreenStream::awaitResume() {
-  while (!resumed_ && isGoingOn()) sleep(WakeUp::Minds::end, std::nullopt);
+  // It may take hours, through which the server would keep what is not taken.
+  while (!resumed_ && isGoingOn()) sleep(WakeUp::Minds::everything, std::nullopt);
 }
 
 void ScreenStream::restUntil(FramePace::Time end) {
