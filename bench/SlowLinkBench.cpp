@@ -14,8 +14,10 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace orvel::bench {
 namespace {
@@ -27,6 +29,7 @@ constexpr phone::MirrorWish wish{.width = 900, .fps = 30, .quality = 0.45};
 constexpr phone::Seconds limit{10};
 constexpr std::chrono::seconds warmUp{4};
 constexpr std::chrono::seconds measured{12};
+constexpr std::chrono::milliseconds betweenQuestions{230};
 
 // 5 Mbit a second, and 20 ms each way: a good while of a poor wireless network.
 constexpr SlowLink::Pace pace{
@@ -35,8 +38,35 @@ constexpr SlowLink::Pace pace{
 constexpr double oldestAge = 190;      // milliseconds
 constexpr double leastGoodput = 0.90;  // of the link
 
+/// A phone that asks something now and then, and times the answer.
+class Question {
+ public:
+  explicit Question(phone::PhoneClient& client) : client_(client) {}
+
+  /// Asks, when the last answer has come and it is time again.
+  void askNowAndThen() {
+    const auto now = steady_clock::now();
+    if (asked_ || now < next_) return;
+    static_cast<void>(client_.send({{"t", "ping"}}));
+    asked_ = now;
+    next_ = now + betweenQuestions;
+  }
+
+  /// Takes the answer: how long it took, in milliseconds.
+  double answered() {
+    return std::chrono::duration<double, std::milli>(steady_clock::now() - *std::exchange(asked_, std::nullopt))
+        .count();
+  }
+
+ private:
+  phone::PhoneClient& client_;
+  std::optional<steady_clock::time_point> asked_;
+  steady_clock::time_point next_;
+};
+
 struct Record {
-  Samples ages;  // milliseconds
+  Samples ages;     // milliseconds
+  Samples answers;  // milliseconds
   double bytesPerFrame = 0;
   double framesPerSecond = 0;
 
@@ -50,17 +80,25 @@ Value expected(phone::Result<Value> result) {
 }
 
 /// Watches the mirror for a while.
-Record watch(phone::MirrorSession& mirror) {
+Record watch(phone::PhoneClient& client) {
+  phone::MirrorSession mirror(client);
   const phone::MirrorSize size = expected(mirror.start(wish, limit));
   phone::LumaDecoder decoder;
+  Question question(client);
   Record record;
   const auto begin = steady_clock::now() + warmUp;
   steady_clock::time_point first;
   steady_clock::time_point last;
   double bytes = 0;
   while (steady_clock::now() < begin + measured) {
-    const phone::MirrorFrame frame = expected(mirror.next(limit));
+    phone::HostMessage message = expected(client.receive(limit));
     if (steady_clock::now() < begin) continue;
+    if (message.isText) {
+      record.answers.add(question.answered());
+      continue;
+    }
+    question.askNowAndThen();
+    const phone::MirrorFrame frame = expected(phone::MirrorFrame::from(std::move(message)));
     const auto shown = phone::TimeStrip::find(expected(decoder.decode(frame.jpeg(), size)));
     if (!shown) throw std::runtime_error("the clock is not to be seen");
     const std::chrono::duration<double, std::milli> age = frame.arrival().wall - *shown;
@@ -79,9 +117,9 @@ Record watch(phone::MirrorSession& mirror) {
 }
 
 void print(const char* name, const Record& record) {
-  std::printf("%-12s %6.0f %6.0f %6.0f   %5.1f   %6.0f   %5.1f %%\n", name, record.ages.median(),
+  std::printf("%-12s %6.0f %6.0f %6.0f   %5.1f   %6.0f   %5.1f %%   %6.0f %6.0f\n", name, record.ages.median(),
               record.ages.quantile(0.95), record.ages.greatest(), record.framesPerSecond, record.bytesPerFrame,
-              record.goodput() * 100);
+              record.goodput() * 100, record.answers.median(), record.answers.quantile(0.95));
 }
 
 Record watchPlainServer(const VirtualDesktop& desktop, SlowLink& link) {
@@ -89,8 +127,7 @@ Record watchPlainServer(const VirtualDesktop& desktop, SlowLink& link) {
   Record record;
   link.onFarSide([&] {
     auto client = expected(phone::PhoneClient::connect(SlowLink::nearAddress, plainPort, limit));
-    phone::MirrorSession mirror(client);
-    record = watch(mirror);
+    record = watch(client);
     client.hangUp();
   });
   return record;
@@ -103,8 +140,7 @@ Record watchHost(const VirtualDesktop& desktop, SlowLink& link) {
   link.onFarSide([&] {
     auto client = expected(phone::PhoneClient::connect(SlowLink::nearAddress, hostPort, limit));
     expected(client.pair(token, "Phone", limit));
-    phone::MirrorSession mirror(client);
-    record = watch(mirror);
+    record = watch(client);
     client.hangUp();
   });
   host.stop();
@@ -120,7 +156,8 @@ Verdict measure() {
   std::printf(
       "The link: 5 Mbit a second, 20 ms each way. The age is in milliseconds, and up to 8 ms of it is the\n"
       "clock's own.\n\n");
-  std::printf("             median    95 %%    most   a s.     bytes   of the link\n");
+  std::printf("             age of pictures         pictures                     answers\n");
+  std::printf("             median   95 %%   most   a s.     bytes   of the link  median   95 %%\n");
   const Record plain = watchPlainServer(desktop, link);
   print("sent plainly", plain);
   const Record ours = watchHost(desktop, link);
