@@ -49,6 +49,8 @@ void ClientSession::mirrorStarted(const ScreenMirror::Outcome& outcome) {
   // An end that was told of before would be forgotten.
   if (hasEnded_) return;
   if (const auto hub = hub_.lock()) hub->setMirroring(true);
+  // What still waits is of the capture before, and of another size.
+  transport_->dropFrames();
   const Size size = std::get<Size>(outcome);
   send({{"t", "mirrorReady"},
         {"width", static_cast<std::int64_t>(size.width)},

@@ -28,19 +28,23 @@ void FrameLane::add(Frame frame) {
   if (waiting_.size() == 1 && !isLeaving_) ready_();
 }
 
-const FrameLane::Frame* FrameLane::next() const {
-  return isLeaving_ || waiting_.empty() ? nullptr : &waiting_.front();
+FrameLane::Frame FrameLane::takeNext() {
+  Frame frame = std::move(waiting_.front());
+  waiting_.pop_front();
+  newestSize_ = frame.image.size;
+  untold_.push_back(std::exchange(frame.taken, {}));
+  isLeaving_ = true;
+  return frame;
 }
 
 void FrameLane::accepted() {
-  if (waiting_.empty()) return;
-  newestSize_ = waiting_.front().image.size;
-  untold_.push_back(std::move(waiting_.front().taken));
-  waiting_.pop_front();
-  isLeaving_ = true;
   hasWaited_ = false;
   pause_ = shortestPause;
   look();
+}
+
+void FrameLane::clear() {
+  for (const Frame& frame : std::exchange(waiting_, {})) frame.taken();
 }
 
 void FrameLane::look() {
@@ -81,8 +85,8 @@ void FrameLane::hasLeft() {
 void FrameLane::end() {
   hasEnded_ = true;
   isLeaving_ = false;
-  for (Frame& frame : std::exchange(waiting_, {})) untold_.push_back(std::move(frame.taken));
   for (const Task& taken : std::exchange(untold_, {})) taken();
+  clear();
 }
 
 }  // namespace orvel

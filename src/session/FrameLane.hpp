@@ -37,11 +37,17 @@ class FrameLane {
 
   void add(Frame frame);
 
-  /// The frame that may go now, or null.
-  const Frame* next() const;
+  /// Whether a frame may go now.
+  bool hasNext() const { return !isLeaving_ && !waiting_.empty(); }
 
-  /// The system has accepted the frame that `next` gave.
+  /// Takes the frame that may go out of the lane; there must be one. Its `taken` stays.
+  Frame takeNext();
+
+  /// The system has accepted the frame that `takeNext` gave.
   void accepted();
+
+  /// Forgets what has not gone yet; it counts as taken.
+  void clear();
 
   /// Nothing goes any more: all frames count as taken, now and from now on.
   void end();
@@ -55,11 +61,11 @@ class FrameLane {
   const std::function<Backlog()> backlog_;
   const Task ready_;
   std::deque<Frame> waiting_;
-  std::deque<Task> untold_;  // of frames that were accepted
-  bool isLeaving_ = false;   // an accepted one has not left yet
+  std::deque<Task> untold_;  // of frames that have gone
+  bool isLeaving_ = false;   // one that has gone has not left yet
   bool hasWaited_ = false;   // for it to leave
   bool hasEnded_ = false;
-  std::size_t newestSize_ = 0;      // of those that were accepted
+  std::size_t newestSize_ = 0;      // of those that have gone
   std::size_t unacknowledged_ = 0;  // when last looked at
   Seconds pause_{0};
   const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

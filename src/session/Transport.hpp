@@ -53,6 +53,9 @@ class Transport {
   /// has taken it and the next would not wait for long, or when the connection has ended. Threads: any.
   virtual void sendFrame(std::uint8_t marker, SharedBytes image, Task taken) = 0;
 
+  /// Forgets the frames that have not begun to be sent; they count as taken. Called on `queue`.
+  virtual void dropFrames() = 0;
+
   /// Closes the connection at once. Harmless when it is closed. Threads: any.
   virtual void cancel() = 0;
 };

@@ -108,6 +108,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
     frames_->add(std::move(frame));
   }
 
+  void dropFrames() {
+    if (frames_) frames_->clear();
+  }
+
   void cancel() {
     if (std::exchange(ended_, true)) return;
     timer_.cancel();
@@ -203,14 +207,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Writes what is to go next, unless something is being written. Whatever waits goes before a frame.
   void write() {
     if (writing_) return;
-    const auto* frame = outgoing_.empty() && frames_ ? frames_->next() : nullptr;
-    if (outgoing_.empty() && frame == nullptr) return;
+    const bool hasMessage = !outgoing_.empty();
+    if (!hasMessage && !(frames_ && frames_->hasNext())) return;
     writing_ = true;
     if (!std::exchange(watchingDelivery_, true)) watchDelivery();
-    if (frame != nullptr) {
-      writeFrame(*frame);
-    } else {
+    if (hasMessage) {
       writeMessage();
+    } else {
+      writeFrame();
     }
   }
 
@@ -226,15 +230,15 @@ class Connection : public std::enable_shared_from_this<Connection> {
     });
   }
 
-  void writeFrame(const FrameLane::Frame& frame) {
-    writtenMarker_ = frame.marker;
-    writtenImage_ = frame.image;
+  void writeFrame() {
+    writtenFrame_ = frames_->takeNext();
     stream_.text(false);
-    const std::array<asio::const_buffer, 2> message{asio::buffer(&writtenMarker_, 1),
-                                                    asio::buffer(writtenImage_.data.get(), writtenImage_.size)};
+    const SharedBytes& image = writtenFrame_.image;
+    const std::array<asio::const_buffer, 2> message{asio::buffer(&writtenFrame_.marker, 1),
+                                                    asio::buffer(image.data.get(), image.size)};
     stream_.async_write(message, [self = shared_from_this()](const Error& error, std::size_t) {
       self->writing_ = false;
-      self->writtenImage_ = {};
+      self->writtenFrame_ = {};
       if (error) {
         self->frames_->end();
       } else {
@@ -273,8 +277,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   beast::flat_buffer incoming_;
   std::list<Outgoing> outgoing_;  // a list holds no memory while it is empty
   std::unique_ptr<FrameLane> frames_;
-  std::uint8_t writtenMarker_ = 0;
-  SharedBytes writtenImage_;  // the frame that is being written, which the lane may give up meanwhile
+  FrameLane::Frame writtenFrame_;  // the one that is being written
   Transport::Handlers handlers_;
   bool asked_ = false;       // for a message
   bool delivering_ = false;  // one, which still stands in `incoming_`
@@ -314,6 +317,8 @@ class WebSocketTransport final : public Transport {
                      connection->sendFrame({marker, std::move(image), std::move(taken)});
                    });
   }
+
+  void dropFrames() override { connection_->dropFrames(); }
 
   void cancel() override {
     queue_.post([connection = connection_] { connection->cancel(); });

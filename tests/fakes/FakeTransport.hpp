@@ -95,6 +95,7 @@ class FakeWire {
   std::deque<Sent> incoming;
   std::vector<Sent> sent;
   std::vector<Frame> frames;
+  int drops = 0;  ///< How often frames that wait were dropped.
   std::vector<Task> unsent;
   bool stalled = false;
   bool asked = false;
@@ -133,6 +134,8 @@ class FakeTransport final : public Transport {
       wire_->queue.post(std::move(taken));
     }
   }
+
+  void dropFrames() override { ++wire_->drops; }
 
   void cancel() override {
     wire_->queue.post([wire = wire_] {

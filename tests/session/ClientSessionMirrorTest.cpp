@@ -292,6 +292,7 @@ TEST_F(ClientSessionMirrorTest, APhoneMayStartAnew) {
   say(R"({"t":"mirrorStart","width":400,"fps":5,"quality":0.6})");
   EXPECT_EQ(screen.running, 1);
   EXPECT_THAT(told(*phone), SizeIs(2));
+  EXPECT_EQ(phone->drops, 2) << "each time, so that no frame of the old size comes behind the new one's";
   change();
   EXPECT_THAT(phone->frames, SizeIs(3)) << "with all of its room";
   EXPECT_DOUBLE_EQ(encoder.qualities.back(), 0.6);

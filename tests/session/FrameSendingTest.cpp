@@ -66,6 +66,18 @@ TEST_F(FrameSendingTest, MessagesOvertakeAFrameThatWaits) {
   EXPECT_TRUE(waitForTaken(2));
 }
 
+TEST_F(FrameSendingTest, FramesThatWaitCanBeDropped) {
+  server.setBacklog(Seconds(1000));
+  server.sendFrame(0, marker, image(1000, 1));
+  server.sendFrame(0, marker, image(1000, 2));
+  server.dropFrames(0);
+  EXPECT_TRUE(waitForTaken(1));
+  server.setBacklog(Seconds(0));
+  server.sendFrame(0, marker, image(1000, 3));
+  expectMessage(opcode::binary, "\x80" + image(1000, 1));
+  expectMessage(opcode::binary, "\x80" + image(1000, 3));
+}
+
 TEST_F(FrameSendingTest, FramesAndMessagesDoNotMix) {
   for (char number = 0; number < 50; ++number) {
     server.sendFrame(0, marker, image(20'000, number));

@@ -62,6 +62,10 @@ class LoopbackServer::Peer : public std::enable_shared_from_this<Peer> {
     });
   }
 
+  void dropFrames() {
+    transport_->queue().post([self = shared_from_this()] { self->transport_->dropFrames(); });
+  }
+
   void cancel() {
     transport_->cancel();
     transport_->queue().post([self = shared_from_this()] {});
@@ -166,6 +170,10 @@ void LoopbackServer::send(std::size_t index, MessageType type, std::string paylo
 
 void LoopbackServer::sendFrame(std::size_t index, std::uint8_t marker, const std::string& image) {
   if (const auto found = peer(index)) found->sendFrame(marker, image);
+}
+
+void LoopbackServer::dropFrames(std::size_t index) {
+  if (const auto found = peer(index)) found->dropFrames();
 }
 
 void LoopbackServer::cancel(std::size_t index) {

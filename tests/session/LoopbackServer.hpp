@@ -64,6 +64,7 @@ class LoopbackServer {
 
   void send(std::size_t index, MessageType type, std::string payload);
   void sendFrame(std::size_t index, std::uint8_t marker, const std::string& image);
+  void dropFrames(std::size_t index);
   void cancel(std::size_t index);
 
   /// How long the network takes from now on for what was sent before.
