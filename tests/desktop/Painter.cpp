@@ -85,6 +85,12 @@ void Painter::movePointer(int x, int y) {
   sync();
 }
 
+void Painter::warpPointer(int x, int y) {
+  xcb_warp_pointer(connection_, XCB_NONE, screen_->root, 0, 0, 0, 0, static_cast<std::int16_t>(x),
+                   static_cast<std::int16_t>(y));
+  sync();
+}
+
 void Painter::setCursor(int width, int height, std::uint32_t colour) {
   const auto shape = xcb_generate_id(connection_), pen = xcb_generate_id(connection_),
              cursor = xcb_generate_id(connection_);

@@ -31,6 +31,9 @@ class Painter {
   /// Moves the pointer, as a mouse would.
   void movePointer(int x, int y);
 
+  /// Puts the pointer somewhere, as a program does, without a device.
+  void warpPointer(int x, int y);
+
   /// Makes the cursor a block of this size and colour, its hot spot in the left top corner.
   void setCursor(int width, int height, std::uint32_t colour);
 

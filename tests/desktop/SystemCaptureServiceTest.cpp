@@ -240,6 +240,17 @@ TEST_F(SystemCaptureServiceTest, TheCursorMovesAndLeavesNoTrace) {
   EXPECT_TRUE(receiver.waitForPicture(shows(orange, 1279, 799))) << "a part of it is outside";
 }
 
+TEST_F(SystemCaptureServiceTest, TheCursorIsFollowedAlsoWhenAProgramPutsItSomewhere) {
+  painter.setCursor(16, 16, orange);
+  const auto stream = start(fullSize);
+  ASSERT_TRUE(receiver.waitForCount(1));
+  for (int place = 100; place < 700; place += 100) {
+    receiver.settle();
+    painter.warpPointer(place, place);
+    ASSERT_TRUE(receiver.waitForPicture(shows(orange, place, place))) << place;
+  }
+}
+
 TEST_F(SystemCaptureServiceTest, TheCursorChangesItsShape) {
   painter.setCursor(16, 16, orange);
   painter.movePointer(200, 300);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <xcb/sync.h>
 #include <xcb/xcb.h>
 
 #include <cstdint>
@@ -9,8 +10,8 @@ namespace orvel {
 
 class X11Connection;
 
-/// Has the server tell whenever the pointer moves, by XInput. A mouse may move it a thousand times a second, so this is
-/// on only while there is need of it.
+/// Has the server tell whenever the pointer moves: by XInput what devices do, and by the time for which it has stood
+/// still what programs do. A mouse may move it a thousand times a second, so this is on only while there is need of it.
 ///
 /// Threads: one at a time; making it waits for the server.
 class PointerMotion {
@@ -26,9 +27,13 @@ class PointerMotion {
 
  private:
   PointerMotion(const X11Connection& connection, std::uint8_t opcode);
+  void tellOfDevices(bool wanted);
+  void tellOfEndOfStillness(bool wanted);
 
   const X11Connection& connection_;
   const std::uint8_t opcode_;
+  const xcb_sync_counter_t stillness_;  // none when the server does not measure it
+  const xcb_sync_alarm_t alarm_;
 };
 
 }  // namespace orvel
