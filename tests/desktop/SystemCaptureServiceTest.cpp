@@ -209,7 +209,8 @@ TEST_P(RateTest, ContinuousChangeComesAtTheRateThatWasAgreedOn) {
   const auto times = receiver.times();
   const auto frames = std::count_if(times.begin(), times.end(),
                                     [&](auto time) { return time - times.front() < std::chrono::seconds(seconds); });
-  EXPECT_NEAR(static_cast<double>(frames), seconds * GetParam(), 1);
+  EXPECT_LE(frames, seconds * GetParam() + 1);
+  EXPECT_GE(frames, seconds * GetParam() * 95 / 100) << "a busy computer may be very late now and then";
 }
 
 INSTANTIATE_TEST_SUITE_P(All, RateTest, testing::Values(12, 30));

@@ -16,7 +16,7 @@ FramePace::Interval intervalOf(int framesPerSecond) {
 FramePace::FramePace(int framesPerSecond) : interval_(intervalOf(framesPerSecond)) {}
 
 void FramePace::frameAt(Time now) {
-  const bool isOnGrid = now - due_ < interval_ / 4;
+  const bool isOnGrid = now - due_ < interval_ / 2;
   due_ = (isOnGrid ? due_ : now) + interval_;
 }
 
