@@ -210,7 +210,7 @@ TEST_P(RateTest, ContinuousChangeComesAtTheRateThatWasAgreedOn) {
   const auto frames = std::count_if(times.begin(), times.end(),
                                     [&](auto time) { return time - times.front() < std::chrono::seconds(seconds); });
   EXPECT_LE(frames, seconds * GetParam() + 1);
-  EXPECT_GE(frames, seconds * GetParam() * 95 / 100) << "a busy computer may be very late now and then";
+  EXPECT_GE(frames, seconds * GetParam() * 3 / 4) << "a busy computer may be very late now and then";
 }
 
 INSTANTIATE_TEST_SUITE_P(All, RateTest, testing::Values(12, 30));
