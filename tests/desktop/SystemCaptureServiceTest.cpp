@@ -125,6 +125,18 @@ TEST_F(SystemCaptureServiceTest, WhatChangedAfterAFrameComesWithTheNext) {
   }
 }
 
+TEST_F(SystemCaptureServiceTest, NoChangeIsMissedWhateverItsMoment) {
+  const auto stream = start({.width = 1280, .height = 800, .framesPerSecond = 30});
+  ASSERT_TRUE(receiver.waitForCount(1));
+  for (int change = 1; change <= 200; ++change) {
+    // Around the moment when it has nothing more to show and goes to sleep.
+    std::this_thread::sleep_for(std::chrono::microseconds(31'000 + change * 7919 % 5000));
+    const auto colour = static_cast<std::uint32_t>(change);
+    painter.fill(0, 0, 100, 100, colour);
+    ASSERT_TRUE(receiver.waitForPicture(shows(colour, 50, 50), Milliseconds(3000))) << change;
+  }
+}
+
 TEST_F(SystemCaptureServiceTest, AFrameThatWasNotTakenIsOfferedAgain) {
   receiver.answerWith(FrameAnswer::again);
   const auto stream = start(fullSize);

@@ -108,8 +108,15 @@ void ScreenStream::awaitNews() {
   if (view_.exists()) view_.watch().followPointer(true);
   // The pointer may have moved before it was followed.
   look();
-  while (!hasOffer() && isGoingOn() && !view_.watch().hasNews()) sleep(WakeUp::Minds::everything, std::nullopt);
+  while (!hasOffer() && isGoingOn() && !hasNews()) sleep(WakeUp::Minds::everything, std::nullopt);
   view_.watch().followPointer(false);
+}
+
+/// To ask and to flush also reads what has come. What was read already wakes nobody, and the server tells only once.
+bool ScreenStream::hasNews() {
+  xcb_flush(connection_->get());
+  view_.watch().takeEvents();
+  return view_.watch().hasNews();
 }
 
 void ScreenStream::awaitResume() {

@@ -43,6 +43,7 @@ class ScreenStream final : public CaptureStream {
   void look();
   void offer();
   void awaitNews();
+  bool hasNews();
   void awaitResume();
   void restUntil(FramePace::Time end);
   void sleep(WakeUp::Minds minds, std::optional<FramePace::Time> end);
