@@ -2,6 +2,7 @@
 
 #include "bench/BareServer.hpp"
 #include "bench/Bench.hpp"
+#include "bench/ProcessRecord.hpp"
 #include "bench/RawPhone.hpp"
 #include "bench/RealServer.hpp"
 #include "bench/Samples.hpp"
@@ -114,11 +115,11 @@ struct Server {
 
   /// Processor nanoseconds per frame under a load.
   double measure(Load load, int& late) {
-    const auto timeBefore = process.processorTime();
+    const auto timeBefore = processorTimeOf(process.pid());
     const auto framesBefore = phones.frames();
     late += load(phones);
     phones.settle();
-    const nanoseconds spent = process.processorTime() - timeBefore;
+    const nanoseconds spent = processorTimeOf(process.pid()) - timeBefore;
     return static_cast<double>(spent.count()) / static_cast<double>(phones.frames() - framesBefore);
   }
 

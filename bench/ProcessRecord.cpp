@@ -1,5 +1,7 @@
 #include "bench/ProcessRecord.hpp"
 
+#include <time.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -53,6 +55,15 @@ MemoryRecord memoryOf(pid_t process) {
           .proportional = numberIn(fields, "Pss"),
           .privateDirty = numberIn(fields, "Private_Dirty"),
           .anonymous = numberIn(fields, "Anonymous")};
+}
+
+std::chrono::nanoseconds processorTimeOf(pid_t process) {
+  clockid_t clock{};
+  timespec time{};
+  if (clock_getcpuclockid(process, &clock) != 0 || clock_gettime(clock, &time) != 0) {
+    throw std::runtime_error("a process has gone");
+  }
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 }  // namespace orvel::bench

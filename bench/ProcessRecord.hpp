@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -26,5 +27,8 @@ struct MemoryRecord {
 };
 
 MemoryRecord memoryOf(pid_t process);
+
+/// The processor time of all its threads until now, in user space and in the kernel.
+std::chrono::nanoseconds processorTimeOf(pid_t process);
 
 }  // namespace orvel::bench

@@ -9,7 +9,6 @@
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <new>
@@ -50,15 +49,6 @@ void ServerProcess::waitUntilListening() {
     }
     std::this_thread::sleep_for(Milliseconds(1));
   }
-}
-
-std::chrono::nanoseconds ServerProcess::processorTime() const {
-  clockid_t clock{};
-  timespec time{};
-  if (clock_getcpuclockid(pid_, &clock) != 0 || clock_gettime(clock, &time) != 0) {
-    throw std::runtime_error("a server has gone");
-  }
-  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 std::uint16_t freePort() {

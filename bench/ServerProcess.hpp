@@ -3,7 +3,6 @@
 #include <sys/types.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <functional>
 
@@ -30,8 +29,7 @@ class ServerProcess {
 
   const Tally& tally() const { return tally_; }
 
-  /// The processor time of all its threads until now, in user space and in the kernel.
-  std::chrono::nanoseconds processorTime() const;
+  pid_t pid() const { return pid_; }
 
  private:
   void waitUntilListening();

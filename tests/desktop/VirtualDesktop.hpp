@@ -29,6 +29,9 @@ class VirtualDesktop {
   /// What a program needs to see this desktop and this home, and no other.
   ChildProcess::Environment environment() const;
 
+  /// The process of the X server.
+  pid_t serverPid() const { return server_->pid(); }
+
   /// Runs a program on this desktop to its end. Its exit code, or nothing when it does not end.
   std::optional<int> run(const std::vector<std::string>& command) const;
 

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "desktop/ChildProcess.hpp"
+#include "desktop/Descriptor.hpp"
+#include "desktop/VirtualDesktop.hpp"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace orvel::bench {
+
+/// ffmpeg, which captures a screen of 1920 by 1080, scales it to a width of 900 and writes JPEG images into a pipe,
+/// until this object goes. What goes wrong is thrown.
+///
+/// Threads: one at a time; the thread that made it must live as long as the program.
+class FfmpegScreen {
+ public:
+  /// The scale of its quality, from the best to the worst.
+  static constexpr int bestQuality = 2;
+  static constexpr int worstQuality = 31;
+
+  FfmpegScreen(const VirtualDesktop& desktop, int framesPerSecond, int quality);
+
+  /// Waits for the next image and returns its size in bytes.
+  std::size_t nextFrame();
+
+  pid_t pid() const { return program_->pid(); }
+
+ private:
+  void readMore();
+
+  Descriptor images_;
+  std::optional<ChildProcess> program_;
+  std::string read_;  // not yet told of
+};
+
+}  // namespace orvel::bench
