@@ -3,11 +3,13 @@
 #include "app/ServerHub.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
+#include "bench/RestlessScreen.hpp"
 #include "bench/ServerProcess.hpp"
 #include "fakes/Rules.hpp"
 #include "input/Displays.hpp"
 #include "input/EventPoster.hpp"
 #include "input/TrustCheck.hpp"
+#include "platform/linux/SystemJPEGEncoder.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
 #include "session/NetworkThread.hpp"
 
@@ -52,7 +54,24 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
       std::make_shared<const DisplayLayout>(DisplayLayout{screen, {screen}});
 };
 
-/// What OrvelApp holds, over a counting desktop and without a toolkit.
+/// The same services, but with another screen and its mirror.
+SessionServices withMirror(const SessionServices& services, ScreenRecordingAccess& recording, ScreenMirror& mirror) {
+  return {.apps = services.apps,
+          .events = services.events,
+          .keyboard = services.keyboard,
+          .machine = services.machine,
+          .media = services.media,
+          .mirror = mirror,
+          .pairing = services.pairing,
+          .permission = services.permission,
+          .pointer = services.pointer,
+          .queues = services.queues,
+          .recording = recording,
+          .snap = services.snap,
+          .trust = services.trust};
+}
+
+/// What OrvelApp holds, over a counting desktop with a restless screen, and without a toolkit.
 class RealServer {
  public:
   explicit RealServer(Tally& tally) : tally_(tally), desktop_(tally) {
@@ -79,12 +98,17 @@ class RealServer {
   WorkerThreads workers_;
   const std::unique_ptr<Executor> mainThread_ = workers_.makeSerialQueue();
   Rules rules_{desktop_, clock_, workers_};
+  RestlessScreen screen_;
+  SystemJPEGEncoder encoder_;
+  const std::unique_ptr<Executor> mirrorQueue_ = workers_.makeSerialQueue();
+  ScreenMirror mirror_{{.access = screen_, .capture = screen_, .encoder = encoder_, .queue = *mirrorQueue_}};
+  const SessionServices services_ = withMirror(rules_.services, screen_, mirror_);
   NetworkThread network_{tuner_};
   const std::shared_ptr<ServerHub> hub_ = ServerHub::make({.advertiser = advertiser_,
                                                            .clock = clock_,
                                                            .mainThread = *mainThread_,
                                                            .network = network_,
-                                                           .services = rules_.services},
+                                                           .services = services_},
                                                           freePort());
 };
 
