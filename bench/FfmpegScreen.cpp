@@ -26,7 +26,7 @@ std::vector<std::string> commandFor(const std::string& display, int framesPerSec
           "-framerate",
           std::to_string(framesPerSecond),
           "-video_size",
-          "1920x1080",
+          FullHDDesktop::sizeText(),
           "-i",
           display,
           "-vf",
@@ -42,7 +42,7 @@ std::vector<std::string> commandFor(const std::string& display, int framesPerSec
 
 }  // namespace
 
-FfmpegScreen::FfmpegScreen(const VirtualDesktop& desktop, int framesPerSecond, int quality) {
+FfmpegScreen::FfmpegScreen(const FullHDDesktop& desktop, int framesPerSecond, int quality) {
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   images_ = Descriptor(ends[0]);

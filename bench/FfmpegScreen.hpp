@@ -1,8 +1,8 @@
 #pragma once
 
+#include "bench/FullHDDesktop.hpp"
 #include "desktop/ChildProcess.hpp"
 #include "desktop/Descriptor.hpp"
-#include "desktop/VirtualDesktop.hpp"
 
 #include <cstddef>
 #include <optional>
@@ -10,8 +10,8 @@
 
 namespace orvel::bench {
 
-/// ffmpeg, which captures a screen of 1920 by 1080, scales it to a width of 900 and writes JPEG images into a pipe,
-/// until this object goes. What goes wrong is thrown.
+/// ffmpeg, which captures the screen, scales it to a width of 900 and writes JPEG images into a pipe, until this object
+/// goes. What goes wrong is thrown.
 ///
 /// Threads: one at a time; the thread that made it must live as long as the program.
 class FfmpegScreen {
@@ -20,7 +20,7 @@ class FfmpegScreen {
   static constexpr int bestQuality = 2;
   static constexpr int worstQuality = 31;
 
-  FfmpegScreen(const VirtualDesktop& desktop, int framesPerSecond, int quality);
+  FfmpegScreen(const FullHDDesktop& desktop, int framesPerSecond, int quality);
 
   /// Waits for the next image and returns its size in bytes.
   std::size_t nextFrame();

@@ -1,12 +1,12 @@
 // How long it takes until a phone has the frame that shows a change of the screen.
 
 #include "bench/Bench.hpp"
+#include "bench/FullHDDesktop.hpp"
 #include "bench/HostProcess.hpp"
 #include "bench/MirrorPhone.hpp"
 #include "bench/Samples.hpp"
 #include "desktop/Painter.hpp"
 #include "desktop/Picture.hpp"
-#include "desktop/VirtualDesktop.hpp"
 #include "tools/LumaDecoder.hpp"
 
 #include <chrono>
@@ -24,8 +24,6 @@ namespace {
 using Millis = std::chrono::duration<double, std::milli>;
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr int screenWidth = 1920;
-constexpr int screenHeight = 1080;
 constexpr int changes = 300;
 constexpr Millis shortestPause{70};
 constexpr Millis longestPause{150};
@@ -51,7 +49,7 @@ class Course {
   void change(int number);
   bool showsField(const phone::MirrorFrame& frame, bool isLight);
 
-  VirtualDesktop desktop_{{"-screen", "0", std::to_string(screenWidth) + "x" + std::to_string(screenHeight) + "x24"}};
+  FullHDDesktop desktop_;
   Painter painter_{desktop_.display()};
   HostProcess host_{desktop_};
   MirrorPhone phone_{hostPort, hostToken(desktop_)};
@@ -63,7 +61,7 @@ class Course {
 };
 
 Course::Course() {
-  painter_.show(photograph(screenWidth, screenHeight));
+  painter_.show(photograph(FullHDDesktop::width, FullHDDesktop::height));
   painter_.fill(fieldX, fieldY, fieldSide, fieldSide, dark);
 }
 
@@ -93,7 +91,7 @@ void Course::change(int number) {
 bool Course::showsField(const phone::MirrorFrame& frame, bool isLight) {
   const auto picture = decoder_.decode(frame.jpeg(), size_);
   if (!picture) throw std::runtime_error("a phone: " + picture.error().text);
-  const double scale = static_cast<double>(size_.width) / screenWidth;
+  const double scale = static_cast<double>(size_.width) / FullHDDesktop::width;
   const auto middleOf = [&](int place) { return static_cast<int>(scale * (place + fieldSide / 2)); };
   const auto row = picture->row(middleOf(fieldY));
   return (row[static_cast<std::size_t>(middleOf(fieldX))] > middleBrightness) == isLight;

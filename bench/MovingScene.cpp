@@ -6,13 +6,12 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
+#include <random>
 #include <stdexcept>
 
 namespace orvel::bench {
 namespace {
 
-constexpr int screenWidth = 1920;
-constexpr int screenHeight = 1080;
 constexpr std::chrono::nanoseconds stepTime{std::nano::den / 60};
 constexpr int rowsOfOneRequest = 16;
 
@@ -46,21 +45,41 @@ std::uint16_t length(int value) {
   return static_cast<std::uint16_t>(value);
 }
 
+/// A photograph of a town by the water: its many small houses are the detail that a soft sky lacks.
+Picture town(int width, int height) {
+  constexpr int houses = 5000;
+  constexpr int smallestHouse = 4;
+  constexpr int largestHouse = 32;
+  std::mt19937 random(5);
+  const auto number = [&](int least, int most) {
+    return least + static_cast<int>(random() % static_cast<unsigned>(most - least));
+  };
+  Picture picture = photograph(width, height);
+  for (int house = 0; house < houses; ++house) {
+    const int x = number(0, width);
+    const int y = number(0, height);
+    const int houseWidth = number(smallestHouse, largestHouse);
+    const int houseHeight = number(smallestHouse, largestHouse);
+    picture.fill(x, y, houseWidth, houseHeight, 0x202020 + (random() & 0x7f7f7f));
+  }
+  return picture;
+}
+
 int swing(int margin, double angle) {
   return static_cast<int>(std::lround(margin * (1 + std::sin(angle))));
 }
 
 }  // namespace
 
-MovingScene::MovingScene(const std::string& display)
-    : connection_(connectTo(display)),
+MovingScene::MovingScene(const FullHDDesktop& desktop)
+    : connection_(connectTo(desktop.display())),
       screen_(*xcb_setup_roots_iterator(xcb_get_setup(connection_)).data),
       window_(xcb_generate_id(connection_)),
       pen_(xcb_generate_id(connection_)),
       film_(xcb_generate_id(connection_)),
       text_(xcb_generate_id(connection_)) {
   openWindow();
-  prepare(film_, photograph(filmPlace.width + 2 * filmMarginX, filmPlace.height + 2 * filmMarginY));
+  prepare(film_, town(filmPlace.width + 2 * filmMarginX, filmPlace.height + 2 * filmMarginY));
   prepare(text_, pageOfText(textPlace.width, textLength));
   thread_ = std::jthread([this](const std::stop_token& stop) { move(stop); });
 }
@@ -73,9 +92,9 @@ MovingScene::~MovingScene() {
 void MovingScene::openWindow() {
   constexpr std::uint32_t desktopBlue = 0x305070;
   const std::array<std::uint32_t, 2> values{desktopBlue, 1};
-  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, screen_.root, 0, 0, screenWidth, screenHeight, 0,
-                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
-                    values.data());
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, screen_.root, 0, 0, FullHDDesktop::width,
+                    FullHDDesktop::height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                    XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values.data());
   xcb_map_window(connection_, window_);
   const std::uint32_t silent = 0;
   xcb_create_gc(connection_, pen_, window_, XCB_GC_GRAPHICS_EXPOSURES, &silent);

@@ -1,24 +1,24 @@
 #pragma once
 
+#include "bench/FullHDDesktop.hpp"
 #include "desktop/Picture.hpp"
 
 #include <xcb/xcb.h>
 
 #include <cstdint>
-#include <string>
 #include <thread>
 
 namespace orvel::bench {
 
-/// A program that covers a screen of 1920 by 1080 with something that moves, 60 steps a second: a film, which is a
-/// photograph that a camera pans over, and a page of text that scrolls. All of it lies prepared in the X server, where
-/// a step only copies it. The same every time.
+/// A program that covers the screen with something that moves, 60 steps a second: a film, which is a picture of a town
+/// that a camera pans over, and a page of text that scrolls. All of it lies prepared in the X server, where a step only
+/// copies it. The same every time.
 ///
 /// Threads: it moves on its own, until it goes.
 class MovingScene {
  public:
   /// Throws when there is no server.
-  explicit MovingScene(const std::string& display);
+  explicit MovingScene(const FullHDDesktop& desktop);
   ~MovingScene();
   MovingScene(const MovingScene&) = delete;
   MovingScene& operator=(const MovingScene&) = delete;
