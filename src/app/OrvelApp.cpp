@@ -104,6 +104,7 @@ int OrvelApp::run() {
   network_.finish();
   sessionWorkers_.finish();
   swiftWorkers_.finish();
+  mirror_.finish();
   return exitCode;
 }
 

@@ -14,8 +14,8 @@ enum class FrameAnswer {
   waits,  ///< There is no room; what is on the screen when `resume` is called shall be offered.
 };
 
-/// A running capture. It offers a frame at once, then one after each change, but no more in a second than was agreed on.
-/// To destroy it ends it: no handler runs after that. It is not destroyed by one of its handlers.
+/// A running capture. It offers a frame at once, then one after each change, but no more in a second than was agreed
+/// on. To destroy it ends it: no handler runs after that. It is not destroyed by one of its handlers.
 ///
 /// Threads: any. The handlers run on a thread of the stream, one at a time.
 class CaptureStream {

@@ -55,7 +55,7 @@ ScreenMirror::ScreenMirror(const Dependencies& dependencies) : dependencies_(dep
 
 ScreenMirror::~ScreenMirror() {
   // Before the state goes that its frames look at.
-  takeStream().reset();
+  finish();
 }
 
 void ScreenMirror::setOnFrame(FrameHandler handler) {
@@ -78,9 +78,9 @@ void ScreenMirror::start(std::int64_t maxWidth, std::int64_t fps, double quality
 }
 
 void ScreenMirror::begin(std::int64_t maxWidth, std::int64_t fps, const Completion& completion) {
-  const Outcome outcome = startStream(maxWidth, fps);
-  if (std::holds_alternative<std::string>(outcome)) takeStream().reset();
-  completion(outcome);
+  // Also what was started since the last stop, or was stopped and is to end only behind this.
+  finish();
+  completion(startStream(maxWidth, fps));
   letFramesPass();
 }
 
@@ -99,10 +99,9 @@ ScreenMirror::Outcome ScreenMirror::startStream(std::int64_t maxWidth, std::int6
   return Size{static_cast<double>(configuration.width), static_cast<double>(configuration.height)};
 }
 
-void ScreenMirror::adopt(std::shared_ptr<CaptureStream> stream) {
-  // One that nobody has stopped is replaced and goes outside of the lock.
+void ScreenMirror::adopt(std::unique_ptr<CaptureStream> stream) {
   state_.withLock([&](State& state) {
-    state.stream.swap(stream);
+    state.stream = std::move(stream);
     state.inFlight = 0;
     ++state.captureNumber;
   });
@@ -138,6 +137,7 @@ FrameAnswer ScreenMirror::deliver(SharedBytes jpeg) {
   FrameAnswer answer = FrameAnswer::taken;
   std::uint64_t captureNumber = 0;
   const auto handler = state_.withLock([&](State& state) -> std::shared_ptr<const FrameHandler> {
+    if (!state.isRunning) return nullptr;
     const auto size = static_cast<std::int64_t>(jpeg.size);
     const double quality =
         std::exchange(state.workingQuality, adapted(state.workingQuality, state.requestedQuality, size));
@@ -146,7 +146,6 @@ FrameAnswer ScreenMirror::deliver(SharedBytes jpeg) {
       if (quality > qualityFloor) answer = FrameAnswer::again;
       return nullptr;
     }
-    if (!state.isRunning) return nullptr;
     ++state.inFlight;
     captureNumber = state.captureNumber;
     return state.onFrame;
@@ -164,29 +163,40 @@ void ScreenMirror::frameSent(std::uint64_t captureNumber) {
   });
 }
 
+/// Parts from the stream. Returns whether there was one.
+bool ScreenMirror::State::letGo() {
+  isRunning = false;
+  streamWaits = false;
+  if (!stream) return false;
+  stopped.push_back(std::move(stream));
+  return true;
+}
+
+/// The same, and forgets its frames.
+bool ScreenMirror::State::forget() {
+  inFlight = 0;
+  ++captureNumber;
+  return letGo();
+}
+
 void ScreenMirror::stop() {
-  endLater(takeStream());
+  // Not here, for to end takes a while.
+  if (state_.withLock([](State& state) { return state.forget(); })) dependencies_.queue.post([this] { endStopped(); });
+}
+
+void ScreenMirror::finish() {
+  state_.withLock([](State& state) { state.forget(); });
+  endStopped();
 }
 
 void ScreenMirror::streamStopped() {
-  endLater(state_.withLock([](State& state) {
-    state.isRunning = false;
-    return std::move(state.stream);
-  }));
+  // Not here, for a stream cannot end itself.
+  if (state_.withLock([](State& state) { return state.letGo(); })) dependencies_.queue.post([this] { endStopped(); });
 }
 
-std::shared_ptr<CaptureStream> ScreenMirror::takeStream() {
-  return state_.withLock([](State& state) {
-    state.isRunning = false;
-    state.inFlight = 0;
-    ++state.captureNumber;
-    return std::move(state.stream);
-  });
-}
-
-/// Before the next start, and not by the network, by the lock or by the stream itself: to end takes a while.
-void ScreenMirror::endLater(std::shared_ptr<CaptureStream> stream) {
-  if (stream) dependencies_.queue.post([stream = std::move(stream)]() mutable { stream.reset(); });
+void ScreenMirror::endStopped() {
+  auto stopped = state_.withLock([](State& state) { return std::exchange(state.stopped, {}); });
+  stopped.clear();
 }
 
 }  // namespace orvel

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace orvel {
 
@@ -57,39 +58,45 @@ class ScreenMirror {
 
   /// Starts to capture the main display and returns at once. Frames are at most `maxWidth` pixels wide, never larger
   /// than the display and never smaller than 320 by 240; `fps` counts within 1 to 30, `quality` within 0.2 to 0.85.
-  /// Whatever runs is to be stopped first. Calls `completion` once, before the first frame is delivered.
+  /// Whatever runs ends first. Calls `completion` once, before the first frame is delivered.
   void start(std::int64_t maxWidth, std::int64_t fps, double quality, Completion completion);
 
   /// Ends the capture, if there is one, and forgets the frames that are on their way. A start that is still under way
   /// goes on. Returns at once.
   void stop();
 
+  /// The same, but returns when no frame is delivered any more. For the owner, when the queue runs nothing any more.
+  void finish();
+
   /// Sets who gets the frames, on the capture's thread; nobody when null.
   void setOnFrame(FrameHandler handler);
 
  private:
   struct State {
-    std::shared_ptr<CaptureStream> stream;
-    std::int64_t inFlight = 0;  // frames handed to `onFrame` that are not there yet
+    std::unique_ptr<CaptureStream> stream;
+    std::vector<std::unique_ptr<CaptureStream>> stopped;  // they are still to end
+    std::int64_t inFlight = 0;                            // frames handed to `onFrame` that are not there yet
     double requestedQuality = 0.45;
     double workingQuality = 0.45;
     bool isRunning = false;
     bool streamWaits = false;         // for room
     std::uint64_t captureNumber = 0;  // whose frames `inFlight` counts
     std::shared_ptr<const FrameHandler> onFrame;
+
+    bool letGo();
+    bool forget();
   };
 
   void begin(std::int64_t maxWidth, std::int64_t fps, const Completion& completion);
   Outcome startStream(std::int64_t maxWidth, std::int64_t fps);
-  void adopt(std::shared_ptr<CaptureStream> stream);
+  void adopt(std::unique_ptr<CaptureStream> stream);
   void letFramesPass();
   FrameAnswer frameCaptured(CapturedFrame& frame);
   bool hasRoom();
   FrameAnswer deliver(SharedBytes jpeg);
   void frameSent(std::uint64_t captureNumber);
   void streamStopped();
-  std::shared_ptr<CaptureStream> takeStream();
-  void endLater(std::shared_ptr<CaptureStream> stream);
+  void endStopped();
 
   const Dependencies dependencies_;
   Guarded<State> state_;

@@ -105,7 +105,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void reveal();
 
   void startMirror(std::int64_t width, std::int64_t fps, double quality);
-  void mirrorStarted(const ScreenMirror::Outcome& outcome);
+  void mirrorStarted(std::uint64_t start, const ScreenMirror::Outcome& outcome);
   void stopMirror();
 
   void handleInput(std::span<const std::uint8_t> frame);
@@ -137,7 +137,8 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   HeldKeys heldKeys_;
   std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
   bool readingPaused_ = false;
-  bool owningMirror_ = false;  // this session has started the capture and not stopped it since
+  bool owningMirror_ = false;       // this session has started the capture and not stopped it since
+  std::uint64_t mirrorStarts_ = 0;  // how often it has asked for it
   bool hasEnded_ = false;
 };
 

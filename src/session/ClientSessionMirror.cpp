@@ -32,17 +32,21 @@ void ClientSession::startMirror(std::int64_t width, std::int64_t fps, double qua
       if (const auto session = self.lock()) session->sendMirrorFrame(std::move(jpeg), std::move(sent));
     });
   });
-  services_.mirror.start(width, fps, quality,
-                         [self, &queue = transport_->queue()](const ScreenMirror::Outcome& outcome) {
-                           queue.post([self, outcome] {
-                             if (const auto session = self.lock()) session->mirrorStarted(outcome);
-                           });
-                         });
+  backlog_ += taskCost;
+  services_.mirror.start(
+      width, fps, quality,
+      [self, &queue = transport_->queue(), start = ++mirrorStarts_](const ScreenMirror::Outcome& outcome) {
+        queue.post([self, start, outcome] {
+          if (const auto session = self.lock()) session->mirrorStarted(start, outcome);
+        });
+      });
 }
 
-void ClientSession::mirrorStarted(const ScreenMirror::Outcome& outcome) {
+void ClientSession::mirrorStarted(std::uint64_t start, const ScreenMirror::Outcome& outcome) {
+  settle(taskCost);
   if (const auto* reason = std::get_if<std::string>(&outcome)) {
-    owningMirror_ = false;
+    // A later start may succeed yet.
+    if (start == mirrorStarts_) owningMirror_ = false;
     send(denial(*reason));
     return;
   }
@@ -69,6 +73,7 @@ void ClientSession::stopMirror() {
   if (!std::exchange(owningMirror_, false)) return;
   services_.mirror.setOnFrame(nullptr);
   services_.mirror.stop();
+  transport_->dropFrames();
   if (const auto hub = hub_.lock()) hub->setMirroring(false);
 }
 

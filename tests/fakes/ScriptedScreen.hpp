@@ -39,11 +39,13 @@ class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess
  public:
   bool isGranted() override { return granted && (!grantsLeft || (*grantsLeft)-- > 0); }
   bool request() override {
+    if (whileAsking) whileAsking();
     ++requests;
     return true;
   }
 
   std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> shareableContent() override {
+    if (failuresLeft > 0 && failuresLeft-- > 0) return CaptureFailure{"Not yet."};
     if (contentFailure) return CaptureFailure{*contentFailure};
     return std::make_unique<Content>(*this);
   }
@@ -63,7 +65,9 @@ class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess
   std::vector<Size> displays = {{1000, 800}, {640, 480}};
   std::optional<std::string> contentFailure;
   std::optional<std::string> startFailure;
-  Task whileStarting;  ///< What happens before a start is done.
+  int failuresLeft = 0;  ///< How often there is nothing to capture yet.
+  Task whileAsking;      ///< What happens when the user is asked.
+  Task whileStarting;    ///< What happens before a start is done.
 
   int requests = 0;
   int running = 0;

@@ -453,6 +453,58 @@ TEST_F(ScreenMirrorTest, TheNextCaptureBeginsWhenTheLastHasEnded) {
   EXPECT_EQ(screen.running, 1);
 }
 
+TEST_F(ScreenMirrorTest, OfTwoStartsInARowTheFirstHasEndedBeforeTheSecondBegins) {
+  int ranBefore = -1;
+  std::optional<FrameAnswer> early;
+  mirror.start(900, 12, 0.45, [&](const ScreenMirror::Outcome&) {
+    screen.whileStarting = [&] {
+      ranBefore = screen.running - 1;
+      early = screen.offer();
+    };
+  });
+  mirror.stop();
+  start(400);
+  EXPECT_EQ(ranBefore, 0) << "for the encoder serves one at a time";
+  EXPECT_EQ(early, FrameAnswer::waits);
+  EXPECT_THAT(frames, IsEmpty()) << "before its size is told";
+  EXPECT_EQ(screen.resumes, 1);
+}
+
+TEST_F(ScreenMirrorTest, OfThreeStartsInARowEachEndsBeforeTheNextBegins) {
+  int ranBefore = -1;
+  mirror.start(900, 12, 0.45, [&](const ScreenMirror::Outcome&) {
+    // Its end is asked for behind the start that is pending already.
+    mirror.stop();
+    screen.whileStarting = [&] { ranBefore = screen.running - 1; };
+  });
+  mirror.stop();
+  start(400);
+  EXPECT_EQ(ranBefore, 0);
+  EXPECT_EQ(screen.running, 1);
+}
+
+TEST_F(ScreenMirrorTest, FinishEndsTheCaptureBeforeItReturns) {
+  start();
+  mirror.finish();
+  EXPECT_EQ(screen.running, 0);
+  start();
+  mirror.stop();
+  mirror.finish();
+  EXPECT_EQ(screen.running, 0) << "also one whose end was still to come";
+}
+
+TEST_F(ScreenMirrorTest, TheLastFrameOfACaptureLeavesTheQualityOfTheNextAlone) {
+  start(900, 12, 0.45);
+  encoder.size = 500'000;
+  encoder.whileEncoding = [&] { mirror.stop(); };
+  screen.offer();
+  clock.runDue();
+  encoder.whileEncoding = nullptr;
+  begin(900, 12, 0.45);
+  clock.runDue();
+  EXPECT_DOUBLE_EQ(quality(), 0.45);
+}
+
 TEST_F(ScreenMirrorTest, FramesOfACaptureThatWasStoppedAreNotDelivered) {
   start();
   mirror.stop();

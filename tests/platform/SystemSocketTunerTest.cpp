@@ -71,6 +71,26 @@ TEST_P(SystemSocketTunerTest, WhatIsNoTCPSocketIsRefused) {
 INSTANTIATE_TEST_SUITE_P(Families, SystemSocketTunerTest, ::testing::Values(AF_INET, AF_INET6),
                          [](const auto& family) { return family.param == AF_INET ? "IPv4" : "IPv6"; });
 
+TEST(SystemSocketTuner, ABacklogLeavesAtThePaceOfTheConnectionLessWhatIsOnItsWay) {
+  constexpr std::uint32_t unknown = 0xffffffff;
+  struct Case {
+    SystemSocketTuner::Pace pace;
+    double seconds;
+  };
+  for (const Case& expected :
+       {Case{{.unacknowledged = 0, .bytesPerSecond = 1000, .shortestTrip = 0}, 0},
+        Case{{.unacknowledged = 60'000, .bytesPerSecond = 600'000, .shortestTrip = 0}, 0.1},
+        Case{{.unacknowledged = 60'000, .bytesPerSecond = 600'000, .shortestTrip = 40'000}, 0.06},
+        Case{{.unacknowledged = 20'000, .bytesPerSecond = 600'000, .shortestTrip = 40'000}, 0},
+        Case{{.unacknowledged = 60'000, .bytesPerSecond = 600'000, .shortestTrip = unknown}, 0.1},
+        Case{{.unacknowledged = 60'000, .bytesPerSecond = 0, .shortestTrip = unknown}, 60},
+        Case{{.unacknowledged = 60'000, .bytesPerSecond = 0, .shortestTrip = 40'000}, 59.96}}) {
+    const Backlog backlog = SystemSocketTuner::backlogAt(expected.pace);
+    EXPECT_EQ(backlog.bytes, expected.pace.unacknowledged);
+    EXPECT_NEAR(backlog.time.count(), expected.seconds, 1e-9) << expected.pace.unacknowledged;
+  }
+}
+
 /// Two ends of a connection on loopback; the far one reads only when told to.
 class SystemSocketTunerDeliveryTest : public ::testing::Test {
  protected:

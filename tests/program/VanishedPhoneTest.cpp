@@ -96,14 +96,22 @@ TEST_F(VanishedPhoneTest, IsNoticedWithinThirtySecondsButNotMistakenForOneThatSl
   for (int count = 0; count < 20; ++count) pings.insert(pings.end(), {"wait", "0.1", "ping"});
   ChildProcess answered({.command = phoneDoing(computer, pings)});
   ASSERT_TRUE(waitForInput(Kind::buttonDown, 3)) << answered.output();
+  ChildProcess watching({.command = phoneDoing(computer, {"mirror", "90"})});
+  ASSERT_TRUE(host.process().waitForOutput("Sharing your screen\n")) << watching.output();
+  // Long enough for the host to see that all it has said has arrived.
+  std::this_thread::sleep_for(std::chrono::milliseconds(3500));
   ASSERT_TRUE(computer.makeDeaf());
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
   ASSERT_TRUE(computer.vanish());
 
   const Deadline limit(std::chrono::seconds(30));
+  // A picture that nobody acknowledges.
+  auto neighbour = connectPaired();
+  neighbour.sendFrame(phone::moveAbsoluteFrame(0.5, 0.5));
   EXPECT_FALSE(waitForRelease(Kind::keyUp, shiftKey, std::chrono::seconds(5))) << "a phone may be silent for a while";
   EXPECT_TRUE(waitForRelease(Kind::buttonUp, 3, limit.left()));
   EXPECT_TRUE(waitForRelease(Kind::keyUp, shiftKey, limit.left()));
+  EXPECT_TRUE(host.process().waitForOutput("No longer sharing your screen\n", limit.left()));
 
   EXPECT_TRUE(asleep.readFrame()) << "the greeting";
   for (int count = 0; count < 10'000; ++count) ASSERT_TRUE(asleep.readFrame()) << count;

@@ -166,10 +166,13 @@ TEST_F(ClientSessionMirrorTest, AFrameThatHasArrivedMakesRoomForTheNext) {
 
 TEST_F(ClientSessionMirrorTest, WithoutPermissionThePhoneIsToldWhatToDoAndTheDesktopAsked) {
   screen.granted = false;
+  std::size_t toldWhenAsked = 0;
+  screen.whileAsking = [&] { toldWhenAsked = told(*phone).size(); };
   say(start);
   EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"Screen Recording is off for Orvel. )"
                                         R"(Turn it on in Privacy & Security on the Mac, then try again."})"));
   EXPECT_EQ(screen.requests, 1);
+  EXPECT_EQ(toldWhenAsked, 1u) << "first the one, then the other";
   EXPECT_THAT(screen.configurations, IsEmpty());
   EXPECT_THAT(hub->mirroring, IsEmpty());
 }
@@ -296,6 +299,33 @@ TEST_F(ClientSessionMirrorTest, APhoneMayStartAnew) {
   change();
   EXPECT_THAT(phone->frames, SizeIs(3)) << "with all of its room";
   EXPECT_DOUBLE_EQ(encoder.qualities.back(), 0.6);
+}
+
+TEST_F(ClientSessionMirrorTest, AnEarlierStartThatFailsLeavesALaterOneItsOwner) {
+  screen.failuresLeft = 1;
+  phone->text(start);
+  phone->text(start);
+  clock.runDue();
+  EXPECT_THAT(told(*phone), SizeIs(2));
+  EXPECT_EQ(screen.running, 1);
+  say(stop);
+  EXPECT_EQ(screen.running, 0) << "which the phone can end";
+}
+
+TEST_F(ClientSessionMirrorTest, APhoneThatAsksAgainAndAgainIsReadNoFurther) {
+  for (int count = 0; count < 5000; ++count) phone->text(start);
+  EXPECT_FALSE(phone->incoming.empty());
+  for (int round = 0; round < 5000 && !phone->incoming.empty(); ++round) clock.runDue();
+  clock.runDue();
+  EXPECT_THAT(told(*phone), SizeIs(5000)) << "and nothing is lost";
+  EXPECT_EQ(screen.running, 1);
+}
+
+TEST_F(ClientSessionMirrorTest, FramesThatWaitAreDroppedAtTheStop) {
+  say(start);
+  const int before = phone->drops;
+  say(stop);
+  EXPECT_EQ(phone->drops, before + 1);
 }
 
 TEST_F(ClientSessionMirrorTest, APhoneThatLeavesEndsItsCapture) {

@@ -142,6 +142,24 @@ TEST_F(FrameLaneTest, OneFrameMayBeUnacknowledgedButNoMore) {
   EXPECT_TRUE(lane.hasNext());
 }
 
+TEST_F(FrameLaneTest, AFewMessagesMoreThanAFrameMayBeUnacknowledged) {
+  add(1);
+  unacknowledged = frameSize + 4096;
+  accept(Seconds(0));
+  EXPECT_THAT(taken, ElementsAre(1));
+  add(2);
+  unacknowledged = frameSize + 4097;
+  accept(Seconds(0));
+  EXPECT_THAT(taken, ElementsAre(1));
+}
+
+TEST_F(FrameLaneTest, WhileThingsMoveItLooksOftenHoweverSlowTheyAre) {
+  add(1);
+  accept(Seconds(100));
+  clock.advance(Seconds(1));
+  EXPECT_GE(looks, 40) << "for the pace may have risen meanwhile";
+}
+
 TEST_F(FrameLaneTest, WhatHasNotGoneCanBeForgotten) {
   add(1);
   take();

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace orvel {
@@ -62,11 +63,18 @@ Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
 Backlog SystemSocketTuner::backlog(int socket) {
   const auto known = knowledgeOf(socket);
   if (!known || known->waiting <= 0) return {};
-  const double pace = std::max(static_cast<double>(known->info.tcpi_delivery_rate), slowestPace);
+  return backlogAt({.unacknowledged = static_cast<std::size_t>(known->waiting),
+                    .bytesPerSecond = known->info.tcpi_delivery_rate,
+                    .shortestTrip = known->info.tcpi_min_rtt});
+}
+
+Backlog SystemSocketTuner::backlogAt(const Pace& pace) {
+  const double bytesPerSecond = std::max(static_cast<double>(pace.bytesPerSecond), slowestPace);
+  const bool isTripKnown = pace.shortestTrip != std::numeric_limits<std::uint32_t>::max();
   // As much as fits into one way and back is on that way, not here.
-  const Seconds underWay = std::chrono::microseconds(known->info.tcpi_min_rtt);
-  return {.bytes = static_cast<std::size_t>(known->waiting),
-          .time = std::max(Seconds(known->waiting / pace) - underWay, Seconds(0))};
+  const Seconds underWay = isTripKnown ? std::chrono::microseconds(pace.shortestTrip) : Seconds(0);
+  const Seconds time(static_cast<double>(pace.unacknowledged) / bytesPerSecond);
+  return {.bytes = pace.unacknowledged, .time = std::max(Seconds(time - underWay), Seconds(0))};
 }
 
 }  // namespace orvel

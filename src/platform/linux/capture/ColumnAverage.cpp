@@ -9,45 +9,53 @@ namespace orvel {
 namespace {
 
 constexpr std::size_t channels = 4;
-constexpr std::size_t pairBytes = 2 * channels;
+constexpr std::size_t quad = 4;
+constexpr std::size_t quadBytes = quad * channels;
 
-/// The channels of two pixels as they are in memory.
-using Bytes [[gnu::vector_size(pairBytes)]] = std::uint8_t;
+/// The channels of four pixels as they are in memory.
+using Bytes [[gnu::vector_size(quadBytes)]] = std::uint8_t;
+
+/// The channels of two pixels, wide enough to be summed up, or of one.
+using HalfWords [[gnu::vector_size(quadBytes)]] = std::uint16_t;
+using PixelBytes [[gnu::vector_size(2 * channels)]] = std::uint8_t;
 
 }  // namespace
 
 ColumnAverage::ColumnAverage(int sourceLength, int targetLength) : sourceLength_(sourceLength) {
   const PixelShares shares(sourceLength, targetLength);
-  for (int x = 0; x < targetLength; ++x) pairs_ = std::max(pairs_, (shares.of(x).weights.size() + 1) / 2);
+  for (int x = 0; x < targetLength; ++x) quads_ = std::max(quads_, (shares.of(x).weights.size() + quad - 1) / quad);
   for (int x = 0; x < targetLength; ++x) {
     const PixelShares::Share share = shares.of(x);
     firsts_.push_back(share.first);
-    for (std::size_t place = 0; place < 2 * pairs_; place += 2) {
-      const auto weight = [&](std::size_t i) { return i < share.weights.size() ? share.weights[i] : std::uint16_t{0}; };
-      const std::uint16_t one = weight(place);
-      const std::uint16_t other = weight(place + 1);
-      weights_.push_back(Words{one, one, one, one, other, other, other, other});
+    for (std::size_t place = 0; place < quads_ * quad; place += quad) {
+      Words weights = {};
+      for (std::size_t i = 0; i < quadBytes; ++i) {
+        const std::size_t pixel = place + i / channels;
+        if (pixel < share.weights.size()) weights[i] = share.weights[pixel];
+      }
+      weights_.push_back(weights);
     }
   }
 }
 
 std::size_t ColumnAverage::bytesOfRow() const {
-  return channels * static_cast<std::size_t>(sourceLength_) + pairBytes * pairs_;
+  return channels * static_cast<std::size_t>(sourceLength_) + quadBytes * quads_;
 }
 
 void ColumnAverage::average(const std::uint8_t* row, std::uint8_t* target) const {
-  constexpr std::uint16_t half = PixelShares::whole / 2;
   const Words* weights = weights_.data();
   for (const int first : firsts_) {
     const std::uint8_t* source = row + channels * static_cast<std::size_t>(first);
-    Words sum = {half, half, half, half};
-    for (std::size_t i = 0; i < pairs_; ++i, source += pairBytes) {
-      Bytes pair;
-      std::memcpy(&pair, source, sizeof pair);
-      sum += __builtin_convertvector(pair, Words) * *weights++;
+    Words sum = {};
+    for (std::size_t i = 0; i < quads_; ++i, source += quadBytes) {
+      Bytes pixels;
+      std::memcpy(&pixels, source, sizeof pixels);
+      sum += __builtin_convertvector(pixels, Words) * *weights++;
     }
-    sum += __builtin_shufflevector(sum, sum, 4, 5, 6, 7, 0, 1, 2, 3);
-    const Bytes average = __builtin_convertvector(sum / PixelShares::whole, Bytes);
+    HalfWords half = __builtin_shufflevector(sum, sum, 0, 1, 2, 3, 4, 5, 6, 7) +
+                     __builtin_shufflevector(sum, sum, 8, 9, 10, 11, 12, 13, 14, 15);
+    half += __builtin_shufflevector(half, half, 4, 5, 6, 7, 0, 1, 2, 3) + PixelShares::whole / 2;
+    const PixelBytes average = __builtin_convertvector(half / PixelShares::whole, PixelBytes);
     std::memcpy(target, &average, channels);
     target += channels;
   }

@@ -7,7 +7,7 @@
 namespace orvel {
 
 /// Brings rows of pixels, four bytes each, to another length: each pixel becomes the average of those that it covers.
-/// It does so for two pixels of the row at a time, in a vector of the processor. Threads: any.
+/// It does so for four pixels of the row at a time, in vectors of the processor. Threads: any.
 class ColumnAverage {
  public:
   ColumnAverage() = default;
@@ -21,13 +21,13 @@ class ColumnAverage {
   void average(const std::uint8_t* row, std::uint8_t* target) const;
 
  private:
-  /// The channels of two pixels, or their weights.
-  using Words [[gnu::vector_size(16)]] = std::uint16_t;
+  /// The channels of four pixels, or their weights.
+  using Words [[gnu::vector_size(32)]] = std::uint16_t;
 
   int sourceLength_ = 0;
-  std::size_t pairs_ = 0;       // how many pairs of the row go into each pixel
-  std::vector<int> firsts_;     // the first pixel of each first pair
-  std::vector<Words> weights_;  // those of all pairs
+  std::size_t quads_ = 0;       // how many quads of the row go into each pixel
+  std::vector<int> firsts_;     // the first pixel of each first quad
+  std::vector<Words> weights_;  // those of all quads
 };
 
 }  // namespace orvel

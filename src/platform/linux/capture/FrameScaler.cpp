@@ -3,6 +3,7 @@
 #include <libyuv/planar_functions.h>
 
 #include <cstddef>
+#include <cstring>
 
 namespace orvel {
 namespace {
@@ -32,19 +33,20 @@ void FrameScaler::prepareFor(const PixelBuffer& picture) {
   result_.resize(bytesOf(width_) * static_cast<std::size_t>(height_));
 }
 
-/// Makes one row of those that a row of the target covers.
+/// Makes one row of those that a row of the target covers: mixes in one after the other.
 void FrameScaler::averageRows(const PixelBuffer& picture, int row) {
   const PixelShares::Share share = rows_.of(row);
   const std::uint8_t* next = picture.bytes + picture.bytesPerRow * static_cast<std::size_t>(share.first);
+  const int bytes = static_cast<int>(bytesOf(picture.width));
   const std::uint8_t* average = next;
-  int sum = 0;
-  for (const int weight : share.weights) {
+  int sum = share.weights.front();
+  for (const int weight : share.weights.subspan(1)) {
     sum += weight;
-    libyuv::InterpolatePlane(average, 0, next, 0, row_.data(), 0, static_cast<int>(bytesOf(picture.width)), 1,
-                             sum > weight ? PixelShares::whole * weight / sum : 0);
-    average = row_.data();
     next += picture.bytesPerRow;
+    libyuv::InterpolatePlane(average, 0, next, 0, row_.data(), 0, bytes, 1, PixelShares::whole * weight / sum);
+    average = row_.data();
   }
+  if (average != row_.data()) std::memcpy(row_.data(), average, static_cast<std::size_t>(bytes));
 }
 
 }  // namespace orvel
