@@ -91,7 +91,7 @@ void Painter::warpPointer(int x, int y) {
   sync();
 }
 
-void Painter::setCursor(int width, int height, std::uint32_t colour) {
+void Painter::setCursor(int width, int height, std::uint32_t colour, int hotSpot) {
   const auto shape = xcb_generate_id(connection_), pen = xcb_generate_id(connection_),
              cursor = xcb_generate_id(connection_);
   xcb_create_pixmap(connection_, 1, shape, screen_->root, static_cast<std::uint16_t>(width),
@@ -101,7 +101,8 @@ void Painter::setCursor(int width, int height, std::uint32_t colour) {
   const xcb_rectangle_t whole{0, 0, static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height)};
   xcb_poly_fill_rectangle(connection_, shape, pen, 1, &whole);
   const auto red = channel(colour, 2), green = channel(colour, 1), blue = channel(colour, 0);
-  xcb_create_cursor(connection_, cursor, shape, shape, red, green, blue, red, green, blue, 0, 0);
+  xcb_create_cursor(connection_, cursor, shape, shape, red, green, blue, red, green, blue,
+                    static_cast<std::uint16_t>(hotSpot), static_cast<std::uint16_t>(hotSpot));
   xcb_change_window_attributes(connection_, window_, XCB_CW_CURSOR, &cursor);
   sync();
 }

@@ -34,8 +34,8 @@ class Painter {
   /// Puts the pointer somewhere, as a program does, without a device.
   void warpPointer(int x, int y);
 
-  /// Makes the cursor a block of this size and colour, its hot spot in the left top corner.
-  void setCursor(int width, int height, std::uint32_t colour);
+  /// Makes the cursor a block of this size and colour, its hot spot so far from the left and from the top.
+  void setCursor(int width, int height, std::uint32_t colour, int hotSpot = 0);
 
  private:
   void sync();

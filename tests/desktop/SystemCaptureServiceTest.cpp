@@ -239,6 +239,32 @@ TEST_F(SystemCaptureServiceTest, TheCursorIsInThePicture) {
   EXPECT_EQ(picture.at(216, 315), background);
 }
 
+TEST_F(SystemCaptureServiceTest, TheHotSpotOfTheCursorIsWhereThePointerIs) {
+  painter.setCursor(16, 16, orange, 5);
+  painter.movePointer(200, 300);
+  const auto stream = start(fullSize);
+  ASSERT_TRUE(receiver.waitForPicture(shows(orange, 200, 300)));
+  const Picture picture = receiver.picture();
+  EXPECT_EQ(picture.at(195, 295), orange);
+  EXPECT_EQ(picture.at(194, 295), background);
+  EXPECT_EQ(picture.at(210, 310), orange);
+  EXPECT_EQ(picture.at(211, 310), background);
+}
+
+TEST_F(SystemCaptureServiceTest, WhatWasDrawnInTwoPlacesWhileItWaitedIsAllInThePicture) {
+  receiver.answerWith(FrameAnswer::again);
+  const auto stream = start(fullSize);
+  ASSERT_TRUE(receiver.waitForCount(2));
+  painter.fill(0, 700, 100, 50, 0x00ff00);
+  const auto before = receiver.count();
+  ASSERT_TRUE(receiver.waitForCount(before + 2));
+  painter.fill(0, 100, 100, 50, orange);
+  ASSERT_TRUE(receiver.waitForCount(receiver.count() + 2));
+  receiver.answerWith(FrameAnswer::taken);
+  ASSERT_TRUE(receiver.waitForPicture(shows(orange, 50, 120)));
+  EXPECT_EQ(receiver.picture().at(50, 720), 0x00ff00u);
+}
+
 TEST_F(SystemCaptureServiceTest, TheCursorMovesAndLeavesNoTrace) {
   painter.setCursor(16, 16, orange);
   const auto stream = start(fullSize);
@@ -314,6 +340,8 @@ TEST_F(TwoMonitorsTest, WhatHappensOnTheOtherCostsNoFrame) {
   EXPECT_TRUE(receiver.waitForPicture(shows(0x00ff00, 50, 50)));
   painter.movePointer(600, 500);
   EXPECT_TRUE(receiver.waitForPicture(shows(orange, 600, 500)));
+  painter.movePointer(900, 500);
+  EXPECT_TRUE(receiver.waitForPicture(shows(background, 600, 500))) << "and out again";
 }
 
 TEST_F(TwoMonitorsTest, EitherCanBeCaptured) {

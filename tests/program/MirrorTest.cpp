@@ -121,6 +121,21 @@ TEST_F(MirrorTest, RestartedAHundredTimesItLeavesNothingBehind) {
   EXPECT_EQ(after.descriptors, before.descriptors);
 }
 
+TEST_F(MirrorTest, StartsThatWaitForNothingAreSurvived) {
+  const auto first = watcher("First");
+  const auto second = watcher("Second");
+  for (int count = 0; count < 150; ++count) {
+    for (Watcher* phone : {first.get(), second.get()}) {
+      phone->client.send({{"t", "mirrorStart"}, {"width", count % 2 == 0 ? 400 : 1280}, {"fps", 30}});
+    }
+    if (count % 5 == 0) movePointer();
+  }
+  EXPECT_LE(host.footprint().threads, 20u);
+  const auto size = first->start({.width = 640, .fps = 30, .quality = 0.45});
+  ASSERT_TRUE(size) << size.error().text;
+  EXPECT_TRUE(first->mirror.next(phonePatience));
+}
+
 TEST_F(MirrorTest, TheProgramEndsWhileItMirrors) {
   const auto phone = watcher("Phone");
   ASSERT_TRUE(phone->start());

@@ -29,14 +29,21 @@ std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> SystemCaptureSer
   if (!answers(connection_)) return silence();
   std::shared_ptr<X11Connection> connection = X11Connection::open(display_);
   if (!connection) return silence();
-  newest_.withLock([&](std::weak_ptr<X11Connection>& newest) { newest = connection; });
+  const bool isTooLate = state_.withLock([&](State& state) {
+    state.newest = connection;
+    return state.hasGivenUp;
+  });
+  if (isTooLate) return silence();
   auto layout = MonitorList(*connection).ask();
   if (!layout) return silence();
   return std::make_unique<ScreenContent>(std::move(connection), *std::move(layout));
 }
 
 void SystemCaptureService::giveUp() {
-  const auto newest = newest_.withLock([](const std::weak_ptr<X11Connection>& weak) { return weak.lock(); });
+  const auto newest = state_.withLock([](State& state) {
+    state.hasGivenUp = true;
+    return state.newest.lock();
+  });
   if (newest) newest->breakOff();
 }
 

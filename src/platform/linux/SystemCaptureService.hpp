@@ -26,9 +26,14 @@ class SystemCaptureService final : public CaptureService {
   void giveUp();
 
  private:
+  struct State {
+    std::weak_ptr<X11Connection> newest;  // those before belong to streams, which wait for nobody
+    bool hasGivenUp = false;
+  };
+
   const X11Connection& connection_;
   const std::string display_;
-  Guarded<std::weak_ptr<X11Connection>> newest_;  // those before belong to streams, which wait for nobody
+  Guarded<State> state_;
 };
 
 }  // namespace orvel

@@ -26,11 +26,8 @@ bool CursorWatch::tellsOfChange(const xcb_generic_event_t& event) const {
 }
 
 const Cursor& CursorWatch::ask() {
-  if (shapeIsKnown_) {
-    askPlace();
-  } else {
-    askShape();
-  }
+  if (!shapeIsKnown_) askShape();
+  askPlace();
   return cursor_;
 }
 
@@ -40,6 +37,8 @@ void CursorWatch::askPlace() {
   if (!pointer) return;
   cursor_.x = pointer->root_x;
   cursor_.y = pointer->root_y;
+  // A server may have several screens, of which the cursor is on one.
+  cursor_.shape = pointer->same_screen ? shape_ : nullptr;
 }
 
 void CursorWatch::askShape() {
@@ -47,17 +46,15 @@ void CursorWatch::askShape() {
   const X11Answer<xcb_xfixes_get_cursor_image_reply_t> image{
       xcb_xfixes_get_cursor_image_reply(connection_.get(), asked, nullptr)};
   shapeIsKnown_ = true;
-  cursor_.shape.reset();
+  shape_.reset();
   if (!image) return;
   const std::uint32_t* pixels = xcb_xfixes_get_cursor_image_cursor_image(image.get());
   const int count = xcb_xfixes_get_cursor_image_cursor_image_length(image.get());
-  cursor_.x = image->x;
-  cursor_.y = image->y;
-  cursor_.shape = std::make_shared<const CursorShape>(CursorShape{.width = image->width,
-                                                                  .height = image->height,
-                                                                  .hotX = image->xhot,
-                                                                  .hotY = image->yhot,
-                                                                  .pixels = {pixels, pixels + count}});
+  shape_ = std::make_shared<const CursorShape>(CursorShape{.width = image->width,
+                                                           .height = image->height,
+                                                           .hotX = image->xhot,
+                                                           .hotY = image->yhot,
+                                                           .pixels = {pixels, pixels + count}});
 }
 
 }  // namespace orvel

@@ -36,6 +36,7 @@ class CursorWatch {
   const X11Connection& connection_;
   const std::uint8_t firstEvent_;
   bool shapeIsKnown_ = false;
+  std::shared_ptr<const CursorShape> shape_;
   Cursor cursor_;
 };
 
