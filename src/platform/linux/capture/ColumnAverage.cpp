@@ -9,15 +9,33 @@ namespace orvel {
 namespace {
 
 constexpr std::size_t channels = 4;
+constexpr std::size_t pairBytes = 2 * channels;
 constexpr std::size_t quad = 4;
-constexpr std::size_t quadBytes = quad * channels;
 
 /// The channels of four pixels as they are in memory.
-using Bytes [[gnu::vector_size(quadBytes)]] = std::uint8_t;
+using QuadBytes [[gnu::vector_size(quad * channels)]] = std::uint8_t;
 
-/// The channels of two pixels, wide enough to be summed up, or of one.
-using HalfWords [[gnu::vector_size(quadBytes)]] = std::uint16_t;
-using PixelBytes [[gnu::vector_size(2 * channels)]] = std::uint8_t;
+/// The channels of two pixels, wide enough to be summed up.
+using PairWords [[gnu::vector_size(2 * pairBytes)]] = std::uint16_t;
+
+using PairBytes [[gnu::vector_size(pairBytes)]] = std::uint8_t;
+
+QuadBytes quadAt(const std::uint8_t* source) {
+  QuadBytes pixels;
+  std::memcpy(&pixels, source, sizeof pixels);
+  return pixels;
+}
+
+/// What vectors of the processor know as unpacking: each byte becomes a word, the lower byte of which comes first.
+PairWords firstPairOf(const QuadBytes& pixels) {
+  return reinterpret_cast<PairWords>(
+      __builtin_shufflevector(pixels, QuadBytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+}
+
+PairWords secondPairOf(const QuadBytes& pixels) {
+  return reinterpret_cast<PairWords>(
+      __builtin_shufflevector(pixels, QuadBytes{}, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31));
+}
 
 }  // namespace
 
@@ -26,38 +44,46 @@ ColumnAverage::ColumnAverage(int sourceLength, int targetLength) : sourceLength_
   for (int x = 0; x < targetLength; ++x) quads_ = std::max(quads_, (shares.of(x).weights.size() + quad - 1) / quad);
   for (int x = 0; x < targetLength; ++x) {
     const PixelShares::Share share = shares.of(x);
+    const auto weight = [&](std::size_t i) { return i < share.weights.size() ? share.weights[i] : std::uint16_t{0}; };
     firsts_.push_back(share.first);
-    for (std::size_t place = 0; place < quads_ * quad; place += quad) {
-      Words weights = {};
-      for (std::size_t i = 0; i < quadBytes; ++i) {
-        const std::size_t pixel = place + i / channels;
-        if (pixel < share.weights.size()) weights[i] = share.weights[pixel];
-      }
-      weights_.push_back(weights);
+    for (std::size_t place = 0; place < quads_ * quad; place += 2) {
+      const std::uint16_t one = weight(place);
+      const std::uint16_t other = weight(place + 1);
+      weights_.push_back(PairWords{one, one, one, one, other, other, other, other});
     }
   }
+  if (targetLength % 2 == 0) return;
+  firsts_.push_back(0);
+  weights_.resize(weights_.size() + 2 * quads_, PairWords{});
 }
 
 std::size_t ColumnAverage::bytesOfRow() const {
-  return channels * static_cast<std::size_t>(sourceLength_) + quadBytes * quads_;
+  return channels * (static_cast<std::size_t>(sourceLength_) + quad * quads_);
+}
+
+std::size_t ColumnAverage::bytesOfTarget() const {
+  return channels * firsts_.size();
 }
 
 void ColumnAverage::average(const std::uint8_t* row, std::uint8_t* target) const {
-  const Words* weights = weights_.data();
-  for (const int first : firsts_) {
+  const PairWords* weights = weights_.data();
+  const auto nextSum = [&](int first) {
     const std::uint8_t* source = row + channels * static_cast<std::size_t>(first);
-    Words sum = {};
-    for (std::size_t i = 0; i < quads_; ++i, source += quadBytes) {
-      Bytes pixels;
-      std::memcpy(&pixels, source, sizeof pixels);
-      sum += __builtin_convertvector(pixels, Words) * *weights++;
+    PairWords sum = {};
+    for (std::size_t i = 0; i < quads_; ++i, source += 2 * pairBytes, weights += 2) {
+      const QuadBytes pixels = quadAt(source);
+      sum += firstPairOf(pixels) * weights[0] + secondPairOf(pixels) * weights[1];
     }
-    HalfWords half = __builtin_shufflevector(sum, sum, 0, 1, 2, 3, 4, 5, 6, 7) +
-                     __builtin_shufflevector(sum, sum, 8, 9, 10, 11, 12, 13, 14, 15);
-    half += __builtin_shufflevector(half, half, 4, 5, 6, 7, 0, 1, 2, 3) + PixelShares::whole / 2;
-    const PixelBytes average = __builtin_convertvector(half / PixelShares::whole, PixelBytes);
-    std::memcpy(target, &average, channels);
-    target += channels;
+    return sum;
+  };
+  // Two targets at a time, as there is room for the sums of both in one vector.
+  for (std::size_t x = 0; x < firsts_.size(); x += 2, target += pairBytes) {
+    const PairWords one = nextSum(firsts_[x]);
+    const PairWords other = nextSum(firsts_[x + 1]);
+    const PairWords sums = __builtin_shufflevector(one, other, 0, 1, 2, 3, 8, 9, 10, 11) +
+                           __builtin_shufflevector(one, other, 4, 5, 6, 7, 12, 13, 14, 15) + PixelShares::whole / 2;
+    const PairBytes averages = __builtin_convertvector(sums / PixelShares::whole, PairBytes);
+    std::memcpy(target, &averages, sizeof averages);
   }
 }
 

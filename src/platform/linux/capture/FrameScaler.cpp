@@ -30,7 +30,7 @@ void FrameScaler::prepareFor(const PixelBuffer& picture) {
   if (columns_.sourceLength() != picture.width) columns_ = ColumnAverage(picture.width, width_);
   if (rows_.sourceLength() != picture.height) rows_ = PixelShares(picture.height, height_);
   row_.resize(columns_.bytesOfRow());
-  result_.resize(bytesOf(width_) * static_cast<std::size_t>(height_));
+  result_.resize(bytesOf(width_) * static_cast<std::size_t>(height_ - 1) + columns_.bytesOfTarget());
 }
 
 /// Makes one row of those that a row of the target covers: mixes in one after the other.
