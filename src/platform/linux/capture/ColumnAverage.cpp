@@ -52,38 +52,34 @@ ColumnAverage::ColumnAverage(int sourceLength, int targetLength) : sourceLength_
       weights_.push_back(PairWords{one, one, one, one, other, other, other, other});
     }
   }
-  if (targetLength % 2 == 0) return;
-  firsts_.push_back(0);
-  weights_.resize(weights_.size() + 2 * quads_, PairWords{});
 }
 
 std::size_t ColumnAverage::bytesOfRow() const {
   return channels * (static_cast<std::size_t>(sourceLength_) + quad * quads_);
 }
 
-std::size_t ColumnAverage::bytesOfTarget() const {
-  return channels * firsts_.size();
-}
-
-void ColumnAverage::average(const std::uint8_t* row, std::uint8_t* target) const {
+void ColumnAverage::average(const Rows& rows, const Targets& targets) const {
   const PairWords* weights = weights_.data();
-  const auto nextSum = [&](int first) {
-    const std::uint8_t* source = row + channels * static_cast<std::size_t>(first);
-    PairWords sum = {};
-    for (std::size_t i = 0; i < quads_; ++i, source += 2 * pairBytes, weights += 2) {
-      const QuadBytes pixels = quadAt(source);
-      sum += firstPairOf(pixels) * weights[0] + secondPairOf(pixels) * weights[1];
+  std::size_t place = 0;
+  for (const int first : firsts_) {
+    const std::size_t offset = channels * static_cast<std::size_t>(first);
+    PairWords one = {};
+    PairWords other = {};
+    for (std::size_t i = 0; i < quads_; ++i, weights += 2) {
+      const QuadBytes ofOne = quadAt(rows[0] + offset + i * quad * channels);
+      const QuadBytes ofOther = quadAt(rows[1] + offset + i * quad * channels);
+      one += firstPairOf(ofOne) * weights[0] + secondPairOf(ofOne) * weights[1];
+      other += firstPairOf(ofOther) * weights[0] + secondPairOf(ofOther) * weights[1];
     }
-    return sum;
-  };
-  // Two targets at a time, as there is room for the sums of both in one vector.
-  for (std::size_t x = 0; x < firsts_.size(); x += 2, target += pairBytes) {
-    const PairWords one = nextSum(firsts_[x]);
-    const PairWords other = nextSum(firsts_[x + 1]);
+    // There is room for the sums of both in one vector.
     const PairWords sums = __builtin_shufflevector(one, other, 0, 1, 2, 3, 8, 9, 10, 11) +
                            __builtin_shufflevector(one, other, 4, 5, 6, 7, 12, 13, 14, 15) + PixelShares::whole / 2;
     const PairBytes averages = __builtin_convertvector(sums / PixelShares::whole, PairBytes);
-    std::memcpy(target, &averages, sizeof averages);
+    std::array<std::uint8_t, pairBytes> bytes;
+    std::memcpy(bytes.data(), &averages, sizeof averages);
+    std::memcpy(targets[0] + place, bytes.data(), channels);
+    std::memcpy(targets[1] + place, bytes.data() + channels, channels);
+    place += channels;
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -18,10 +19,10 @@ class ColumnAverage {
   /// How much memory a row must have, with what is read behind its end and does not count.
   std::size_t bytesOfRow() const;
 
-  /// How much room the target must have: an odd length is filled up to an even one.
-  std::size_t bytesOfTarget() const;
-
-  void average(const std::uint8_t* row, std::uint8_t* target) const;
+  /// Two rows at a time, so that the weights are fetched once for both. Both may be the same.
+  using Rows = std::array<const std::uint8_t*, 2>;
+  using Targets = std::array<std::uint8_t*, 2>;
+  void average(const Rows& rows, const Targets& targets) const;
 
  private:
   /// The channels of two pixels, wide enough to be summed up, or their weights.
@@ -29,7 +30,7 @@ class ColumnAverage {
 
   int sourceLength_ = 0;
   std::size_t quads_ = 0;           // how many quads of the row go into each pixel
-  std::vector<int> firsts_;         // the first pixel of each first quad, for an even number of targets
+  std::vector<int> firsts_;         // the first pixel of each first quad
   std::vector<PairWords> weights_;  // those of all quads, two for each
 };
 

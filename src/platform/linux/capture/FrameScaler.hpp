@@ -20,13 +20,14 @@ class FrameScaler {
 
  private:
   void prepareFor(const PixelBuffer& picture);
-  void averageRows(const PixelBuffer& picture, int row);
+  void averageRows(const PixelBuffer& picture, int row, std::vector<std::uint8_t>& target) const;
 
   const int width_;
   const int height_;
   ColumnAverage columns_;
   PixelShares rows_;
   std::vector<std::uint8_t> row_;  // of the width of the picture, but already averaged with its neighbours
+  std::vector<std::uint8_t> nextRow_;
   std::vector<std::uint8_t> result_;
 };
 
