@@ -1,4 +1,5 @@
 #include "desktop/CaptureFixture.hpp"
+#include "desktop/StoppedServer.hpp"
 #include "platform/linux/SystemJPEGEncoder.hpp"
 
 #include <atomic>
@@ -48,18 +49,6 @@ class Video {
 
   std::atomic<bool> ended_ = false;
   std::thread thread_;
-};
-
-/// The server is stopped for as long as this lives.
-class Stopped {
- public:
-  explicit Stopped(VirtualDesktop& desktop) : desktop_(desktop) { desktop_.signalServer(SIGSTOP); }
-  ~Stopped() { desktop_.signalServer(SIGCONT); }
-  Stopped(const Stopped&) = delete;
-  Stopped& operator=(const Stopped&) = delete;
-
- private:
-  VirtualDesktop& desktop_;
 };
 
 TEST_F(SystemCaptureServiceTest, ThereIsOneDisplayWhereThereIsOneMonitor) {
@@ -471,7 +460,7 @@ TEST_F(SystemCaptureServiceTest, AServerThatHangsDoesNotHoldUpTheEnd) {
   auto stream = start(fullSize);
   ASSERT_TRUE(receiver.waitForCount(1));
   painter.fill(0, 0, 100, 100, orange);
-  const Stopped stopped(desktop);
+  const StoppedServer stopped(desktop);
   std::this_thread::sleep_for(2 * lull);
   const auto begin = std::chrono::steady_clock::now();
   stream.reset();
@@ -480,7 +469,7 @@ TEST_F(SystemCaptureServiceTest, AServerThatHangsDoesNotHoldUpTheEnd) {
 }
 
 TEST_F(SystemCaptureServiceTest, WhoWaitsForAServerThatHangsCanGiveUp) {
-  const Stopped stopped(desktop);
+  const StoppedServer stopped(desktop);
   auto found = std::async(std::launch::async, [&] { return service.shareableContent(); });
   EXPECT_EQ(found.wait_for(lull), std::future_status::timeout);
   connection->breakOff();
@@ -491,7 +480,7 @@ TEST_F(SystemCaptureServiceTest, WhoWaitsForAServerThatHangsCanGiveUp) {
 
 TEST_F(SystemCaptureServiceTest, AStartThatWaitsForAServerThatHangsCanBeGivenUp) {
   const auto shareable = content();
-  const Stopped stopped(desktop);
+  const StoppedServer stopped(desktop);
   auto started = std::async(std::launch::async, [&] { return shareable->start(0, fullSize, receiver.handlers()); });
   EXPECT_EQ(started.wait_for(lull), std::future_status::timeout);
   service.giveUp();

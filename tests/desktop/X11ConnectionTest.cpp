@@ -1,4 +1,5 @@
 #include "desktop/LeafFixture.hpp"
+#include "desktop/StoppedServer.hpp"
 
 #include <chrono>
 #include <csignal>
@@ -59,23 +60,11 @@ TEST(X11ConnectionTest, StoppingIsNotAnEnd) {
   EXPECT_FALSE(ended);
 }
 
-/// Stops a process for as long as it lives.
-class Stopped {
- public:
-  explicit Stopped(VirtualDesktop& desktop) : desktop_(desktop) { desktop_.signalServer(SIGSTOP); }
-  ~Stopped() { desktop_.signalServer(SIGCONT); }
-  Stopped(const Stopped&) = delete;
-  Stopped& operator=(const Stopped&) = delete;
-
- private:
-  VirtualDesktop& desktop_;
-};
-
 TEST(X11ConnectionTest, AServerThatHangsDoesNotHoldUpTheEnd) {
   VirtualDesktop desktop;
   auto leaves = std::make_unique<LeafSet>(desktop);
   ASSERT_TRUE(leaves->trust.isTrusted());
-  const Stopped stopped(desktop);
+  const StoppedServer stopped(desktop);
   leaves->events.post(MouseEvent{.position = {10, 10}});
   leaves->events.flush();
   const auto end = std::async(std::launch::async, [&] { leaves.reset(); });
