@@ -16,8 +16,8 @@ namespace orvel {
 /// What the system has accepted may still lie in its buffers for seconds. So a frame may go only when all before it has
 /// left this computer, or is about to, and no more than one frame is unacknowledged; only then the one before counts as
 /// taken. Where frames have to wait for that, the newest counts as taken only when the next one has left, too: whoever
-/// allows two on their way then has one under way and makes the next just when it can go, instead of a second that grows
-/// old in waiting.
+/// allows two on their way then has one under way and makes the next just when it can go, instead of a second that
+/// grows old in waiting.
 ///
 /// Threads: the queue's.
 class FrameLane {
