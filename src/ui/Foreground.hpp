@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orvel {
+
+/// The desktop's foreground, into which a user's wish brings a window of ours. Threads: the main thread.
+class Foreground {
+ public:
+  virtual ~Foreground() = default;
+
+  /// Gives a window of the toolkit, which is shown, the keyboard. `token` is the desktop's proof that the user wished
+  /// it; empty when the wish reached us directly, by a click on our icon.
+  virtual void bring(std::uintptr_t window, const std::string& token) = 0;
+
+  /// Tells the desktop that the start which it had given `token` to is over, though no window came of it.
+  virtual void finishStart(const std::string& token) = 0;
+};
+
+}  // namespace orvel
