@@ -2,8 +2,9 @@
 
 #include "base/Guarded.hpp"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
+#include <QSessionManager>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
@@ -40,9 +41,18 @@ class Inbox final : public QObject {
 }  // namespace
 
 struct MainLoop::Application {
-  Application(int& argc, char** argv) : toolkit(argc, argv) {}
+  Application(int& argc, char** argv) : toolkit(argc, argv) {
+    // The panel comes and goes; the program stays.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setApplicationDisplayName(QStringLiteral("Orvel"));
+    QApplication::setStyle(QStringLiteral("fusion"));
+    // Whether it starts at login is the user's choice alone, so no session that is restored starts it.
+    QObject::connect(
+        &toolkit, &QApplication::saveStateRequest, &toolkit,
+        [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); }, Qt::DirectConnection);
+  }
 
-  QCoreApplication toolkit;
+  QApplication toolkit;
   Inbox inbox;
 };
 

@@ -6,7 +6,7 @@
 
 namespace orvel {
 
-/// The main thread's event loop, which panel, timers and published state run on.
+/// The main thread's event loop, which panel, timers and published state run on. Needs a display.
 ///
 /// Threads: made, run and destroyed on the main thread; the rest on any. What is posted after the loop has ended does
 /// not run.

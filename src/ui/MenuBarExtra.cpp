@@ -1,0 +1,108 @@
+#include "ui/MenuBarExtra.hpp"
+
+#include "ui/Appearance.hpp"
+#include "ui/Foreground.hpp"
+#include "ui/PanelHost.hpp"
+#include "ui/PanelPlacement.hpp"
+#include "ui/PanelWindow.hpp"
+#include "ui/StatusItem.hpp"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+/// Between the press of a click on the icon, which takes the keyboard from the panel, and its release, which opens it.
+constexpr Seconds longestClick{0.4};
+
+Rect rectOf(const QRect& rect) {
+  return {{static_cast<double>(rect.x()), static_cast<double>(rect.y())},
+          {static_cast<double>(rect.width()), static_cast<double>(rect.height())}};
+}
+
+Rect pointerPlace() {
+  const QPoint pointer = QCursor::pos();
+  return {{static_cast<double>(pointer.x()), static_cast<double>(pointer.y())}, {0, 0}};
+}
+
+}  // namespace
+
+void MenuBarExtra::DeleteLater::operator()(PanelWindow* window) const {
+  // One of its own events may be what ends it.
+  window->deleteLater();
+}
+
+MenuBarExtra::MenuBarExtra(const Parts& parts) : parts_(parts), shownLabel_(label()) {
+  parts_.appearance.observe([this] {
+    if (panel_) panel_->restyle();
+  });
+}
+
+MenuBarExtra::~MenuBarExtra() {
+  delete panel_.release();
+}
+
+void MenuBarExtra::show() {
+  parts_.statusItem.show(shownLabel_, [this] { iconActivated(); });
+}
+
+bool MenuBarExtra::hasIcon() const {
+  return parts_.statusItem.isShown();
+}
+
+Symbol MenuBarExtra::label() const {
+  return parts_.host.state().clients.empty() ? Symbol::cursorArrow : Symbol::cursorArrowRays;
+}
+
+void MenuBarExtra::refresh() {
+  if (const Symbol symbol = label(); symbol != shownLabel_) {
+    shownLabel_ = symbol;
+    parts_.statusItem.setSymbol(symbol);
+  }
+  if (panel_) panel_->refresh();
+}
+
+void MenuBarExtra::iconActivated() {
+  if (panel_) return closePanel();
+  const bool hasJustClosed = dismissedAt_ && parts_.clock.now() - *dismissedAt_ < longestClick;
+  dismissedAt_.reset();
+  if (hasJustClosed) return;
+  lastClick_ = parts_.statusItem.place().value_or(pointerPlace());
+  openPanelAt(*lastClick_, {});
+}
+
+void MenuBarExtra::openPanel(const std::string& token) {
+  if (!panel_) return openPanelAt(likelyIconPlace(), token);
+  parts_.foreground.bring(panel_->winId(), token);
+}
+
+void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
+  const auto kind = hasIcon() ? PanelWindow::Kind::besideIcon : PanelWindow::Kind::normal;
+  panel_.reset(new PanelWindow(kind, parts_.host, parts_.loginItem, parts_.appearance, [this] { dismissPanel(); }));
+  panel_->open(icon);
+  parts_.foreground.bring(panel_->winId(), token);
+}
+
+void MenuBarExtra::dismissPanel() {
+  if (!panel_) return;
+  dismissedAt_ = parts_.clock.now();
+  closePanel();
+}
+
+void MenuBarExtra::closePanel() {
+  // Hiding it takes the keyboard from it, which must not count as another dismissal.
+  if (const auto closing = std::move(panel_)) closing->hide();
+}
+
+Rect MenuBarExtra::likelyIconPlace() const {
+  if (const auto place = parts_.statusItem.place()) return *place;
+  if (lastClick_) return *lastClick_;
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return PanelPlacement::usualCorner(
+      {.whole = rectOf(screen->geometry()), .free = rectOf(screen->availableGeometry())});
+}
+
+}  // namespace orvel

@@ -1,0 +1,122 @@
+#include "ui/PanelWindow.hpp"
+
+#include "ui/PanelLook.hpp"
+#include "ui/PanelPlacement.hpp"
+#include "ui/PanelView.hpp"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr std::chrono::milliseconds lookInterval{1500};
+constexpr int frameWidth = 1;
+
+Rect rectOf(const QRect& rect) {
+  return {{static_cast<double>(rect.x()), static_cast<double>(rect.y())},
+          {static_cast<double>(rect.width()), static_cast<double>(rect.height())}};
+}
+
+QScreen* screenAt(const Rect& icon) {
+  QScreen* screen = QGuiApplication::screenAt({static_cast<int>(icon.centre().x), static_cast<int>(icon.centre().y)});
+  return screen == nullptr ? QGuiApplication::primaryScreen() : screen;
+}
+
+Qt::WindowFlags flagsOf(PanelWindow::Kind kind) {
+  if (kind == PanelWindow::Kind::normal) return Qt::Window;
+  return Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+}
+
+}  // namespace
+
+PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
+                         std::function<void()> dismissed)
+    : QWidget(nullptr, flagsOf(kind)),
+      kind_(kind),
+      appearance_(appearance),
+      dismissed_(std::move(dismissed)),
+      model_(host, loginItem),
+      view_(new PanelView(model_, appearance, [this] { fit(); })),
+      scroll_(new QScrollArea) {
+  setWindowTitle(QStringLiteral("Orvel"));
+  // The first Tab goes to the first control; none is marked before.
+  setFocusPolicy(Qt::StrongFocus);
+  scroll_->setFrameShape(QFrame::NoFrame);
+  scroll_->setFocusPolicy(Qt::NoFocus);
+  scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll_->setWidget(view_);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(frameWidth, frameWidth, frameWidth, frameWidth);
+  layout->addWidget(scroll_);
+  lookAgain_.setInterval(lookInterval);
+  lookAgain_.callOnTimeout(this, [this] { refresh(); });
+}
+
+void PanelWindow::open(const Rect& icon) {
+  icon_ = icon;
+  model_.appear();
+  restyle();
+  show();
+  setFocus();
+  lookAgain_.start();
+}
+
+void PanelWindow::refresh() {
+  view_->refresh();
+}
+
+void PanelWindow::restyle() {
+  const PanelLook look(appearance_);
+  setPalette(look.palette());
+  frame_ = look.frame();
+  view_->restyle();
+}
+
+void PanelWindow::fit() {
+  const QScreen* screen = screenAt(icon_);
+  const QRect free = screen->availableGeometry();
+  const QSize whole = view_->wholeSize();
+  view_->resize(whole);
+  const int frame = 2 * frameWidth;
+  const int height = std::min(whole.height() + frame, free.height() - static_cast<int>(2 * PanelPlacement::gap));
+  const bool scrolls = height < whole.height() + frame;
+  const int width = whole.width() + frame + (scrolls ? scroll_->verticalScrollBar()->sizeHint().width() : 0);
+  if (kind_ == Kind::normal) return setFixedSize(width, height);
+  const Point place = PanelPlacement::at(icon_, {static_cast<double>(width), static_cast<double>(height)},
+                                         {.whole = rectOf(screen->geometry()), .free = rectOf(free)});
+  setGeometry(static_cast<int>(place.x), static_cast<int>(place.y), width, height);
+}
+
+bool PanelWindow::event(QEvent* event) {
+  if (event->type() == QEvent::WindowDeactivate && kind_ == Kind::besideIcon) dismissed_();
+  return QWidget::event(event);
+}
+
+void PanelWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  dismissed_();
+}
+
+void PanelWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) return dismissed_();
+  QWidget::keyPressEvent(event);
+}
+
+void PanelWindow::paintEvent(QPaintEvent*) {
+  if (kind_ == Kind::normal) return;
+  QPainter painter(this);
+  painter.setPen(frame_);
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+}  // namespace orvel

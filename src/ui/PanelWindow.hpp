@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/Geometry.hpp"
+#include "ui/PanelModel.hpp"
+
+#include <QColor>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+class QScrollArea;
+
+namespace orvel {
+
+class Appearance;
+class PanelView;
+
+/// The small window in which the panel is open: without a frame beside the icon, or as a normal window where there is
+/// no icon. While it is open it looks every now and then whether what it shows still holds, for a network or an entry
+/// of the login's list changes without telling.
+///
+/// Threads: the main thread.
+class PanelWindow final : public QWidget {
+ public:
+  enum class Kind { besideIcon, normal };
+
+  /// `dismissed` is called when the user is done with it: a click elsewhere, Escape, or the close button of a normal
+  /// window. All must outlive it.
+  PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
+              std::function<void()> dismissed);
+
+  /// Shows it; beside the icon, or where there is room.
+  void open(const Rect& icon);
+
+  /// The state of the host has changed.
+  void refresh();
+
+  /// The look of the desktop has changed.
+  void restyle();
+
+ protected:
+  bool event(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  void fit();
+
+  const Kind kind_;
+  const Appearance& appearance_;
+  const std::function<void()> dismissed_;
+  PanelModel model_;
+  PanelView* view_;
+  QScrollArea* scroll_;
+  Rect icon_;
+  QColor frame_;
+  QTimer lookAgain_;
+};
+
+}  // namespace orvel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ui/Appearance.hpp"
+#include "ui/Foreground.hpp"
+#include "ui/StatusItem.hpp"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvel {
+
+/// A tray icon that a test clicks.
+class FakeStatusItem final : public StatusItem {
+ public:
+  void show(Symbol symbol, std::function<void()> activated) override {
+    symbols.push_back(symbol);
+    click = std::move(activated);
+  }
+  void setSymbol(Symbol symbol) override { symbols.push_back(symbol); }
+  bool isShown() const override { return hasTray; }
+  std::optional<Rect> place() const override { return where; }
+
+  bool hasTray = true;
+  std::optional<Rect> where = Rect{{700, 0}, {24, 24}};
+  std::vector<Symbol> symbols;
+  std::function<void()> click;
+};
+
+/// A desktop whose look a test changes.
+class FakeAppearance final : public Appearance {
+ public:
+  std::optional<bool> isDark() const override { return dark; }
+  std::optional<DesktopFont> font() const override { return chosenFont; }
+  void observe(std::function<void()> handler) override { changed = std::move(handler); }
+
+  std::optional<bool> dark = false;
+  std::optional<DesktopFont> chosenFont;
+  std::function<void()> changed;
+};
+
+/// Records which windows came to the front by which token.
+class FakeForeground final : public Foreground {
+ public:
+  void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }
+  void finishStart(const std::string& token) override { finished.push_back(token); }
+
+  std::vector<std::string> brought;
+  std::vector<std::string> finished;
+};
+
+}  // namespace orvel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ui/PanelHost.hpp"
+
+#include <string>
+#include <vector>
+
+namespace orvel {
+
+/// A host whose state a test sets, and that records what the panel asks of it.
+class FakePanelHost final : public PanelHost {
+ public:
+  PanelState state() const override { return now; }
+  PairingInvitation invitation() override { return offered; }
+  void refreshPermission() override { asked.emplace_back("refreshPermission"); }
+  void requestPermission() override { asked.emplace_back("requestPermission"); }
+  void restart() override { asked.emplace_back("restart"); }
+  void renewCode() override {
+    asked.emplace_back("renewCode");
+    offered = {"payload of the new code", "NEWC-ODEN-EWCO-DENE"};
+  }
+  void quit() override { asked.emplace_back("quit"); }
+
+  /// A host that listens, with the permission and without phones.
+  PanelState now{.isRunning = true, .accessibilityGranted = true, .port = 8787, .address = "192.168.1.23"};
+  PairingInvitation offered{R"({"v":1,"host":"192.168.1.23","port":8787,"token":"ABCDEFGHJKLMNPQR","name":"desk"})",
+                            "ABCD-EFGH-JKLM-NPQR"};
+  std::vector<std::string> asked;
+};
+
+}  // namespace orvel

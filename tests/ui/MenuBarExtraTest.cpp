@@ -1,0 +1,208 @@
+#include "fakes/FakeClock.hpp"
+#include "fakes/FakeLoginItemService.hpp"
+#include "fakes/FakePanelDesktop.hpp"
+#include "fakes/FakePanelHost.hpp"
+#include "ui/LoginItem.hpp"
+#include "ui/MenuBarExtra.hpp"
+#include "ui/PanelWidgets.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QScreen>
+#include <string>
+
+namespace orvel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct MenuBarExtraTest : testing::Test {
+  void SetUp() override { extra.show(); }
+
+  /// The open panel; nothing when there is none.
+  static QWidget* panel() {
+    PanelWidgets::settle();
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->isVisible()) return widget;
+    }
+    return nullptr;
+  }
+
+  static void clickElsewhere() {
+    QEvent deactivated(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(panel(), &deactivated);
+    PanelWidgets::settle();
+  }
+
+  static void pressEscape() {
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(panel(), &escape);
+    PanelWidgets::settle();
+  }
+
+  FakeClock clock;
+  FakeLoginItemService list;
+  LoginItem loginItem{list};
+  FakePanelHost host;
+  FakeStatusItem icon;
+  FakeAppearance appearance;
+  FakeForeground foreground;
+  MenuBarExtra extra{{.appearance = appearance,
+                      .clock = clock,
+                      .foreground = foreground,
+                      .host = host,
+                      .loginItem = loginItem,
+                      .statusItem = icon}};
+};
+
+TEST_F(MenuBarExtraTest, StartsWithTheIconAlone) {
+  EXPECT_THAT(icon.symbols, ElementsAre(Symbol::cursorArrow));
+  EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, TheIconHasRaysWhilePhonesAreConnected) {
+  host.now.clients = {"A"};
+  extra.refresh();
+  host.now.clients = {"A", "B"};
+  extra.refresh();
+  EXPECT_THAT(icon.symbols, ElementsAre(Symbol::cursorArrow, Symbol::cursorArrowRays));
+  host.now.clients = {};
+  extra.refresh();
+  EXPECT_THAT(icon.symbols, ElementsAre(Symbol::cursorArrow, Symbol::cursorArrowRays, Symbol::cursorArrow));
+}
+
+TEST_F(MenuBarExtraTest, AClickOpensThePanelUnderTheIconInFront) {
+  icon.where = Rect{{400, 0}, {24, 24}};
+  icon.click();
+  ASSERT_NE(panel(), nullptr);
+  EXPECT_EQ(panel()->windowTitle(), "Orvel");
+  EXPECT_TRUE(panel()->windowFlags().testFlag(Qt::FramelessWindowHint));
+  EXPECT_EQ(panel()->geometry().top(), 28);
+  EXPECT_NEAR(panel()->geometry().center().x(), 412, 1);
+  EXPECT_THAT(foreground.brought, ElementsAre(""));
+  EXPECT_THAT(host.asked, ElementsAre("refreshPermission"));
+}
+
+TEST_F(MenuBarExtraTest, ASecondClickClosesIt) {
+  icon.click();
+  ASSERT_NE(panel(), nullptr);
+  icon.click();
+  EXPECT_EQ(panel(), nullptr);
+  icon.click();
+  EXPECT_NE(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, AClickElsewhereClosesIt) {
+  icon.click();
+  clickElsewhere();
+  EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, EscapeClosesIt) {
+  icon.click();
+  pressEscape();
+  EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, AClickOnTheIconThatTakesTheKeyboardFirstOnlyClosesIt) {
+  icon.click();
+  clickElsewhere();
+  clock.advance(Seconds(0.15));
+  icon.click();
+  EXPECT_EQ(panel(), nullptr);
+  clock.advance(Seconds(0.15));
+  icon.click();
+  EXPECT_NE(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, AClickAWhileAfterItWasClosedOpensItAgain) {
+  icon.click();
+  clickElsewhere();
+  clock.advance(Seconds(1));
+  icon.click();
+  EXPECT_NE(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, TheCodeIsHiddenAgainWhenItIsOpenedAgain) {
+  icon.click();
+  ASSERT_TRUE(PanelWidgets{*panel()}.press("Show code"));
+  EXPECT_NE(PanelWidgets{*panel()}.button("Hide code"), nullptr);
+  icon.click();
+  icon.click();
+  EXPECT_NE(PanelWidgets{*panel()}.button("Show code"), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, WhatChangesShowsWhileItIsOpen) {
+  icon.click();
+  host.now.clients = {"Anna's iPhone"};
+  extra.refresh();
+  EXPECT_THAT(PanelWidgets{*panel()}.texts(), testing::Contains("Anna's iPhone"));
+}
+
+TEST_F(MenuBarExtraTest, ItGrowsAndShrinksWithWhatItShows) {
+  icon.click();
+  const int before = panel()->height();
+  ASSERT_TRUE(PanelWidgets{*panel()}.press("Show code"));
+  EXPECT_GT(panel()->height(), before + 168);
+  ASSERT_TRUE(PanelWidgets{*panel()}.press("Hide code"));
+  EXPECT_EQ(panel()->height(), before);
+}
+
+TEST_F(MenuBarExtraTest, AThousandPhonesDoNotPushItOffTheScreen) {
+  host.now.clients.assign(1000, "Phone");
+  icon.click();
+  ASSERT_NE(panel(), nullptr);
+  EXPECT_TRUE(panel()->screen()->availableGeometry().contains(panel()->geometry()));
+}
+
+TEST_F(MenuBarExtraTest, FollowsTheLookWhileItIsOpen) {
+  icon.click();
+  const auto ground = [] { return panel()->grab().toImage().pixelColor(3, 3).lightness(); };
+  EXPECT_GT(ground(), 200);
+  appearance.dark = true;
+  appearance.changed();
+  EXPECT_LT(ground(), 80);
+}
+
+TEST_F(MenuBarExtraTest, WithoutATrayItOpensAsANormalWindow) {
+  icon.hasTray = false;
+  icon.where.reset();
+  extra.openPanel("token");
+  ASSERT_NE(panel(), nullptr);
+  EXPECT_FALSE(panel()->windowFlags().testFlag(Qt::FramelessWindowHint));
+  EXPECT_THAT(foreground.brought, ElementsAre("token"));
+  clickElsewhere();
+  EXPECT_NE(panel(), nullptr);
+  panel()->close();
+  EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, AnotherStartBringsTheOpenPanelToTheFront) {
+  icon.click();
+  const QWidget* before = panel();
+  extra.openPanel("token");
+  EXPECT_EQ(panel(), before);
+  EXPECT_THAT(foreground.brought, ElementsAre("", "token"));
+}
+
+TEST_F(MenuBarExtraTest, AnotherStartOpensItInTheUsualCornerWhenNobodySaysWhereTheIconIs) {
+  icon.where.reset();
+  extra.openPanel("");
+  const QRect free = panel()->screen()->availableGeometry();
+  EXPECT_EQ(panel()->geometry().right(), free.right() - 4);
+  EXPECT_EQ(panel()->geometry().top(), free.top() + 4);
+}
+
+TEST_F(MenuBarExtraTest, ClosingWhatIsNotOpenDoesNothing) {
+  extra.closePanel();
+  EXPECT_EQ(panel(), nullptr);
+  EXPECT_THAT(foreground.brought, IsEmpty());
+}
+
+}  // namespace
+}  // namespace orvel
