@@ -15,6 +15,13 @@ if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND 
   # False alarms of this compiler about the standard library's strings, when it optimises.
   target_compile_options(orvel_flags INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()
+if(CMAKE_BUILD_TYPE STREQUAL Release)
+  # What a program that reads from the network is built with wherever people install it.
+  target_compile_options(orvel_flags INTERFACE -fPIE -fstack-protector-strong -fstack-clash-protection
+                                               -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
+                                               -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  target_link_options(orvel_flags INTERFACE -pie -Wl,-z,relro,-z,now,--as-needed)
+endif()
 if(ORVEL_WARNINGS_AS_ERRORS)
   target_compile_options(orvel_flags INTERFACE -Werror)
 endif()
