@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/linux/files/ConfigurationFolders.hpp"
+#include "ui/LoginItemService.hpp"
+
+#include <optional>
+#include <string>
+
+namespace orvel {
+
+/// The desktop's autostart folders. The user's entry wins over those of the same name that the system has, so this
+/// program is taken out either by removing that entry or, when the system has one too, by an entry that says so.
+///
+/// Threads: one at a time.
+class SystemLoginItemService final : public LoginItemService {
+ public:
+  /// `program` is the absolute path of this program.
+  SystemLoginItemService(const ConfigurationFolders& folders, std::string program);
+
+  bool isEnabled() const override;
+  bool enter() override;
+  bool remove() override;
+
+ private:
+  std::optional<bool> isStartedBy(const std::string& folder) const;
+  bool isStartedBySystem() const;
+  std::string entry(bool isHidden) const;
+  bool write(const std::string& text) const;
+
+  const ConfigurationFolders folders_;
+  const std::string program_;
+};
+
+}  // namespace orvel
