@@ -1,5 +1,6 @@
 #include "desktop/SessionBus.hpp"
 
+#include "desktop/ProcessTree.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
 #include <csignal>
@@ -12,26 +13,17 @@
 namespace orvel {
 namespace {
 
-/// All processes that a process has started, and those that these have.
-std::vector<pid_t> descendantsOf(pid_t process) {
-  const std::string number = std::to_string(process);
-  std::ifstream list("/proc/" + number + "/task/" + number + "/children");
-  std::vector<pid_t> found;
-  for (pid_t child = 0; list >> child;) {
-    found.push_back(child);
-    const auto below = descendantsOf(child);
-    found.insert(found.end(), below.begin(), below.end());
-  }
-  return found;
+BusCall toAccessibility(const char* method, GVariant* arguments, const char* replyType) {
+  return {.destination = "org.a11y.Bus",
+          .path = "/org/a11y/bus",
+          .interface = "org.freedesktop.DBus.Properties",
+          .method = method,
+          .arguments = arguments,
+          .replyType = replyType};
 }
 
 bool isAccessibilityOn(const MessageBus& bus) {
-  const auto reply = bus.call({.destination = "org.a11y.Bus",
-                               .path = "/org/a11y/bus",
-                               .interface = "org.freedesktop.DBus.Properties",
-                               .method = "Get",
-                               .arguments = g_variant_new("(ss)", "org.a11y.Status", "IsEnabled"),
-                               .replyType = "(v)"},
+  const auto reply = bus.call(toAccessibility("Get", g_variant_new("(ss)", "org.a11y.Status", "IsEnabled"), "(v)"),
                               TimeLimit(patience));
   if (!reply) return false;
   GVariant* value = nullptr;
@@ -73,6 +65,13 @@ ChildProcess::Environment SessionBus::environment() const {
   auto environment = desktop_.environment();
   environment["DBUS_SESSION_BUS_ADDRESS"] = address_;
   return environment;
+}
+
+bool SessionBus::switchOnAccessibility() const {
+  const auto bus = MessageBus::open(address_, TimeLimit(patience));
+  if (!bus) return false;
+  GVariant* on = g_variant_new("(ssv)", "org.a11y.Status", "IsEnabled", g_variant_new_boolean(TRUE));
+  return bus->call(toAccessibility("Set", on, "()"), TimeLimit(patience)) != nullptr;
 }
 
 bool SessionBus::waitForAccessibility() const {
