@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 namespace orvel {
@@ -38,10 +39,25 @@ GLibPointer<GVariant> MessageBus::call(const BusCall& call, const TimeLimit& lim
       g_variant_ref_sink(call.arguments != nullptr ? call.arguments : g_variant_new_tuple(nullptr, 0)));
   // A name may come from another program, and the library does not forgive a bad one.
   if (limit.hasPassed() || !g_dbus_is_name(call.destination)) return nullptr;
-  return GLibPointer<GVariant>(
-      g_dbus_connection_call_sync(connection_.get(), call.destination, call.path, call.interface, call.method,
-                                  arguments.get(), G_VARIANT_TYPE(call.replyType), G_DBUS_CALL_FLAGS_NONE,
-                                  static_cast<int>(limit.left().count()), cancellation, nullptr));
+  return GLibPointer<GVariant>(g_dbus_connection_call_sync(
+      connection_.get(), call.destination, call.path, call.interface, call.method, arguments.get(),
+      G_VARIANT_TYPE(call.replyType), call.flags, static_cast<int>(limit.left().count()), cancellation, nullptr));
+}
+
+void MessageBus::observe(MessageHandler handler) const {
+  const auto handOn = +[](GDBusConnection* connection, GDBusMessage* message, gboolean isIncoming, gpointer user) {
+    GLibPointer<GDBusMessage> owned(message);
+    if (isIncoming && (*static_cast<MessageHandler*>(user))(connection, message))
+      return static_cast<GDBusMessage*>(nullptr);
+    return owned.release();
+  };
+  auto kept = std::make_unique<MessageHandler>(std::move(handler));
+  g_dbus_connection_add_filter(connection_.get(), handOn, kept.release(),
+                               [](gpointer user) { delete static_cast<MessageHandler*>(user); });
+}
+
+void MessageBus::sendOn(GDBusConnection* connection, GDBusMessage* message) {
+  g_dbus_connection_send_message(connection, message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
 }
 
 }  // namespace orvel

@@ -5,6 +5,7 @@
 
 #include <gio/gio.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -22,13 +23,17 @@ struct BusCall {
   const char* method;
   GVariant* arguments = nullptr;
   const char* replyType = "()";  ///< Any other reply is as good as none.
+  GDBusCallFlags flags = G_DBUS_CALL_FLAGS_NONE;
 };
 
 /// A connection of one's own to a message bus, that is not shared with anything else in this program.
 ///
-/// Threads: one at a time.
+/// Threads: one at a time, but `send` on any.
 class MessageBus {
  public:
+  /// Sees a message that came in by the connection; true when it has dealt with it.
+  using MessageHandler = std::function<bool(GDBusConnection* connection, GDBusMessage* message)>;
+
   /// Connects, within `limit` and until `cancellation`. Nothing when no bus answers there.
   static std::optional<MessageBus> open(const std::string& address, const TimeLimit& limit,
                                         GCancellable* cancellation = nullptr);
@@ -38,6 +43,13 @@ class MessageBus {
 
   /// Calls, and waits for the reply, within `limit` and until `cancellation`. Null without one.
   GLibPointer<GVariant> call(const BusCall& call, const TimeLimit& limit, GCancellable* cancellation = nullptr) const;
+
+  /// Has `handler` see all that comes in, on a thread of the library, and for a moment even after this object has gone.
+  void observe(MessageHandler handler) const;
+
+  /// Sends a message, and does not wait for anything.
+  void send(GDBusMessage* message) const { sendOn(connection_.get(), message); }
+  static void sendOn(GDBusConnection* connection, GDBusMessage* message);
 
  private:
   explicit MessageBus(GLibPointer<GDBusConnection> connection) : connection_(std::move(connection)) {}
