@@ -1,0 +1,86 @@
+#include "platform/linux/tray/StatusNotifierWatch.hpp"
+
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QString>
+#include <QVariant>
+#include <chrono>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto askInterval = 20ms;
+constexpr auto hostGrace = 5s;
+constexpr std::chrono::milliseconds answerLimit = 5s;
+
+const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString watcherObject = QStringLiteral("/StatusNotifierWatcher");
+const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
+
+}  // namespace
+
+StatusNotifierWatch::StatusNotifierWatch(std::function<void()> answered)
+    : answered_(std::move(answered)),
+      bus_(QDBusConnection::sessionBus()),
+      owner_(watcher, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
+  soon_.setSingleShot(true);
+  soon_.setInterval(askInterval);
+  grace_.setSingleShot(true);
+  grace_.setInterval(hostGrace);
+  QObject::connect(&soon_, &QTimer::timeout, [this] { askNow(); });
+  QObject::connect(&grace_, &QTimer::timeout, [this] { tell(Host::absent); });
+  followOwner();
+  followSignals();
+  ask();
+}
+
+void StatusNotifierWatch::followOwner() {
+  QObject::connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged,
+                   [this](const QString&, const QString&, const QString& owner) {
+                     host_ = Host::unknown;
+                     if (owner.isEmpty()) return tell(Host::absent);
+                     ask();
+                   });
+}
+
+void StatusNotifierWatch::followSignals() {
+  for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+    bus_.connect(watcher, watcherObject, watcher, QString::fromLatin1(signal), &soon_, SLOT(start()));
+  }
+  bus_.connect(watcher, watcherObject, properties, QStringLiteral("PropertiesChanged"), &soon_, SLOT(start()));
+}
+
+void StatusNotifierWatch::askNow() {
+  if (!bus_.isConnected()) return tell(Host::absent);
+  QDBusMessage question = QDBusMessage::createMethodCall(watcher, watcherObject, properties, QStringLiteral("Get"));
+  question << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
+  question.setAutoStartService(false);
+  question_ = std::make_unique<QDBusPendingCallWatcher>(bus_.asyncCall(question, int(answerLimit.count())));
+  QObject::connect(question_.get(), &QDBusPendingCallWatcher::finished, [this] { take(); });
+}
+
+void StatusNotifierWatch::take() {
+  const QDBusPendingReply<QDBusVariant> reply = *question_;
+  if (reply.isError()) {
+    const auto error = reply.error().type();
+    const bool hangs = error == QDBusError::NoReply || error == QDBusError::Timeout || error == QDBusError::TimedOut;
+    return tell(hangs ? Host::unknown : Host::absent);
+  }
+  if (reply.value().variant().toBool()) return tell(Host::present);
+  // Somebody has only begun to look after items. Who shows them will come soon, and is better than any older tray.
+  if (host_ == Host::unknown) return grace_.isActive() ? void() : grace_.start();
+  tell(Host::absent);
+}
+
+void StatusNotifierWatch::tell(Host host) {
+  grace_.stop();
+  host_ = host;
+  answered_();
+}
+
+}  // namespace orvel

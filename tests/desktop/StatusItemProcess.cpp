@@ -1,0 +1,41 @@
+#include "desktop/windows/WindowSpeech.hpp"
+#include "platform/linux/SystemStatusItem.hpp"
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <sstream>
+#include <string>
+
+namespace {
+
+std::string wordsOf(const orvel::Rect& place) {
+  std::ostringstream words;
+  words << place.origin.x << ' ' << place.origin.y << ' ' << place.size.width << ' ' << place.size.height;
+  return words.str();
+}
+
+}  // namespace
+
+// A program with nothing but the icon, which does what its input says and tells what happens.
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  orvel::SystemStatusItem item;
+  item.show(orvel::Symbol::cursorArrow, [] { orvel::say("activated"); });
+
+  orvel::WindowCommands commands;
+  QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+  QObject::connect(&input, &QSocketNotifier::activated, &application, [&] {
+    for (const auto& command : commands.take()) {
+      if (command.front() == "arrow") item.setSymbol(orvel::Symbol::cursorArrow);
+      if (command.front() == "rays") item.setSymbol(orvel::Symbol::cursorArrowRays);
+      if (command.front() == "ask") {
+        const auto place = item.place();
+        orvel::say(std::string(item.isShown() ? "shown" : "hidden") + " at " + (place ? wordsOf(*place) : "nowhere"));
+      }
+    }
+    if (commands.ended) QApplication::quit();
+  });
+  orvel::say("ready");
+  return QApplication::exec();
+}
