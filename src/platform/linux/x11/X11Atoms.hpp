@@ -19,10 +19,14 @@ struct X11Atoms {
   xcb_atom_t currentDesktop = XCB_ATOM_NONE;
   xcb_atom_t gtkApplicationID = XCB_ATOM_NONE;
   xcb_atom_t restackWindow = XCB_ATOM_NONE;
+  xcb_atom_t startupID = XCB_ATOM_NONE;
   xcb_atom_t startupInfo = XCB_ATOM_NONE;
   xcb_atom_t startupInfoBegin = XCB_ATOM_NONE;
+  xcb_atom_t supported = XCB_ATOM_NONE;
   xcb_atom_t supportingWindowManager = XCB_ATOM_NONE;
+  xcb_atom_t utf8Text = XCB_ATOM_NONE;
   xcb_atom_t windowDesktop = XCB_ATOM_NONE;
+  xcb_atom_t windowManagement = XCB_ATOM_NONE;
   xcb_atom_t windowProcess = XCB_ATOM_NONE;
   xcb_atom_t windowState = XCB_ATOM_NONE;
   xcb_atom_t windowStateSkipTaskbar = XCB_ATOM_NONE;
