@@ -50,6 +50,9 @@ class TrayHost {
   /// Stops it, and all that it has started, and waits until it cannot be seen any more.
   void stop();
 
+  /// Signals it, to hold it or to let it go on. `start` comes before.
+  void signal(int number) { panel_->signal(number); }
+
   /// The part of the screen that it covers.
   Rect place() const;
 
