@@ -78,6 +78,7 @@ void TrayHost::stop() {
   const auto plugins = descendantsOf(panel_->pid());
   panel_.reset();
   for (const pid_t plugin : plugins) kill(plugin, SIGKILL);
+  if (look_.kind == Kind::xfce) forgetXfceSettings();
   waitUntil([this] { return !isPainted(view_.picture()); }, patience);
 }
 
@@ -208,6 +209,24 @@ void TrayHost::writeXfceSettings() const {
   file << "</property>\n</channel>\n";
 }
 
+/// Ends the keeper of the settings, who would hand out those that it has read, and not those of the next panel.
+void TrayHost::forgetXfceSettings() const {
+  const TimeLimit limit(patience);
+  const auto bus = MessageBus::open(bus_.address(), limit);
+  if (!bus) return;
+  const auto reply = bus->call({.destination = "org.freedesktop.DBus",
+                                .path = "/org/freedesktop/DBus",
+                                .interface = "org.freedesktop.DBus",
+                                .method = "GetConnectionUnixProcessID",
+                                .arguments = g_variant_new("(s)", "org.xfce.Xfconf"),
+                                .replyType = "(u)"},
+                               limit);
+  if (!reply) return;
+  std::uint32_t process = 0;
+  g_variant_get(reply.get(), "(u)", &process);
+  kill(static_cast<pid_t>(process), SIGKILL);
+}
+
 bool TrayHost::isServing() const {
   const bool hasProtocols =
       (look_.kind == Kind::lxqt || ownsXEmbedTray()) && (look_.kind == Kind::tint2 || isStatusNotifierHost());
@@ -215,13 +234,11 @@ bool TrayHost::isServing() const {
   return isPainted(view_.picture());
 }
 
-/// Whether the panel can be seen. Its icons leave at least one end of it free.
+/// Whether the panel can be seen. Its icons are at one of its ends.
 bool TrayHost::isPainted(const Picture& picture) const {
   if (picture.width == 0) return false;
-  const Rect covered = place();
-  const std::uint32_t ground = groundOf(look_);
-  return picture.at(int(covered.minX()), int(covered.minY())) == ground ||
-         picture.at(int(covered.maxX()) - 1, int(covered.maxY()) - 1) == ground;
+  const Point middle = place().centre();
+  return picture.at(int(middle.x), int(middle.y)) == groundOf(look_);
 }
 
 bool TrayHost::ownsXEmbedTray() const {

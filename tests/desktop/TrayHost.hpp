@@ -73,6 +73,7 @@ class TrayHost {
   void writeTint2Settings() const;
   void writeLxqtSettings() const;
   void writeXfceSettings() const;
+  void forgetXfceSettings() const;
   bool isServing() const;
   bool isPainted(const Picture& picture) const;
   bool ownsXEmbedTray() const;
