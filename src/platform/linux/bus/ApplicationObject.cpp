@@ -73,7 +73,7 @@ Message replyTo(GDBusMessage* message) {
 void refuse(GDBusConnection* connection, GDBusMessage* message, const char* error, const char* reason) {
   if (!wantsReply(message)) return;
   const Message reply(g_dbus_message_new_method_error_literal(message, error, reason));
-  MessageBus::sendOn(connection, reply.get());
+  MessageBus::send(connection, reply.get());
 }
 
 }  // namespace
@@ -125,7 +125,7 @@ class ApplicationObject::Calls {
     const auto calls = waiting_.withLock([](std::vector<Call>& waiting) { return std::exchange(waiting, {}); });
     for (const Call& call : calls) {
       show_(call.token);
-      if (call.reply) bus_.send(call.reply.get());
+      if (call.reply) MessageBus::send(bus_.connection(), call.reply.get());
     }
   }
 

@@ -56,7 +56,7 @@ void MessageBus::observe(MessageHandler handler) const {
                                [](gpointer user) { delete static_cast<MessageHandler*>(user); });
 }
 
-void MessageBus::sendOn(GDBusConnection* connection, GDBusMessage* message) {
+void MessageBus::send(GDBusConnection* connection, GDBusMessage* message) {
   g_dbus_connection_send_message(connection, message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
 }
 

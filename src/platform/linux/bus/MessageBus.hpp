@@ -47,9 +47,10 @@ class MessageBus {
   /// Has `handler` see all that comes in, on a thread of the library, and for a moment even after this object has gone.
   void observe(MessageHandler handler) const;
 
-  /// Sends a message, and does not wait for anything.
-  void send(GDBusMessage* message) const { sendOn(connection_.get(), message); }
-  static void sendOn(GDBusConnection* connection, GDBusMessage* message);
+  GDBusConnection* connection() const { return connection_.get(); }
+
+  /// Sends a message by a connection, and does not wait for anything.
+  static void send(GDBusConnection* connection, GDBusMessage* message);
 
  private:
   explicit MessageBus(GLibPointer<GDBusConnection> connection) : connection_(std::move(connection)) {}

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/XSettings.hpp"
 
+#include "platform/linux/x11/NamedAtom.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <cstddef>
@@ -55,12 +56,6 @@ class Reader {
   bool hasFailed_ = false;
 };
 
-xcb_atom_t atomNamed(const X11Connection& connection, std::string_view name) {
-  const auto asked = xcb_intern_atom(connection.get(), false, static_cast<std::uint16_t>(name.size()), name.data());
-  const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection.get(), asked, nullptr)};
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 }  // namespace
 
 std::map<std::string, std::string> parseXSettings(std::span<const std::uint8_t> bytes) {
@@ -87,8 +82,8 @@ std::map<std::string, std::string> parseXSettings(std::span<const std::uint8_t> 
 }
 
 std::map<std::string, std::string> readXSettings(const X11Connection& connection) {
-  const auto selection = atomNamed(connection, "_XSETTINGS_S0");
-  const auto settings = atomNamed(connection, "_XSETTINGS_SETTINGS");
+  const auto selection = namedAtom(connection, xsettingsSelection);
+  const auto settings = namedAtom(connection, "_XSETTINGS_SETTINGS");
   const auto askedOwner = xcb_get_selection_owner(connection.get(), selection);
   const X11Answer<xcb_get_selection_owner_reply_t> owner{
       xcb_get_selection_owner_reply(connection.get(), askedOwner, nullptr)};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ui/Appearance.hpp"
+
+#include <optional>
+#include <string_view>
+
+namespace orvel {
+
+/// The font of a description such as "Noto Sans Bold 10.5", without its style. Nothing when that is damaged, has no
+/// size in points, or one that nobody can want. Threads: any.
+std::optional<DesktopFont> parseFontDescription(std::string_view text);
+
+}  // namespace orvel

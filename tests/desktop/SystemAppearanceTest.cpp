@@ -1,0 +1,293 @@
+#include "desktop/SessionBus.hpp"
+#include "desktop/StoppedServer.hpp"
+#include "desktop/VirtualDesktop.hpp"
+#include "platform/linux/SystemAppearance.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+
+#include <gio/gio.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace orvel {
+namespace {
+
+constexpr auto portalName = "org.freedesktop.portal.Desktop";
+constexpr auto portalPath = "/org/freedesktop/portal/desktop";
+constexpr auto settings = "org.freedesktop.portal.Settings";
+constexpr auto appearanceGroup = "org.freedesktop.appearance";
+
+/// A desktop's portal, as far as it tells of light and dark.
+class Portal {
+ public:
+  enum class Age { old, current };
+
+  Portal(const std::string& address, std::uint32_t scheme, Age age = Age::current)
+      : scheme_(scheme), age_(age), bus_(*MessageBus::open(address, TimeLimit(patience))) {
+    bus_.observe([this](GDBusConnection* connection, GDBusMessage* message) { return answer(connection, message); });
+    bus_.call({.destination = "org.freedesktop.DBus",
+               .path = "/org/freedesktop/DBus",
+               .interface = "org.freedesktop.DBus",
+               .method = "RequestName",
+               .arguments = g_variant_new("(su)", portalName, 0u),
+               .replyType = "(u)"},
+              TimeLimit(patience));
+  }
+  ~Portal() { g_dbus_connection_close_sync(bus_.connection(), nullptr, nullptr); }
+  Portal(const Portal&) = delete;
+  Portal& operator=(const Portal&) = delete;
+
+  int timesAsked() const { return asked_; }
+
+  void change(GVariant* value, const char* group = appearanceGroup, const char* key = "color-scheme") const {
+    send(g_variant_new("(ssv)", group, key, value));
+  }
+  void send(GVariant* body) const {
+    g_dbus_connection_emit_signal(bus_.connection(), nullptr, portalPath, settings, "SettingChanged", body, nullptr);
+  }
+
+ private:
+  bool answer(GDBusConnection* connection, GDBusMessage* message) {
+    if (g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return false;
+    const std::string_view method = g_dbus_message_get_member(message);
+    const bool isKnown = method == "Read" || (method == "ReadOne" && age_ == Age::current);
+    if (!isKnown) return false;
+    GVariant* value = g_variant_new_uint32(scheme_);
+    const GLibPointer<GDBusMessage> reply(g_dbus_message_new_method_reply(message));
+    g_dbus_message_set_body(reply.get(), g_variant_new("(v)", method == "Read" ? g_variant_new_variant(value) : value));
+    MessageBus::send(connection, reply.get());
+    ++asked_;
+    return true;
+  }
+
+  const std::uint32_t scheme_;
+  const Age age_;
+  std::atomic<int> asked_ = 0;
+  const MessageBus bus_;
+};
+
+/// What hands out a desktop's settings by the X server.
+class SettingsDaemon {
+ public:
+  SettingsDaemon(const VirtualDesktop& desktop, const std::string& content)
+      : file_((desktop.home() / "xsettingsd.conf").string()) {
+    write(content);
+    process_.emplace(
+        ChildProcess::Program{.command = {"xsettingsd", "-c", file_}, .environment = desktop.environment()});
+  }
+
+  void change(const std::string& content) {
+    write(content);
+    process_->signal(SIGHUP);
+  }
+
+  void end() { process_.reset(); }
+
+ private:
+  void write(const std::string& content) const { std::ofstream(file_) << content; }
+
+  const std::string file_;
+  std::optional<ChildProcess> process_;
+};
+
+struct SystemAppearanceTest : testing::Test {
+  SystemAppearanceTest() { setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1); }
+  ~SystemAppearanceTest() override {
+    if (connection) connection->stopListening();
+    appearance.reset();
+  }
+
+  /// Makes the leaf and has it follow the desktop.
+  void open() {
+    connection = X11Connection::open(desktop.display());
+    appearance.emplace(*connection);
+    appearance->observe([this] { ++changes; });
+    connection->listen(
+        {.event = [this](const xcb_generic_event_t& event) { appearance->handle(event); }, .ended = [] {}});
+  }
+
+  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = patience) {
+    const Deadline deadline(limit);
+    while (!isSo()) {
+      if (deadline.left() == Milliseconds(0)) return false;
+      std::this_thread::sleep_for(Milliseconds(2));
+      QCoreApplication::processEvents();
+    }
+    return true;
+  }
+
+  bool becomes(std::optional<bool> isDark) {
+    return eventually([&] { return appearance->isDark() == isDark; });
+  }
+
+  bool isToldOf(int count) {
+    return eventually([&] { return changes == count; });
+  }
+
+  int argumentCount = 1;
+  std::string name = "test";
+  char* arguments[2] = {name.data(), nullptr};
+  const QCoreApplication application{argumentCount, arguments};
+  VirtualDesktop desktop;
+  SessionBus bus{desktop};
+  std::unique_ptr<X11Connection> connection;
+  std::optional<SystemAppearance> appearance;
+  int changes = 0;
+};
+
+TEST_F(SystemAppearanceTest, NobodySaysAnything) {
+  open();
+  EXPECT_FALSE(eventually([&] { return changes > 0; }, lull));
+  EXPECT_EQ(appearance->isDark(), std::nullopt);
+  EXPECT_EQ(appearance->font(), std::nullopt);
+}
+
+TEST_F(SystemAppearanceTest, ThePortalSaysIt) {
+  const Portal portal(bus.address(), 1);
+  open();
+  EXPECT_TRUE(becomes(true));
+  EXPECT_TRUE(isToldOf(1));
+  EXPECT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
+}
+
+TEST_F(SystemAppearanceTest, AnOldPortalSaysItToo) {
+  const Portal portal(bus.address(), 2, Portal::Age::old);
+  open();
+  EXPECT_TRUE(becomes(false));
+}
+
+TEST_F(SystemAppearanceTest, ChangesOfThePortalAreFollowed) {
+  const Portal portal(bus.address(), 1);
+  open();
+  ASSERT_TRUE(becomes(true));
+  ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
+  portal.change(g_variant_new_uint32(2));
+  EXPECT_TRUE(becomes(false));
+  EXPECT_TRUE(isToldOf(2));
+  portal.change(g_variant_new_variant(g_variant_new_uint32(1)));
+  EXPECT_TRUE(becomes(true));
+  portal.change(g_variant_new_uint32(0));
+  EXPECT_TRUE(becomes(std::nullopt));
+  EXPECT_TRUE(isToldOf(4));
+}
+
+TEST_F(SystemAppearanceTest, APortalThatComesLaterIsAsked) {
+  open();
+  {
+    const Portal portal(bus.address(), 2);
+    EXPECT_TRUE(becomes(false));
+  }
+  const Portal next(bus.address(), 1);
+  EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(SystemAppearanceTest, ThePortalIsNotStarted) {
+  const auto mark = desktop.home() / "was-started";
+  std::ofstream(desktop.home() / "run/dbus-1/services/org.freedesktop.portal.Desktop.service")
+      << "[D-BUS Service]\nName=" << portalName << "\nExec=/usr/bin/touch " << mark.string() << "\n";
+  bus.stop();
+  bus.start();
+  open();
+  EXPECT_FALSE(eventually([&] { return std::filesystem::exists(mark); }, 3 * lull));
+}
+
+TEST_F(SystemAppearanceTest, NonsenseOfThePortalIsHarmless) {
+  const Portal portal(bus.address(), 1);
+  open();
+  ASSERT_TRUE(becomes(true));
+  ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
+  portal.change(g_variant_new_string("2"));
+  portal.change(g_variant_new_int32(2));
+  portal.change(g_variant_new_uint32(2), "org.example.other");
+  portal.change(g_variant_new_uint32(2), appearanceGroup, "contrast");
+  portal.send(g_variant_new("(s)", appearanceGroup));
+  portal.send(g_variant_new("(ssu)", appearanceGroup, "color-scheme", 2u));
+  GVariant* nested = g_variant_new_string("2");
+  for (int i = 0; i < 20; ++i) nested = g_variant_new_variant(nested);
+  portal.change(nested);
+  EXPECT_FALSE(eventually([&] { return appearance->isDark() != true || changes > 1; }, lull));
+  portal.change(g_variant_new_uint32(17));
+  EXPECT_TRUE(becomes(std::nullopt));
+}
+
+TEST_F(SystemAppearanceTest, WithoutThePortalTheThemeSaysIt) {
+  SettingsDaemon daemon(desktop, "Net/ThemeName \"Adwaita-dark\"\nGtk/FontName \"Noto Sans Bold 10.5\"\n");
+  open();
+  EXPECT_TRUE(becomes(true));
+  EXPECT_TRUE(eventually([&] { return appearance->font() == (DesktopFont{"Noto Sans", 10.5}); }));
+}
+
+TEST_F(SystemAppearanceTest, ThePortalWinsUnlessItLeavesItOpen) {
+  SettingsDaemon daemon(desktop, "Net/ThemeName \"Adwaita-dark\"\n");
+  const Portal portal(bus.address(), 2);
+  open();
+  ASSERT_TRUE(becomes(false));
+  ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
+  portal.change(g_variant_new_uint32(0));
+  EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(SystemAppearanceTest, ChangesOfTheThemeAndTheFontAreFollowed) {
+  open();
+  SettingsDaemon daemon(desktop, "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
+  EXPECT_TRUE(becomes(false)) << "a daemon that starts late";
+  EXPECT_TRUE(isToldOf(1));
+  daemon.change("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 11\"\n");
+  EXPECT_TRUE(becomes(true));
+  EXPECT_TRUE(isToldOf(2));
+  daemon.change("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 12\"\n");
+  EXPECT_TRUE(eventually([&] { return appearance->font() == (DesktopFont{"Cantarell", 12}); }));
+  EXPECT_TRUE(isToldOf(3));
+  daemon.end();
+  EXPECT_TRUE(becomes(std::nullopt));
+  EXPECT_EQ(appearance->font(), std::nullopt);
+}
+
+TEST_F(SystemAppearanceTest, ABusThatHangsHoldsNobodyUp) {
+  const Portal portal(bus.address(), 1);
+  bus.signal(SIGSTOP);
+  const Deadline deadline(Milliseconds(1000));
+  open();
+  EXPECT_EQ(appearance->isDark(), std::nullopt);
+  connection->stopListening();
+  appearance.reset();
+  connection = nullptr;
+  open();
+  EXPECT_GT(deadline.left(), Milliseconds(0));
+  bus.signal(SIGCONT);
+  EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(SystemAppearanceTest, AMissingBusIsHarmless) {
+  for (const char* address : {"", "disabled:", "unix:path=/nowhere"}) {
+    setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
+    const auto server = X11Connection::open(desktop.display());
+    EXPECT_EQ(SystemAppearance(*server).isDark(), std::nullopt) << address;
+  }
+}
+
+TEST_F(SystemAppearanceTest, AServerThatHangsHoldsNobodyUp) {
+  SettingsDaemon daemon(desktop, "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
+  open();
+  ASSERT_TRUE(becomes(false));
+  const StoppedServer stopped(desktop);
+  const Deadline deadline(Milliseconds(500));
+  EXPECT_EQ(appearance->isDark(), false);
+  EXPECT_EQ(appearance->font(), (DesktopFont{"Cantarell", 11}));
+  EXPECT_GT(deadline.left(), Milliseconds(0));
+}
+
+}  // namespace
+}  // namespace orvel
