@@ -42,6 +42,7 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
   std::shared_ptr<const DisplayLayout> layout() const override { return layout_; }
 
   bool isTrusted() override { return true; }
+  std::string advice() const override { return {}; }
   bool prompt() override { return false; }
   bool openSettings() override { return false; }
 

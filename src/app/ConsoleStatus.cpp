@@ -18,10 +18,11 @@ ConsoleStatus::ConsoleStatus(std::ostream& out, std::string address) : out_(out)
 
 void ConsoleStatus::show(const HubState& was, const HubState& next) {
   if (next.isRunning && !was.isRunning) {
-    out_ << "Listening on " << address_ << "\nTo pair a phone: orvel --pair\n";
+    out_ << "Listening on " << address_
+         << "\nTo pair a phone: orvel --show opens the panel, orvel --pair prints what a phone needs\n";
   }
   if (next.lastError && next.lastError != was.lastError) {
-    out_ << *next.lastError << "\nHere that is: end this with Ctrl-C and start it again.\n";
+    out_ << *next.lastError << "\nThe panel has that button: orvel --show opens it.\n";
   }
   if (next.clients.size() != was.clients.size()) out_ << phonesConnected(next.clients.size()) << '\n';
   if (next.mirroring != was.mirroring) {

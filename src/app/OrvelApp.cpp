@@ -4,6 +4,7 @@
 #include "platform/Platform.hpp"
 #include "session/Machine.hpp"
 #include "session/NetworkInfo.hpp"
+#include "ui/Foreground.hpp"
 #include "ui/MainLoop.hpp"
 
 #include <chrono>
@@ -83,19 +84,57 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                             .mainThread = mainLoop,
                             .network = network_,
                             .services = services_})),
+      panelQueue_(sessionWorkers_.makeSerialQueue()),
+      panelService_({.hub = hub_,
+                     .machine = platform.machine(),
+                     .mainThread = mainLoop,
+                     .pairing = pairing_,
+                     .permission = permission_,
+                     .slowQueue = *panelQueue_,
+                     .trust = platform.trust(),
+                     .quit = [this] { mainLoop_.quit(0); }}),
+      loginItem_(platform.loginItem()),
+      menuBarExtra_({.appearance = platform.appearance(),
+                     .clock = clock_,
+                     .foreground = platform.foreground(),
+                     .host = panelService_,
+                     .loginItem = loginItem_,
+                     .statusItem = platform.statusItem()}),
       status_(std::cout, addressToShow(platform.machine())),
       delegate_(hub_, permission_, platform.workspace(), mainLoop) {
-  hub_->observe([this](const HubState& next) { status_.show(hub_->state(), next); });
+  hub_->observe([this](const HubState& next) {
+    status_.show(hub_->state(), next);
+    refreshPanelSoon();
+  });
+  panelService_.observe([this] { menuBarExtra_.refresh(); });
 }
 
 OrvelApp::~OrvelApp() = default;
 
-int OrvelApp::run() {
+void OrvelApp::refreshPanelSoon() {
+  // The hub tells of a change before it takes effect.
+  mainLoop_.post([this] { menuBarExtra_.refresh(); });
+}
+
+void OrvelApp::showPanel(const std::string& token) {
+  menuBarExtra_.openPanel(token);
+}
+
+void OrvelApp::greet(const Start& start) {
+  menuBarExtra_.show([this, start](bool hasIcon) {
+    if (start.inBackground || hasIcon) return platform_.foreground().finishStart(start.token);
+    showPanel(start.token);
+  });
+}
+
+int OrvelApp::run(const Start& start) {
   // Read before the first phone comes: whatever happens to the file later, this one is known.
   pairing_.token();
   delegate_.applicationDidFinishLaunching();
+  greet(start);
   const int exitCode = mainLoop_.run();
   const DesktopPatience patience(platform_);
+  menuBarExtra_.closePanel();
   keyboard_.stop();
   platform_.stopTyping();
   delegate_.applicationWillTerminate();

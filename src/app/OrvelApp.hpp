@@ -2,6 +2,7 @@
 
 #include "app/ConsoleStatus.hpp"
 #include "app/HelperDelegate.hpp"
+#include "app/PanelService.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "catalog/AppCatalog.hpp"
@@ -14,8 +15,11 @@
 #include "session/ClientSession.hpp"
 #include "session/NetworkThread.hpp"
 #include "session/PairingStore.hpp"
+#include "ui/LoginItem.hpp"
+#include "ui/MenuBarExtra.hpp"
 
 #include <memory>
+#include <string>
 
 namespace orvel {
 
@@ -26,6 +30,12 @@ class ServerHub;
 /// The application: holds the one object of each kind, ties them together and runs them. Threads: the main thread.
 class OrvelApp {
  public:
+  /// How it was started.
+  struct Start {
+    bool inBackground = false;  ///< Whether the panel stays closed even where there is no icon to open it from.
+    std::string token{};        ///< The desktop's proof that the user wished the start; may be empty.
+  };
+
   OrvelApp(MainLoop& mainLoop, Platform& platform);
   ~OrvelApp();
   OrvelApp(const OrvelApp&) = delete;
@@ -33,9 +43,15 @@ class OrvelApp {
 
   /// Runs until the main loop is told to quit, then closes every connection, lets go of every held button and key,
   /// and returns the exit code.
-  int run();
+  int run(const Start& start);
+
+  /// Opens the panel, or brings it to the front. `token` is the desktop's proof that the user wished it; may be empty.
+  void showPanel(const std::string& token);
 
  private:
+  void refreshPanelSoon();
+  void greet(const Start& start);
+
   MainLoop& mainLoop_;
   Platform& platform_;
   SystemClock clock_;
@@ -55,6 +71,10 @@ class OrvelApp {
   NetworkThread network_;
   const SessionServices services_;
   const std::shared_ptr<ServerHub> hub_;
+  const std::unique_ptr<Executor> panelQueue_;
+  PanelService panelService_;
+  LoginItem loginItem_;
+  MenuBarExtra menuBarExtra_;
   ConsoleStatus status_;
   HelperDelegate delegate_;
 };

@@ -1,14 +1,12 @@
 #include "app/ServerHub.hpp"
 
+#include "app/PairingPayload.hpp"
 #include "input/PermissionGate.hpp"
 #include "session/Advertiser.hpp"
 #include "session/ClientSession.hpp"
 #include "session/Machine.hpp"
-#include "session/NetworkInfo.hpp"
-#include "session/PairingStore.hpp"
 
 #include <boost/functional/hash.hpp>
-#include <boost/json/serialize.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -20,7 +18,6 @@ constexpr Seconds permissionInterval{1.5};
 constexpr Seconds keepAliveIdle{10};
 constexpr std::size_t maximumMessageSize = 8'388'608;
 constexpr const char* serviceType = "_orvel._tcp";
-constexpr int pairingPayloadVersion = 1;
 
 /// Judged by the error, not by its words, which follow the user's language.
 std::string wordingOf(const std::error_code& error) {
@@ -190,12 +187,7 @@ void ServerHub::permissionTick() {
 }
 
 std::string ServerHub::pairingPayload() const {
-  return boost::json::serialize(
-      boost::json::object{{"v", pairingPayloadVersion},
-                          {"host", NetworkInfo::localAddress(dependencies_.services.machine).value_or("")},
-                          {"port", port_},
-                          {"token", dependencies_.services.pairing.token()},
-                          {"name", displayName(dependencies_.services.machine)}});
+  return orvel::pairingPayload(dependencies_.services.machine, dependencies_.services.pairing, port_);
 }
 
 }  // namespace orvel

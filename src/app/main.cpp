@@ -1,89 +1,100 @@
+#include "app/CommandLine.hpp"
 #include "app/OrvelApp.hpp"
-#include "app/ServerHub.hpp"
+#include "app/PairCommand.hpp"
 #include "app/TerminationSignals.hpp"
+#include "platform/Instance.hpp"
 #include "platform/Platform.hpp"
-#include "session/Machine.hpp"
-#include "session/NetworkInfo.hpp"
-#include "session/PairingStore.hpp"
-#include "session/Preferences.hpp"
 #include "ui/MainLoop.hpp"
 
+#include <cstddef>
+#include <functional>
 #include <iostream>
+#include <memory>
+#include <span>
 #include <string>
-#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
 
 namespace {
 
+using orvel::CommandLine::Command;
+
 constexpr int usageError = 2;
 constexpr int noDesktop = 1;
-constexpr int notStored = 1;
+constexpr int noneRuns = 1;
 
-constexpr std::string_view usage =
-    "Usage: orvel [option]\n"
-    "\n"
-    "Lets a phone on the same network be this computer's mouse, keyboard and launcher.\n"
-    "Without an option it runs until Ctrl-C.\n"
-    "\n"
-    "  --pair     print the address and the code that a phone needs, and exit\n"
-    "  --version  print the version, and exit\n"
-    "  --help     print this, and exit\n";
+int fail(int exitCode, const std::string& reason) {
+  std::cerr << "orvel: " << reason << '\n';
+  return exitCode;
+}
 
-int runApplication(int argc, char** argv) {
-  // Made before the platform, so that it outlives the platform's threads, which post to it.
-  orvel::MainLoop mainLoop(argc, argv);
+std::vector<std::string> toolkitArguments() {
+  std::vector<std::string> arguments = orvel::toolkitOptions();
+  arguments.insert(arguments.begin(), "orvel");
+  return arguments;
+}
+
+int runApplication(orvel::MainLoop& mainLoop, orvel::Instance& instance, bool inBackground,
+                   std::function<void(const std::string&)>& showPanel) {
   auto opened = orvel::openPlatform();
-  if (const auto* reason = std::get_if<std::string>(&opened)) {
-    std::cerr << *reason << '\n';
-    return noDesktop;
-  }
+  if (const auto* reason = std::get_if<std::string>(&opened)) return fail(noDesktop, *reason);
   auto& platform = *std::get<std::unique_ptr<orvel::Platform>>(opened);
   const orvel::TerminationSignals signals([&] { mainLoop.quit(0); });
   platform.observeEnd([&] {
     std::cerr << "The desktop has gone.\n";
     mainLoop.quit(noDesktop);
   });
-  return orvel::OrvelApp(mainLoop, platform).run();
+  orvel::OrvelApp app(mainLoop, platform);
+  showPanel = [&app](const std::string& token) { app.showPanel(token); };
+  return app.run({.inBackground = inBackground, .token = instance.token()});
 }
 
-std::string pairingCode() {
-  const auto preferences = orvel::openPreferences();
-  return orvel::PairingStore(*preferences).displayToken();
+int run(bool inBackground) {
+  if (const auto reason = orvel::missingDesktop()) return fail(noDesktop, *reason);
+  const auto instance = orvel::openInstance();
+  // Made before the platform, so that it outlives the platform's threads, which post to it.
+  orvel::MainLoop mainLoop(toolkitArguments());
+  std::function<void(const std::string&)> showPanel;
+  const bool isFirst = instance->claim([&showPanel](const std::string& token) { showPanel(token); });
+  if (isFirst) return runApplication(mainLoop, *instance, inBackground, showPanel);
+  if (inBackground || instance->showOther()) return 0;
+  return fail(noneRuns, "the Orvel that runs does not answer. End it, then start Orvel again.");
 }
 
-int printPairing() {
-  const std::string code = pairingCode();
-  // Read anew: a code that could not be stored is another one for everybody who asks.
-  if (pairingCode() != code) {
-    std::cerr << "The pairing code cannot be stored, so no phone can use it: please make the file orvel/orvel.conf in "
-                 "your configuration folder writable.\n";
-    return notStored;
+int showPanel() {
+  if (orvel::openInstance()->showOther()) return 0;
+  return fail(noneRuns, "no Orvel runs here that could show its panel. Start it with: orvel");
+}
+
+int perform(Command command) {
+  switch (command) {
+    case Command::run:
+      return run(false);
+    case Command::runInBackground:
+      return run(true);
+    case Command::showPanel:
+      return showPanel();
+    case Command::pair:
+      return orvel::printPairing();
+    case Command::printVersion:
+      std::cout << "orvel " ORVEL_VERSION "\n";
+      return 0;
+    case Command::printHelp:
+      std::cout << orvel::CommandLine::usage;
+      return 0;
   }
-  const auto address = orvel::NetworkInfo::localAddress(*orvel::openMachine());
-  std::cout << "Address: "
-            << (address ? *address + " port " + std::to_string(orvel::ServerHub::defaultPort)
-                        : "none, as this computer is not on a network")
-            << "\nCode:    " << code << '\n';
-  return 0;
+  return usageError;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string_view option = argc > 1 ? argv[1] : "";
-  if (argc > 2) {
-    std::cerr << "orvel: only one option at a time\n" << usage;
+  const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
+  const auto parsed = orvel::CommandLine::parse(arguments.empty() ? arguments : arguments.subspan(1));
+  if (const auto* error = std::get_if<std::string>(&parsed)) {
+    std::cerr << "orvel: " << *error << "\n\n" << orvel::CommandLine::usage;
     return usageError;
   }
-  if (option.empty()) return runApplication(argc, argv);
-  if (option == "--pair") return printPairing();
-  if (option == "--help") {
-    std::cout << usage;
-    return 0;
-  }
-  if (option == "--version") {
-    std::cout << "orvel " ORVEL_VERSION "\n";
-    return 0;
-  }
-  std::cerr << "orvel: unknown option '" << option << "'\n" << usage;
-  return usageError;
+  return perform(std::get<Command>(parsed));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace orvel {
 
 /// The desktop's answer to "may this program post input?". Threads: any.
@@ -9,6 +11,9 @@ class TrustCheck {
 
   /// Asks the desktop now.
   virtual bool isTrusted() = 0;
+
+  /// What its user can do here to give the permission, where that is not what macOS asks for; otherwise empty.
+  virtual std::string advice() const = 0;
 
   /// Has the desktop ask the user for the permission. False where the desktop has no such question.
   virtual bool prompt() = 0;

@@ -2,22 +2,28 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace orvel {
 
 class AccessibilityTree;
 class Advertiser;
+class Appearance;
 class ApplicationBundles;
 class CaptureService;
 class Displays;
 class EventPoster;
+class Foreground;
 class JPEGEncoder;
+class LoginItemService;
 class Machine;
 class Preferences;
 class ScreenRecordingAccess;
 class SocketTuner;
+class StatusItem;
 class TrustCheck;
 class Workspace;
 
@@ -28,15 +34,19 @@ class Platform {
 
   virtual AccessibilityTree& accessibility() = 0;
   virtual Advertiser& advertiser() = 0;
+  virtual Appearance& appearance() = 0;
   virtual ApplicationBundles& bundles() = 0;
   virtual CaptureService& capture() = 0;
   virtual Displays& displays() = 0;
   virtual JPEGEncoder& encoder() = 0;
   virtual EventPoster& events() = 0;
+  virtual Foreground& foreground() = 0;
+  virtual LoginItemService& loginItem() = 0;
   virtual Machine& machine() = 0;
   virtual Preferences& preferences() = 0;
   virtual ScreenRecordingAccess& screenRecording() = 0;
   virtual SocketTuner& socketTuner() = 0;
+  virtual StatusItem& statusItem() = 0;
   virtual TrustCheck& trust() = 0;
   virtual Workspace& workspace() = 0;
 
@@ -50,6 +60,13 @@ class Platform {
   /// Parts from a desktop that does not answer any more: who waits for it gets nothing. Threads: any.
   virtual void giveUp() = 0;
 };
+
+/// Why there is no desktop to work on, in a sentence for the user; nothing when there is one. Asked before anything else
+/// is made, for the toolkit ends a program that has no desktop.
+std::optional<std::string> missingDesktop();
+
+/// What the toolkit has to be told so that it works with the same desktop as `Platform`.
+std::vector<std::string> toolkitOptions();
 
 /// Opens the desktop of this login, or says in a sentence for the user why there is none.
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform();

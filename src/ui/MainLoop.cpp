@@ -38,10 +38,21 @@ class Inbox final : public QObject {
   Guarded<std::vector<Task>> tasks_;
 };
 
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
 }  // namespace
 
 struct MainLoop::Application {
-  Application(int& argc, char** argv) : toolkit(argc, argv) {
+  explicit Application(std::vector<std::string> texts)
+      : arguments(std::move(texts)),
+        pointers(pointersTo(arguments)),
+        count(static_cast<int>(arguments.size())),
+        toolkit(count, pointers.data()) {
     // The panel comes and goes; the program stays.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setApplicationDisplayName(QStringLiteral("Orvel"));
@@ -52,11 +63,16 @@ struct MainLoop::Application {
         [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); }, Qt::DirectConnection);
   }
 
+  // The toolkit keeps references to all three.
+  std::vector<std::string> arguments;
+  std::vector<char*> pointers;
+  int count;
   QApplication toolkit;
   Inbox inbox;
 };
 
-MainLoop::MainLoop(int& argc, char** argv) : application_(std::make_unique<Application>(argc, argv)) {}
+MainLoop::MainLoop(std::vector<std::string> arguments)
+    : application_(std::make_unique<Application>(std::move(arguments))) {}
 
 MainLoop::~MainLoop() = default;
 

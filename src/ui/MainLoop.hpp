@@ -3,6 +3,8 @@
 #include "base/Executor.hpp"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace orvel {
 
@@ -12,8 +14,8 @@ namespace orvel {
 /// not run.
 class MainLoop final : public Executor {
  public:
-  /// Takes the program's arguments, which it may keep.
-  MainLoop(int& argc, char** argv);
+  /// Takes the name of the program and options for the toolkit.
+  explicit MainLoop(std::vector<std::string> arguments);
   ~MainLoop() override;
   MainLoop(const MainLoop&) = delete;
   MainLoop& operator=(const MainLoop&) = delete;

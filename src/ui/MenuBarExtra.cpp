@@ -45,12 +45,8 @@ MenuBarExtra::~MenuBarExtra() {
   delete panel_.release();
 }
 
-void MenuBarExtra::show() {
-  parts_.statusItem.show(shownLabel_, [this] { iconActivated(); });
-}
-
-bool MenuBarExtra::hasIcon() const {
-  return parts_.statusItem.isShown();
+void MenuBarExtra::show(std::function<void(bool hasIcon)> decided) {
+  parts_.statusItem.show(shownLabel_, {.activated = [this] { iconActivated(); }, .decided = std::move(decided)});
 }
 
 Symbol MenuBarExtra::label() const {
@@ -80,7 +76,7 @@ void MenuBarExtra::openPanel(const std::string& token) {
 }
 
 void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
-  const auto kind = hasIcon() ? PanelWindow::Kind::besideIcon : PanelWindow::Kind::normal;
+  const auto kind = parts_.statusItem.isShown() ? PanelWindow::Kind::besideIcon : PanelWindow::Kind::normal;
   panel_.reset(new PanelWindow(kind, parts_.host, parts_.loginItem, parts_.appearance, [this] { dismissPanel(); }));
   panel_->open(icon);
   parts_.foreground.bring(panel_->winId(), token);

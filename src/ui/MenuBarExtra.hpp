@@ -4,6 +4,7 @@
 #include "base/Geometry.hpp"
 #include "ui/Symbol.hpp"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,11 +36,8 @@ class MenuBarExtra {
   MenuBarExtra(const MenuBarExtra&) = delete;
   MenuBarExtra& operator=(const MenuBarExtra&) = delete;
 
-  /// Shows the icon. Called once.
-  void show();
-
-  /// Whether the desktop has a place for the icon now.
-  bool hasIcon() const;
+  /// Shows the icon. `decided` is called once it is known whether the desktop has a place for it. Called once.
+  void show(std::function<void(bool hasIcon)> decided);
 
   /// Opens the panel, or brings it to the front: beside its icon, or as a normal window where there is none. `token` is
   /// the desktop's proof that the user wished it, if there is one.

@@ -125,7 +125,7 @@ QWidget* PanelRowMaker::operator()(const PanelToggle& toggle) const {
   box->setObjectName(QStringLiteral("startAtLogin"));
   box->setFont(look_.font(PanelFont::body));
   box->setChecked(toggle.isOn);
-  QObject::connect(box, &ToggleSwitch::clicked, box,
+  QObject::connect(box, &ToggleSwitch::toggled, box,
                    [&handlers = handlers_](bool on) { handlers.setStartAtLogin(on); });
   return box;
 }

@@ -41,7 +41,7 @@ Qt::WindowFlags flagsOf(PanelWindow::Kind kind) {
 
 PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
                          std::function<void()> dismissed)
-    : QWidget(nullptr, flagsOf(kind)),
+    : QDialog(nullptr, flagsOf(kind)),
       kind_(kind),
       appearance_(appearance),
       dismissed_(std::move(dismissed)),
@@ -99,7 +99,7 @@ void PanelWindow::fit() {
 
 bool PanelWindow::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate && kind_ == Kind::besideIcon) dismissed_();
-  return QWidget::event(event);
+  return QDialog::event(event);
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {
@@ -109,7 +109,8 @@ void PanelWindow::closeEvent(QCloseEvent* event) {
 
 void PanelWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape) return dismissed_();
-  QWidget::keyPressEvent(event);
+  // A dialog would press a button for Return that nobody has chosen.
+  event->ignore();
 }
 
 void PanelWindow::paintEvent(QPaintEvent*) {

@@ -4,8 +4,8 @@
 #include "ui/PanelModel.hpp"
 
 #include <QColor>
+#include <QDialog>
 #include <QTimer>
-#include <QWidget>
 #include <functional>
 
 class QScrollArea;
@@ -20,7 +20,7 @@ class PanelView;
 /// of the login's list changes without telling.
 ///
 /// Threads: the main thread.
-class PanelWindow final : public QWidget {
+class PanelWindow final : public QDialog {
  public:
   enum class Kind { besideIcon, normal };
 

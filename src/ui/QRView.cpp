@@ -31,6 +31,7 @@ QRView::QRView(const QRImage& code, double side)
       margin_(std::ceil(marginInModules * side / static_cast<double>(code.modulesPerSide))) {
   const int whole = static_cast<int>(std::lround(side_ + 2 * margin_));
   setFixedSize(whole, whole);
+  setAccessibleName(QStringLiteral("QR code"));
 }
 
 void QRView::paintEvent(QPaintEvent*) {

@@ -13,9 +13,16 @@ class StatusItem {
  public:
   virtual ~StatusItem() = default;
 
+  struct Handlers {
+    /// Somebody clicks on the icon.
+    std::function<void()> activated;
+    /// The desktop has said for the first time whether it has a place for the icon. Called once.
+    std::function<void(bool hasPlace)> decided;
+  };
+
   /// Shows the icon as soon as the desktop has a place for it, and again whenever that place has gone and come back.
-  /// `activated` is called for each click on it. Called once.
-  virtual void show(Symbol symbol, std::function<void()> activated) = 0;
+  /// Called once.
+  virtual void show(Symbol symbol, Handlers handlers) = 0;
 
   /// Shows another symbol.
   virtual void setSymbol(Symbol symbol) = 0;

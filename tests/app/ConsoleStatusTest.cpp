@@ -20,13 +20,13 @@ struct ConsoleStatusTest : testing::Test {
 };
 
 TEST_F(ConsoleStatusTest, SaysWhereItListensAndHowToPair) {
-  EXPECT_EQ(shown(idle, running), "Listening on 10.0.0.2:8787\nTo pair a phone: orvel --pair\n");
+  EXPECT_EQ(shown(idle, running), "Listening on 10.0.0.2:8787\nTo pair a phone: orvel --show opens the panel, orvel --pair prints what a phone needs\n");
   EXPECT_EQ(shown(running, running), "");
 }
 
 TEST_F(ConsoleStatusTest, SaysWhatWentWrong) {
   EXPECT_EQ(shown(idle, {.lastError = "Port taken."}),
-            "Port taken.\nHere that is: end this with Ctrl-C and start it again.\n");
+            "Port taken.\nThe panel has that button: orvel --show opens it.\n");
   EXPECT_EQ(shown({.lastError = "Port taken."}, {.lastError = "Port taken."}), "");
 }
 

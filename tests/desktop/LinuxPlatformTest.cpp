@@ -33,9 +33,16 @@ std::variant<std::unique_ptr<Platform>, std::string> openAt(const std::string& d
 
 TEST(LinuxPlatformTest, WithoutADesktopItSaysSo) {
   unsetenv("DISPLAY");
-  const auto unnamed = openPlatform();
-  ASSERT_TRUE(std::holds_alternative<std::string>(unnamed));
-  EXPECT_EQ(std::get<std::string>(unnamed), "Orvel needs a desktop to work on: no X display is named in DISPLAY.");
+  unsetenv("WAYLAND_DISPLAY");
+  EXPECT_EQ(missingDesktop(),
+            "Orvel needs a desktop to work on: there is none here, as neither DISPLAY nor WAYLAND_DISPLAY is set. Start "
+            "it from the applications menu or from a terminal of your desktop.");
+  setenv("WAYLAND_DISPLAY", "wayland-0", 1);
+  EXPECT_EQ(missingDesktop(),
+            "Orvel needs a desktop to work on: this Wayland session has no Xwayland, which it works through. Install it "
+            "(package xwayland), or log in to an X11 session.");
+  setenv("DISPLAY", ":4095", 1);
+  EXPECT_EQ(missingDesktop(), "Orvel needs a desktop to work on: no X display answers at \":4095\".");
   const auto missing = openAt(":4095");
   ASSERT_TRUE(std::holds_alternative<std::string>(missing));
   EXPECT_EQ(std::get<std::string>(missing), "Orvel needs a desktop to work on: no X display answers at \":4095\".");
@@ -45,6 +52,12 @@ TEST(LinuxPlatformTest, PreferencesAndMachineNeedNoDesktop) {
   unsetenv("DISPLAY");
   EXPECT_NE(openPreferences(), nullptr);
   EXPECT_NE(openMachine(), nullptr);
+}
+
+TEST(LinuxPlatformTest, ADesktopThatIsThereIsNotMissed) {
+  const VirtualDesktop desktop;
+  setenv("DISPLAY", desktop.display().c_str(), 1);
+  EXPECT_EQ(missingDesktop(), std::nullopt);
 }
 
 struct OpenPlatformTest : testing::Test {

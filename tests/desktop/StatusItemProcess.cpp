@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   orvel::SystemStatusItem item;
-  item.show(orvel::Symbol::cursorArrow, [] { orvel::say("activated"); });
+  item.show(orvel::Symbol::cursorArrow, {.activated = [] { orvel::say("activated"); }, .decided = {}});
 
   orvel::WindowCommands commands;
   QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);

@@ -88,6 +88,10 @@ void WindowManager::minimise(xcb_window_t window) const {
   tell(window, "WM_CHANGE_STATE", iconicState);
 }
 
+void WindowManager::close(xcb_window_t window) const {
+  tell(window, "_NET_CLOSE_WINDOW", 0);
+}
+
 void WindowManager::moveToWorkspace(xcb_window_t window, std::uint32_t workspace) const {
   tell(window, "_NET_WM_DESKTOP", workspace);
 }

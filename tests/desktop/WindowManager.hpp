@@ -34,6 +34,9 @@ class WindowManager {
   bool isMinimised(xcb_window_t window) const;
 
   void minimise(xcb_window_t window) const;
+
+  /// Asks the program to close its window, as the button in its frame does.
+  void close(xcb_window_t window) const;
   void moveToWorkspace(xcb_window_t window, std::uint32_t workspace) const;
 
   void kill();

@@ -14,9 +14,10 @@ namespace orvel {
 /// A tray icon that a test clicks.
 class FakeStatusItem final : public StatusItem {
  public:
-  void show(Symbol symbol, std::function<void()> activated) override {
+  void show(Symbol symbol, Handlers handlers) override {
     symbols.push_back(symbol);
-    click = std::move(activated);
+    click = std::move(handlers.activated);
+    decide = [this, decided = std::move(handlers.decided)] { decided(hasTray); };
   }
   void setSymbol(Symbol symbol) override { symbols.push_back(symbol); }
   bool isShown() const override { return hasTray; }
@@ -26,6 +27,7 @@ class FakeStatusItem final : public StatusItem {
   std::optional<Rect> where = Rect{{700, 0}, {24, 24}};
   std::vector<Symbol> symbols;
   std::function<void()> click;
+  std::function<void()> decide;
 };
 
 /// A desktop whose look a test changes.

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -49,6 +50,7 @@ class RecordingDesktop final : public EventPoster, public Displays, public Trust
   }
 
   bool isTrusted() override { return trusted; }
+  std::string advice() const override { return "Advice of the desktop."; }
   bool prompt() override {
     ++prompts;
     return true;

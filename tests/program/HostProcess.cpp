@@ -26,10 +26,16 @@ std::int64_t processorTicksIn(const std::filesystem::path& stat) {
   return own + kernel;
 }
 
+std::vector<std::string> commandWith(std::vector<std::string> options) {
+  options.insert(options.begin(), ORVEL_PROGRAM);
+  return options;
+}
+
 }  // namespace
 
-HostProcess::HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment)
-    : desktop_(desktop), process_({.command = {ORVEL_PROGRAM}, .environment = environment}) {}
+HostProcess::HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment,
+                         const std::vector<std::string>& options)
+    : desktop_(desktop), process_({.command = commandWith(options), .environment = environment}) {}
 
 std::string HostProcess::code() const {
   ChildProcess asked({.command = {ORVEL_PROGRAM, "--pair"}, .environment = desktop_.environment()});

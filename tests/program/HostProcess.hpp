@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace orvel {
 
@@ -16,8 +17,10 @@ class HostProcess {
 
   explicit HostProcess(const VirtualDesktop& desktop) : HostProcess(desktop, desktop.environment()) {}
 
-  /// The same, with more around it than a desktop alone has, such as a message bus.
-  HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment);
+  /// The same, with more around it than a desktop alone has, such as a message bus. Without other options it keeps its
+  /// panel to itself.
+  HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment,
+              const std::vector<std::string>& options = {"--background"});
 
   /// Whether phones can connect, in time.
   bool waitUntilListening() { return process_.waitForOutput("Listening on "); }

@@ -22,7 +22,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct MenuBarExtraTest : testing::Test {
-  void SetUp() override { extra.show(); }
+  void SetUp() override {
+    extra.show([this](bool hasIcon) { decided.push_back(hasIcon); });
+  }
+
 
   /// The open panel; nothing when there is none.
   static QWidget* panel() {
@@ -52,6 +55,7 @@ struct MenuBarExtraTest : testing::Test {
   FakeStatusItem icon;
   FakeAppearance appearance;
   FakeForeground foreground;
+  std::vector<bool> decided;
   MenuBarExtra extra{{.appearance = appearance,
                       .clock = clock,
                       .foreground = foreground,
@@ -63,6 +67,12 @@ struct MenuBarExtraTest : testing::Test {
 TEST_F(MenuBarExtraTest, StartsWithTheIconAlone) {
   EXPECT_THAT(icon.symbols, ElementsAre(Symbol::cursorArrow));
   EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, TellsWhetherThereIsAnIcon) {
+  EXPECT_THAT(decided, IsEmpty());
+  icon.decide();
+  EXPECT_THAT(decided, ElementsAre(true));
 }
 
 TEST_F(MenuBarExtraTest, TheIconHasRaysWhilePhonesAreConnected) {

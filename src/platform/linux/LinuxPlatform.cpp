@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxPlatform.hpp"
 
+#include "platform/linux/files/ConfigurationFolders.hpp"
+#include "platform/linux/files/OwnProgram.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <malloc.h>
@@ -18,6 +20,11 @@ constexpr int largestKeptBlock = 256 * 1024;
 
 std::string needsDesktop(const std::string& reason) {
   return "Orvel needs a desktop to work on: " + reason;
+}
+
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
 }
 
 /// Every phone needs a descriptor, and the usual limit is meant for programs that wait for them by select(). Returns
@@ -42,10 +49,13 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, const st
                              const rlimit& openFiles)
     : connection_(std::move(connection)),
       accessibility_(*connection_),
+      appearance_(*connection_),
       bundles_(desktopEntries_),
       capture_(*connection_, display),
       displays_(*connection_),
       events_(*connection_, displays_),
+      foreground_(*connection_),
+      loginItem_(ConfigurationFolders::ofUser(), ownProgram()),
       screenRecording_(*connection_),
       trust_(*connection_),
       workspace_(*connection_, desktopEntries_, dataFolders_, openFiles) {}
@@ -53,6 +63,8 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, const st
 LinuxPlatform::~LinuxPlatform() {
   // Before the leaves go that its thread calls.
   connection_->stopListening();
+  // Nothing of the toolkit's is wanted any more, and it goes next.
+  toolkit_.breakOff();
 }
 
 bool LinuxPlatform::listen() {
@@ -60,6 +72,8 @@ bool LinuxPlatform::listen() {
                                   [this](const xcb_generic_event_t& event) {
                                     displays_.handle(event);
                                     events_.handle(event);
+                                    appearance_.handle(event);
+                                    foreground_.handle(event);
                                     workspace_.handle(event);
                                   },
                               .ended = [this] { end(); }});
@@ -76,6 +90,7 @@ void LinuxPlatform::observeEnd(std::function<void()> handler) {
 void LinuxPlatform::giveUp() {
   connection_->breakOff();
   capture_.giveUp();
+  toolkit_.breakOff();
 }
 
 void LinuxPlatform::end() {
@@ -86,13 +101,33 @@ void LinuxPlatform::end() {
   if (handler) handler();
 }
 
+std::optional<std::string> missingDesktop() {
+  const std::string display = variable("DISPLAY");
+  if (!display.empty()) {
+    if (X11Connection::open(display)) return std::nullopt;
+    return needsDesktop("no X display answers at \"" + display + "\".");
+  }
+  if (!variable("WAYLAND_DISPLAY").empty()) {
+    return needsDesktop(
+        "this Wayland session has no Xwayland, which it works through. Install it (package xwayland), or "
+        "log in to an X11 session.");
+  }
+  return needsDesktop(
+      "there is none here, as neither DISPLAY nor WAYLAND_DISPLAY is set. Start it from the "
+      "applications menu or from a terminal of your desktop.");
+}
+
+std::vector<std::string> toolkitOptions() {
+  // On Wayland, too: there only Xwayland lets a window open beside an icon.
+  return {"-platform", "xcb"};
+}
+
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   const rlimit openFiles = allowManyConnections();
   giveMemoryBack();
-  const char* display = std::getenv("DISPLAY");
-  if (display == nullptr || *display == '\0') return needsDesktop("no X display is named in DISPLAY.");
+  const std::string display = variable("DISPLAY");
   auto connection = X11Connection::open(display);
-  if (!connection) return needsDesktop("no X display answers at \"" + std::string(display) + "\".");
+  if (!connection) return needsDesktop("no X display answers at \"" + display + "\".");
   auto platform = std::make_unique<LinuxPlatform>(std::move(connection), display, openFiles);
   if (!platform->listen()) return needsDesktop("the system has no thread left to follow it with.");
   return platform;

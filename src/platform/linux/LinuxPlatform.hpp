@@ -4,19 +4,24 @@
 #include "platform/Platform.hpp"
 #include "platform/linux/SystemAccessibilityTree.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
+#include "platform/linux/SystemAppearance.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
 #include "platform/linux/SystemCaptureService.hpp"
 #include "platform/linux/SystemDisplays.hpp"
 #include "platform/linux/SystemEventPoster.hpp"
+#include "platform/linux/SystemForeground.hpp"
 #include "platform/linux/SystemJPEGEncoder.hpp"
+#include "platform/linux/SystemLoginItemService.hpp"
 #include "platform/linux/SystemMachine.hpp"
 #include "platform/linux/SystemPreferences.hpp"
 #include "platform/linux/SystemScreenRecordingAccess.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemStatusItem.hpp"
 #include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/DataFolders.hpp"
+#include "platform/linux/x11/ToolkitConnection.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <sys/resource.h>
@@ -41,15 +46,19 @@ class LinuxPlatform final : public Platform {
 
   AccessibilityTree& accessibility() override { return accessibility_; }
   Advertiser& advertiser() override { return advertiser_; }
+  Appearance& appearance() override { return appearance_; }
   ApplicationBundles& bundles() override { return bundles_; }
   CaptureService& capture() override { return capture_; }
   Displays& displays() override { return displays_; }
   JPEGEncoder& encoder() override { return encoder_; }
   EventPoster& events() override { return events_; }
+  Foreground& foreground() override { return foreground_; }
+  LoginItemService& loginItem() override { return loginItem_; }
   Machine& machine() override { return machine_; }
   Preferences& preferences() override { return preferences_; }
   ScreenRecordingAccess& screenRecording() override { return screenRecording_; }
   SocketTuner& socketTuner() override { return socketTuner_; }
+  StatusItem& statusItem() override { return statusItem_; }
   TrustCheck& trust() override { return trust_; }
   Workspace& workspace() override { return workspace_; }
 
@@ -70,15 +79,20 @@ class LinuxPlatform final : public Platform {
   DesktopEntries desktopEntries_{dataFolders_.shared};
   SystemAccessibilityTree accessibility_;
   SystemAdvertiser advertiser_;
+  SystemAppearance appearance_;
   SystemApplicationBundles bundles_;
   SystemCaptureService capture_;
   SystemDisplays displays_;
   SystemJPEGEncoder encoder_;
   SystemEventPoster events_;
+  SystemForeground foreground_;
+  SystemLoginItemService loginItem_;
   SystemMachine machine_;
   SystemPreferences preferences_;
   SystemScreenRecordingAccess screenRecording_;
   SystemSocketTuner socketTuner_;
+  SystemStatusItem statusItem_;
+  const ToolkitConnection toolkit_;
   SystemTrustCheck trust_;
   SystemWorkspace workspace_;
   Guarded<End> end_;

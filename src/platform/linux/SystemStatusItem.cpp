@@ -28,9 +28,9 @@ SystemStatusItem::SystemStatusItem() = default;
 
 SystemStatusItem::~SystemStatusItem() = default;
 
-void SystemStatusItem::show(Symbol symbol, std::function<void()> activated) {
+void SystemStatusItem::show(Symbol symbol, Handlers handlers) {
   symbol_ = symbol;
-  activated_ = std::move(activated);
+  handlers_ = std::move(handlers);
   // Whoever comes, the newer protocol is asked for first.
   selection_ = std::make_unique<TraySelection>([this] { statusNotifiers_->ask(); });
   statusNotifiers_ = std::make_unique<StatusNotifierWatch>([this] { lookForPlace(); });
@@ -41,6 +41,11 @@ void SystemStatusItem::lookForPlace() {
   isStatusNotifier_ = statusNotifiers_->host() == StatusNotifierWatch::Host::present;
   const bool canEmbed = statusNotifiers_->host() == StatusNotifierWatch::Host::absent && selection_->isOwned();
   if (isStatusNotifier_ || canEmbed) makeIcon();
+  decide();
+}
+
+void SystemStatusItem::decide() {
+  if (const auto decided = std::exchange(handlers_.decided, {})) decided(isShown());
 }
 
 void SystemStatusItem::makeIcon() {
@@ -55,7 +60,7 @@ void SystemStatusItem::click() {
   const auto now = Clock::now();
   if (now - clicked_ < std::chrono::milliseconds(QApplication::doubleClickInterval())) return;
   clicked_ = now;
-  activated_();
+  handlers_.activated();
 }
 
 void SystemStatusItem::setSymbol(Symbol symbol) {

@@ -24,7 +24,7 @@ class SystemStatusItem final : public StatusItem {
   SystemStatusItem();
   ~SystemStatusItem() override;
 
-  void show(Symbol symbol, std::function<void()> activated) override;
+  void show(Symbol symbol, Handlers handlers) override;
   void setSymbol(Symbol symbol) override;
   bool isShown() const override;
   std::optional<Rect> place() const override;
@@ -34,10 +34,11 @@ class SystemStatusItem final : public StatusItem {
 
   void lookForPlace();
   void makeIcon();
+  void decide();
   void click();
 
   Symbol symbol_ = Symbol::cursorArrow;
-  std::function<void()> activated_;
+  Handlers handlers_;
   Clock::time_point clicked_;
   bool isStatusNotifier_ = false;
   std::unique_ptr<QSystemTrayIcon> icon_;

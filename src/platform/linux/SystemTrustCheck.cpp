@@ -45,6 +45,12 @@ bool SystemTrustCheck::isTrusted() {
   return connection_.isAlive() && connection_.extension(xcb_test_id) != nullptr;
 }
 
+std::string SystemTrustCheck::advice() const {
+  return "On Linux there is nothing to tick: the X server must offer its XTEST extension. Switch that on in the "
+         "server's "
+         "configuration, then log in again.";
+}
+
 bool SystemTrustCheck::prompt() {
   return false;
 }

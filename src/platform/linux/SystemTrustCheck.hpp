@@ -14,6 +14,7 @@ class SystemTrustCheck final : public TrustCheck {
   explicit SystemTrustCheck(X11Connection& connection);
 
   bool isTrusted() override;
+  std::string advice() const override;
   bool prompt() override;
   bool openSettings() override;
 

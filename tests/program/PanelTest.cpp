@@ -1,0 +1,246 @@
+#include "program/PanelFixture.hpp"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace orvel {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+struct PanelTest : PanelFixture {
+  void SetUp() override {
+    startTray({.kind = TrayHost::Kind::tint2, .edge = TrayHost::Edge::top});
+    startHost();
+  }
+
+  void open() {
+    ASSERT_TRUE(tray->clickIcon());
+    ASSERT_TRUE(waitUntilOpen());
+  }
+
+  /// The code, as somebody with a phone gets it from the panel alone.
+  std::string codeFromPanel() {
+    open();
+    EXPECT_TRUE(press("Show code"));
+    return scannedCode();
+  }
+
+  std::filesystem::path autostartEntry() const { return desktop.home() / ".config/autostart/app.orvel.Orvel.desktop"; }
+};
+
+TEST_F(PanelTest, IsClosedAtFirstAndNoWindowIsThere) {
+  ASSERT_TRUE(tray->waitForIcon());
+  EXPECT_THAT(view.windowTitles(), testing::Not(Contains("Orvel")));
+}
+
+TEST_F(PanelTest, APhoneIsPairedByLookingAtThePanelAlone) {
+  open();
+  EXPECT_THAT(panel->names("label"),
+              testing::ElementsAre("Orvel", MatchesRegex("Listening on .*:8787"), "Connected", "No phones right now"));
+  ASSERT_TRUE(press("Show code"));
+  const auto payload = scannedPayload();
+  EXPECT_EQ(payload.at("v"), 1);
+  const std::string address(payload.at("host").as_string());
+  EXPECT_TRUE(shows(address.empty() ? "not on a network" : address));
+  EXPECT_EQ(payload.at("port"), 8787);
+  EXPECT_EQ(payload.at("token").as_string(), host->code());
+  EXPECT_EQ(payload.size(), 5U);
+  auto phone = connectPaired(std::string(payload.at("token").as_string()), "Anna's iPhone");
+  EXPECT_TRUE(shows("1 phone connected"));
+  EXPECT_TRUE(shows("Anna's iPhone"));
+  photograph("panel-paired");
+}
+
+TEST_F(PanelTest, TheIconShowsWhetherPhonesAreConnected) {
+  const auto picture = [this] { return view.picture().pixels; };
+  ASSERT_TRUE(tray->waitForIcon());
+  const auto alone = picture();
+  {
+    auto phone = connectPaired(host->code(), "Anna's iPhone");
+    EXPECT_TRUE(eventually([&] { return picture() != alone; }));
+  }
+  EXPECT_TRUE(eventually([&] { return picture() == alone; }));
+}
+
+TEST_F(PanelTest, ANewCodeDisconnectsThePhoneAndChangesTheQRCode) {
+  const std::string before = codeFromPanel();
+  auto phone = connectPaired(before, "Anna's iPhone");
+  ASSERT_TRUE(shows("1 phone connected"));
+  ASSERT_TRUE(press("New code"));
+  EXPECT_TRUE(isDisconnected(phone));
+  EXPECT_TRUE(shows("No phones right now"));
+  EXPECT_TRUE(eventually([&] { return scannedCode() != before; }));
+  EXPECT_NO_THROW(connectPaired(scannedCode(), "Anna's iPhone"));
+  EXPECT_THROW(connectPaired(before, "Anna's iPhone"), std::runtime_error);
+}
+
+TEST_F(PanelTest, RestartDisconnectsThePhoneWhichMayComeBack) {
+  const std::string code = codeFromPanel();
+  auto phone = connectPaired(code, "Anna's iPhone");
+  ASSERT_TRUE(shows("1 phone connected"));
+  ASSERT_TRUE(press("Restart"));
+  EXPECT_TRUE(isDisconnected(phone));
+  EXPECT_TRUE(showsThatItListens());
+  auto again = connectPaired(code, "Anna's iPhone");
+  EXPECT_TRUE(shows("1 phone connected"));
+}
+
+TEST_F(PanelTest, QuitEndsTheProgramAndTheConnections) {
+  auto phone = connectPaired(host->code(), "Anna's iPhone");
+  open();
+  ASSERT_TRUE(press("Quit"));
+  EXPECT_TRUE(isDisconnected(phone));
+  EXPECT_EQ(host->process().waitForExit(), 0);
+  EXPECT_TRUE(tray->waitForNoIcon());
+}
+
+TEST_F(PanelTest, ASecondClickOnTheIconClosesIt) {
+  open();
+  // A click that comes sooner would be the second half of a double one.
+  std::this_thread::sleep_for(Milliseconds(600));
+  ASSERT_TRUE(tray->clickIcon());
+  EXPECT_TRUE(waitUntilClosed());
+}
+
+TEST_F(PanelTest, AClickElsewhereClosesIt) {
+  open();
+  X11Witness other(desktop.display());
+  EXPECT_TRUE(waitUntilClosed());
+}
+
+TEST_F(PanelTest, TheSwitchChangesWhatStartsAtLogin) {
+  open();
+  EXPECT_FALSE(panel->waitFor("check box", "Start at login").isChecked);
+  ASSERT_TRUE(panel->press("check box", "Start at login"));
+  EXPECT_TRUE(eventually([&] { return std::filesystem::exists(autostartEntry()); }));
+  EXPECT_TRUE(panel->waitFor("check box", "Start at login").isChecked);
+  std::ifstream file(autostartEntry());
+  const std::string entry(std::istreambuf_iterator<char>(file), {});
+  EXPECT_THAT(entry, HasSubstr("Exec=\"" ORVEL_PROGRAM "\" --background\n"));
+  std::ofstream(autostartEntry(), std::ios::app) << "Hidden=true\n";
+  EXPECT_TRUE(eventually([&] { return !panel->waitFor("check box", "Start at login").isChecked; }));
+}
+
+TEST_F(PanelTest, AnotherStartOpensThePanelOfTheOneThatRuns) {
+  ASSERT_TRUE(tray->waitForIcon());
+  EXPECT_EQ(startAgain(), 0) << output;
+  EXPECT_TRUE(waitUntilOpen());
+}
+
+TEST_F(PanelTest, ShowOpensThePanelOfTheOneThatRuns) {
+  ASSERT_TRUE(tray->waitForIcon());
+  EXPECT_EQ(startAgain({"--show"}), 0) << output;
+  EXPECT_TRUE(waitUntilOpen());
+}
+
+TEST_F(PanelTest, AnotherStartAtLoginLeavesItClosed) {
+  ASSERT_TRUE(tray->waitForIcon());
+  EXPECT_EQ(startAgain({"--background"}), 0) << output;
+  EXPECT_EQ(startAgain({"--show"}), 0) << output;
+  EXPECT_TRUE(waitUntilOpen());
+}
+
+struct TrayTest : PanelFixture, testing::WithParamInterface<TrayHost::Look> {};
+
+TEST_P(TrayTest, TheIconOpensThePanelInsideTheScreenAndBesideTheBar) {
+  startTray(GetParam());
+  startHost();
+  ASSERT_TRUE(tray->clickIcon());
+  ASSERT_TRUE(waitUntilOpen());
+  ASSERT_TRUE(press("Show code"));
+  ASSERT_EQ(scannedCode(), host->code());
+  const Rect frame = panel->waitFor("dialog", "Orvel").place;
+  EXPECT_GE(frame.minX(), 0);
+  EXPECT_GE(frame.minY(), 0);
+  EXPECT_LE(frame.maxX(), VirtualDesktop::width);
+  EXPECT_LE(frame.maxY(), VirtualDesktop::height);
+  const Rect bar = tray->place();
+  const bool overlaps =
+      frame.minX() < bar.maxX() && bar.minX() < frame.maxX() && frame.minY() < bar.maxY() && bar.minY() < frame.maxY();
+  EXPECT_FALSE(overlaps) << frame.minX() << ' ' << frame.minY();
+  photograph(std::string("panel-") + nameOf(GetParam().kind) + std::to_string(static_cast<int>(GetParam().edge)));
+}
+
+TEST_P(TrayTest, TheIconComesBackWithTheTray) {
+  startTray(GetParam());
+  startHost();
+  ASSERT_TRUE(tray->waitForIcon());
+  tray->stop();
+  tray->start();
+  ASSERT_TRUE(tray->clickIcon());
+  EXPECT_TRUE(waitUntilOpen());
+}
+
+std::vector<TrayHost::Look> everyLook() {
+  std::vector<TrayHost::Look> looks;
+  for (const auto kind : {TrayHost::Kind::tint2, TrayHost::Kind::lxqt, TrayHost::Kind::xfce}) {
+    for (const auto edge : {TrayHost::Edge::top, TrayHost::Edge::bottom, TrayHost::Edge::left, TrayHost::Edge::right}) {
+      looks.push_back({.kind = kind, .edge = edge});
+    }
+  }
+  return looks;
+}
+
+INSTANTIATE_TEST_SUITE_P(Trays, TrayTest, testing::ValuesIn(everyLook()), [](const auto& given) {
+  return std::string(nameOf(given.param.kind)) + std::to_string(static_cast<int>(given.param.edge));
+});
+
+using NoTrayTest = PanelFixture;
+
+TEST_F(NoTrayTest, TheFirstStartShowsThePanelAsANormalWindow) {
+  startHost();
+  ASSERT_TRUE(waitUntilOpen());
+  EXPECT_TRUE(eventually([&] { return windowManager.windowsOf("orvel").size() == 1; }));
+  photograph("panel-window");
+}
+
+TEST_F(NoTrayTest, AtLoginNoWindowComes) {
+  host.emplace(desktop, bus.environment());
+  ASSERT_TRUE(host->waitUntilListening());
+  EXPECT_THAT(view.windowTitles(), testing::Not(Contains("Orvel")));
+  EXPECT_EQ(startAgain({"--show"}), 0) << output;
+  EXPECT_TRUE(waitUntilOpen());
+}
+
+TEST_F(NoTrayTest, AnotherStartBringsTheWindowBack) {
+  startHost();
+  ASSERT_TRUE(waitUntilOpen());
+  ASSERT_TRUE(eventually([&] { return windowManager.windowsOf("orvel").size() == 1; }));
+  windowManager.close(windowManager.windowsOf("orvel").front());
+  ASSERT_TRUE(waitUntilClosed());
+  EXPECT_EQ(host->process().waitForExit(Milliseconds(100)), std::nullopt);
+  EXPECT_EQ(startAgain(), 0) << output;
+  EXPECT_TRUE(waitUntilOpen());
+}
+
+TEST_F(NoTrayTest, ShowSaysWhenNoneRuns) {
+  EXPECT_EQ(startAgain({"--show"}), 1);
+  EXPECT_THAT(output, HasSubstr("no Orvel runs here"));
+}
+
+TEST_F(NoTrayTest, ATakenPortIsSaidAndRestartTakesItOnceItIsFree) {
+  std::optional<HostProcess> other;
+  VirtualDesktop otherDesktop;
+  other.emplace(otherDesktop);
+  ASSERT_TRUE(other->waitUntilListening());
+  host.emplace(desktop, bus.environment(), std::vector<std::string>{});
+  ASSERT_TRUE(waitUntilOpen());
+  EXPECT_TRUE(shows("Server stopped"));
+  EXPECT_TRUE(shows("Port 8787 is taken. Quit whatever is using it, then hit Restart."));
+  photograph("panel-port-taken");
+  other.reset();
+  ASSERT_TRUE(press("Restart"));
+  EXPECT_TRUE(showsThatItListens());
+  EXPECT_FALSE(panel->find("label", "Port 8787 is taken. Quit whatever is using it, then hit Restart."));
+}
+
+}  // namespace
+}  // namespace orvel
