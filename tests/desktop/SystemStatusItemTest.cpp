@@ -144,11 +144,14 @@ struct SystemStatusItemTest : IconTest, testing::WithParamInterface<TrayHost::Ki
   TrayHost tray{desktop, bus, {.kind = GetParam()}};
 };
 
-TEST_P(SystemStatusItemTest, IsShownInTheTray) {
+TEST_P(SystemStatusItemTest, IsShownInTheTrayUntilTheProgramEnds) {
   tray.start();
   IconProgram program(bus);
   ASSERT_TRUE(tray.waitForIcon());
   EXPECT_TRUE(program.waitForState("shown"));
+  program.process().closeInput();
+  EXPECT_EQ(program.process().waitForExit(), 0) << program.process().output();
+  EXPECT_TRUE(tray.waitForNoIcon());
 }
 
 TEST_P(SystemStatusItemTest, HearsEachClickOnce) {
@@ -262,6 +265,37 @@ TEST_F(IconTest, DoesNotWaitForATrayThatHangs) {
   EXPECT_EQ(program.state(), "hidden at nowhere");
   tray.signal(SIGCONT);
   EXPECT_TRUE(tray.waitForIcon());
+}
+
+TEST_F(IconTest, IsEmbeddedWhenTheTrayThatHungHasGone) {
+  TrayHost embedding(desktop, bus, {.kind = TrayHost::Kind::tint2, .edge = TrayHost::Edge::top});
+  TrayHost hanging(desktop, bus, {.kind = TrayHost::Kind::lxqt});
+  embedding.start();
+  hanging.start();
+  hanging.signal(SIGSTOP);
+  IconProgram program(bus);
+  EXPECT_EQ(program.state(), "hidden at nowhere");
+  hanging.stop();
+  EXPECT_TRUE(embedding.waitForIcon());
+}
+
+TEST_F(IconTest, IsEmbeddedWhenNobodyShowsItems) {
+  TrayHost tray(desktop, bus, {.kind = TrayHost::Kind::tint2});
+  tray.start();
+  const StatusNotifierStandIn watcher(bus, "(<false>,)");
+  IconProgram program(bus);
+  EXPECT_EQ(program.state(), "hidden at nowhere");
+  EXPECT_TRUE(tray.waitForIcon());
+}
+
+TEST_F(IconTest, IsAnItemWhereBothAreShown) {
+  TrayHost embedding(desktop, bus, {.kind = TrayHost::Kind::tint2, .edge = TrayHost::Edge::top});
+  TrayHost notifying(desktop, bus, {.kind = TrayHost::Kind::lxqt});
+  embedding.start();
+  notifying.start();
+  IconProgram program(bus);
+  EXPECT_TRUE(notifying.waitForIcon());
+  EXPECT_FALSE(embedding.iconPlace());
 }
 
 TEST_F(IconTest, OutlivesAWatcherThatMakesNoSense) {
