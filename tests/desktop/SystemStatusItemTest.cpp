@@ -262,6 +262,7 @@ TEST_F(IconTest, DoesNotWaitForATrayThatHangs) {
   tray.start();
   tray.signal(SIGSTOP);
   IconProgram program(bus);
+  std::this_thread::sleep_for(lull);
   EXPECT_EQ(program.state(), "hidden at nowhere");
   tray.signal(SIGCONT);
   EXPECT_TRUE(tray.waitForIcon());
@@ -274,6 +275,7 @@ TEST_F(IconTest, IsEmbeddedWhenTheTrayThatHungHasGone) {
   hanging.start();
   hanging.signal(SIGSTOP);
   IconProgram program(bus);
+  std::this_thread::sleep_for(lull);
   EXPECT_EQ(program.state(), "hidden at nowhere");
   hanging.stop();
   EXPECT_TRUE(embedding.waitForIcon());
@@ -284,6 +286,7 @@ TEST_F(IconTest, IsEmbeddedWhenNobodyShowsItems) {
   tray.start();
   const StatusNotifierStandIn watcher(bus, "(<false>,)");
   IconProgram program(bus);
+  std::this_thread::sleep_for(lull);
   EXPECT_EQ(program.state(), "hidden at nowhere");
   EXPECT_TRUE(tray.waitForIcon());
 }
