@@ -22,6 +22,7 @@ namespace orvel {
 namespace {
 
 constexpr Milliseconds lookInterval{20};
+constexpr Milliseconds stillness{80};
 constexpr std::uint32_t darkGround = 0x202020;
 constexpr std::uint32_t lightGround = 0xf0f0f0;
 
@@ -71,6 +72,7 @@ void TrayHost::start() {
   if (!waitUntil([this] { return isServing(); }, patience)) {
     throw std::runtime_error("no tray: " + panel_->output());
   }
+  waitUntil([this] { return isStill(iconPlace()); }, patience);
 }
 
 void TrayHost::stop() {
@@ -120,21 +122,25 @@ std::optional<Rect> TrayHost::iconPlace() const {
 }
 
 std::optional<Rect> TrayHost::waitForIcon(Milliseconds limit) const {
-  std::optional<Rect> before;
-  std::optional<Rect> now;
-  const auto stands = [&] {
-    before = now;
-    now = iconPlace();
-    return now && now == before;
+  std::optional<Rect> icon;
+  const auto isThere = [&] {
+    icon = iconPlace();
+    return icon && isStill(icon);
   };
-  return waitUntil(stands, limit) ? now : std::nullopt;
+  return waitUntil(isThere, limit) ? icon : std::nullopt;
+}
+
+/// Whether the icons cover what they cover for a while: a panel moves them about while it makes room for one.
+bool TrayHost::isStill(const std::optional<Rect>& icon) const {
+  const auto moves = [&] { return iconPlace() != icon; };
+  return !waitUntil(moves, stillness);
 }
 
 bool TrayHost::waitForNoIcon(Milliseconds limit) const {
   return waitUntil([this] { return !iconPlace(); }, limit);
 }
 
-bool TrayHost::clickIcon(Button button) const {
+bool TrayHost::clickIcon(Button button, int times) const {
   const auto icon = waitForIcon();
   if (!icon) return false;
   const auto x = static_cast<std::int16_t>(icon->centre().x);
@@ -143,8 +149,10 @@ bool TrayHost::clickIcon(Button button) const {
     xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, XCB_NONE, x, y, 0);
   };
   fake(XCB_MOTION_NOTIFY, 0);
-  fake(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
-  fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
+  for (int click = 0; click < times; ++click) {
+    fake(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
+    fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
+  }
   xcb_flush(connection_);
   return true;
 }

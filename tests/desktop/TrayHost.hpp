@@ -65,8 +65,9 @@ class TrayHost {
   /// Waits until it shows no icon. False when there is still one after that time.
   bool waitForNoIcon(Milliseconds limit = patience) const;
 
-  /// Waits for the icon, then moves the pointer to its middle and presses and releases a button. False without an icon.
-  bool clickIcon(Button button = Button::left) const;
+  /// Waits for the icon, then moves the pointer to its middle and presses and releases a button so many times.
+  /// False without an icon.
+  bool clickIcon(Button button = Button::left, int times = 1) const;
 
  private:
   std::vector<std::string> command() const;
@@ -75,6 +76,7 @@ class TrayHost {
   void writeXfceSettings() const;
   void forgetXfceSettings() const;
   bool isServing() const;
+  bool isStill(const std::optional<Rect>& icon) const;
   bool isPainted(const Picture& picture) const;
   bool ownsXEmbedTray() const;
   bool isStatusNotifierHost() const;

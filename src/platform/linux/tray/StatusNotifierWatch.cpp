@@ -42,6 +42,8 @@ StatusNotifierWatch::StatusNotifierWatch(std::function<void()> answered)
 void StatusNotifierWatch::followOwner() {
   QObject::connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged,
                    [this](const QString&, const QString&, const QString& owner) {
+                     // What the one before leaves unanswered says nothing any more.
+                     question_.reset();
                      host_ = Host::unknown;
                      if (owner.isEmpty()) return tell(Host::absent);
                      ask();
