@@ -7,40 +7,17 @@
 #include "ui/Foreground.hpp"
 #include "ui/MainLoop.hpp"
 
-#include <chrono>
-#include <condition_variable>
 #include <iostream>
-#include <mutex>
-#include <stop_token>
 #include <string>
-#include <thread>
 
 namespace orvel {
 namespace {
-
-constexpr std::chrono::seconds desktopPatience{3};
 
 std::string addressToShow(const Machine& machine) {
   const std::string port = std::to_string(ServerHub::defaultPort);
   const auto address = NetworkInfo::localAddress(machine);
   return address ? *address + ":" + port : "port " + port + ", but this computer is not on a network";
 }
-
-/// Parts from a desktop that hangs, when that holds up the end for too long. Threads: made and destroyed on one.
-class DesktopPatience {
- public:
-  explicit DesktopPatience(Platform& platform)
-      : thread_([&platform](const std::stop_token& ended) {
-          std::mutex mutex;
-          std::unique_lock lock(mutex);
-          std::condition_variable_any changed;
-          const auto hasEnded = [&] { return ended.stop_requested(); };
-          if (!changed.wait_for(lock, ended, desktopPatience, hasEnded)) platform.giveUp();
-        }) {}
-
- private:
-  std::jthread thread_;
-};
 
 }  // namespace
 
@@ -92,7 +69,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .permission = permission_,
                      .slowQueue = *panelQueue_,
                      .trust = platform.trust(),
-                     .quit = [this] { mainLoop_.quit(0); }}),
+                     .quit = [this] { quit(0); }}),
       loginItem_(platform.loginItem()),
       menuBarExtra_({.appearance = platform.appearance(),
                      .clock = clock_,
@@ -101,7 +78,8 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .loginItem = loginItem_,
                      .statusItem = platform.statusItem()}),
       status_(std::cout, addressToShow(platform.machine())),
-      delegate_(hub_, permission_, platform.workspace(), mainLoop) {
+      delegate_(hub_, permission_, platform.workspace(), mainLoop),
+      patience_(platform) {
   hub_->observe([this](const HubState& next) {
     status_.show(hub_->state(), next);
     refreshPanelSoon();
@@ -127,13 +105,18 @@ void OrvelApp::greet(const Start& start) {
   });
 }
 
+void OrvelApp::quit(int exitCode) {
+  patience_.begin();
+  mainLoop_.quit(exitCode);
+}
+
 int OrvelApp::run(const Start& start) {
   // Read before the first phone comes: whatever happens to the file later, this one is known.
   pairing_.token();
   delegate_.applicationDidFinishLaunching();
   greet(start);
   const int exitCode = mainLoop_.run();
-  const DesktopPatience patience(platform_);
+  patience_.begin();
   menuBarExtra_.closePanel();
   keyboard_.stop();
   platform_.stopTyping();

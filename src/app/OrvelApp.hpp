@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ConsoleStatus.hpp"
+#include "app/DesktopPatience.hpp"
 #include "app/HelperDelegate.hpp"
 #include "app/PanelService.hpp"
 #include "base/SystemClock.hpp"
@@ -45,6 +46,9 @@ class OrvelApp {
   /// and returns the exit code.
   int run(const Start& start);
 
+  /// Ends `run`. What a desktop that hangs holds up is not waited for longer than three seconds. Threads: any.
+  void quit(int exitCode);
+
   /// Opens the panel, or brings it to the front. `token` is the desktop's proof that the user wished it; may be empty.
   void showPanel(const std::string& token);
 
@@ -77,6 +81,7 @@ class OrvelApp {
   MenuBarExtra menuBarExtra_;
   ConsoleStatus status_;
   HelperDelegate delegate_;
+  DesktopPatience patience_;
 };
 
 }  // namespace orvel

@@ -40,12 +40,12 @@ int runApplication(orvel::MainLoop& mainLoop, orvel::Instance& instance, bool in
   auto opened = orvel::openPlatform();
   if (const auto* reason = std::get_if<std::string>(&opened)) return fail(noDesktop, *reason);
   auto& platform = *std::get<std::unique_ptr<orvel::Platform>>(opened);
-  const orvel::TerminationSignals signals([&] { mainLoop.quit(0); });
-  platform.observeEnd([&] {
-    std::cerr << "The desktop has gone.\n";
-    mainLoop.quit(noDesktop);
-  });
   orvel::OrvelApp app(mainLoop, platform);
+  const orvel::TerminationSignals signals([&app] { app.quit(0); });
+  platform.observeEnd([&app] {
+    std::cerr << "The desktop has gone.\n";
+    app.quit(noDesktop);
+  });
   showPanel = [&app](const std::string& token) { app.showPanel(token); };
   return app.run({.inBackground = inBackground, .token = instance.token()});
 }
@@ -56,10 +56,13 @@ int run(bool inBackground) {
   // Made before the platform, so that it outlives the platform's threads, which post to it.
   orvel::MainLoop mainLoop(toolkitArguments());
   std::function<void(const std::string&)> showPanel;
-  const bool isFirst = instance->claim([&showPanel](const std::string& token) { showPanel(token); });
-  if (isFirst) return runApplication(mainLoop, *instance, inBackground, showPanel);
-  if (inBackground || instance->showOther()) return 0;
-  return fail(noneRuns, "the Orvel that runs does not answer. End it, then start Orvel again.");
+  const auto claim = [&] { return instance->claim([&showPanel](const std::string& token) { showPanel(token); }); };
+  if (!claim()) {
+    if (inBackground || instance->showOther()) return 0;
+    // The other one may just have ended.
+    if (!claim()) return fail(noneRuns, "the Orvel that runs does not answer. End it, then start Orvel again.");
+  }
+  return runApplication(mainLoop, *instance, inBackground, showPanel);
 }
 
 int showPanel() {

@@ -61,8 +61,8 @@ class Platform {
   virtual void giveUp() = 0;
 };
 
-/// Why there is no desktop to work on, in a sentence for the user; nothing when there is one. Asked before anything else
-/// is made, for the toolkit ends a program that has no desktop.
+/// Why there is no desktop to work on, in a sentence for the user; nothing when there is one. Asked before anything
+/// else is made, for the toolkit ends a program that has no desktop.
 std::optional<std::string> missingDesktop();
 
 /// What the toolkit has to be told so that it works with the same desktop as `Platform`.

@@ -10,6 +10,9 @@ class Foreground {
  public:
   virtual ~Foreground() = default;
 
+  /// Keeps a window of the toolkit, which was not shown yet, out of the desktop's list of running programs.
+  virtual void keepOutOfList(std::uintptr_t window) = 0;
+
   /// Gives a window of the toolkit, which is shown, the keyboard. `token` is the desktop's proof that the user wished
   /// it; empty when the wish reached us directly, by a click on our icon.
   virtual void bring(std::uintptr_t window, const std::string& token) = 0;

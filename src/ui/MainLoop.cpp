@@ -1,9 +1,12 @@
 #include "ui/MainLoop.hpp"
 
 #include "base/Guarded.hpp"
+#include "ui/SymbolImage.hpp"
 
 #include <QApplication>
 #include <QEvent>
+#include <QIcon>
+#include <QPixmap>
 #include <QSessionManager>
 #include <QTimer>
 #include <algorithm>
@@ -38,6 +41,12 @@ class Inbox final : public QObject {
   Guarded<std::vector<Task>> tasks_;
 };
 
+/// For a program that is not installed.
+QIcon plainIcon() {
+  constexpr int side = 64;
+  return QIcon(QPixmap::fromImage(SymbolImage::plain(Symbol::cursorArrowRays, side)));
+}
+
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (std::string& text : texts) pointers.push_back(text.data());
@@ -56,6 +65,7 @@ struct MainLoop::Application {
     // The panel comes and goes; the program stays.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setApplicationDisplayName(QStringLiteral("Orvel"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("app.orvel.Orvel"), plainIcon()));
     QApplication::setStyle(QStringLiteral("fusion"));
     // Whether it starts at login is the user's choice alone, so no session that is restored starts it.
     QObject::connect(

@@ -84,6 +84,11 @@ bool WindowManager::isMinimised(xcb_window_t window) const {
   return std::find(states.begin(), states.end(), atom("_NET_WM_STATE_HIDDEN")) != states.end();
 }
 
+bool WindowManager::isInTaskbar(xcb_window_t window) const {
+  const auto states = numbers(window, "_NET_WM_STATE");
+  return std::find(states.begin(), states.end(), atom("_NET_WM_STATE_SKIP_TASKBAR")) == states.end();
+}
+
 void WindowManager::minimise(xcb_window_t window) const {
   tell(window, "WM_CHANGE_STATE", iconicState);
 }

@@ -33,6 +33,9 @@ class WindowManager {
   std::uint32_t currentWorkspace() const;
   bool isMinimised(xcb_window_t window) const;
 
+  /// Whether lists of what runs show the window.
+  bool isInTaskbar(xcb_window_t window) const;
+
   void minimise(xcb_window_t window) const;
 
   /// Asks the program to close its window, as the button in its frame does.

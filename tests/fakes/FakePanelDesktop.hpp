@@ -45,9 +45,11 @@ class FakeAppearance final : public Appearance {
 /// Records which windows came to the front by which token.
 class FakeForeground final : public Foreground {
  public:
+  void keepOutOfList(std::uintptr_t) override { ++keptOut; }
   void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }
   void finishStart(const std::string& token) override { finished.push_back(token); }
 
+  int keptOut = 0;
   std::vector<std::string> brought;
   std::vector<std::string> finished;
 };

@@ -1,5 +1,6 @@
 #include "program/PanelFixture.hpp"
 
+#include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -39,6 +40,17 @@ struct PanelTest : PanelFixture {
 TEST_F(PanelTest, IsClosedAtFirstAndNoWindowIsThere) {
   ASSERT_TRUE(tray->waitForIcon());
   EXPECT_THAT(view.windowTitles(), testing::Not(Contains("Orvel")));
+}
+
+TEST_F(PanelTest, NoListOfProgramsShowsIt) {
+  open();
+  ASSERT_TRUE(eventually([&] { return windowManager.windowsOf("orvel").size() == 1; }));
+  EXPECT_FALSE(windowManager.isInTaskbar(windowManager.windowsOf("orvel").front()));
+  auto phone = connectPaired(host->code(), "Anna's iPhone");
+  ASSERT_FALSE(phone.send({{"t", "getApps"}}));
+  const auto apps = phone.receive("apps", phonePatience);
+  ASSERT_TRUE(apps);
+  EXPECT_THAT(boost::json::serialize(*apps), testing::Not(HasSubstr("orvel")));
 }
 
 TEST_F(PanelTest, APhoneIsPairedByLookingAtThePanelAlone) {
@@ -199,6 +211,7 @@ TEST_F(NoTrayTest, TheFirstStartShowsThePanelAsANormalWindow) {
   startHost();
   ASSERT_TRUE(waitUntilOpen());
   EXPECT_TRUE(eventually([&] { return windowManager.windowsOf("orvel").size() == 1; }));
+  EXPECT_TRUE(windowManager.isInTaskbar(windowManager.windowsOf("orvel").front()));
   photograph("panel-window");
 }
 

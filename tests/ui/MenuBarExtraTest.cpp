@@ -26,7 +26,6 @@ struct MenuBarExtraTest : testing::Test {
     extra.show([this](bool hasIcon) { decided.push_back(hasIcon); });
   }
 
-
   /// The open panel; nothing when there is none.
   static QWidget* panel() {
     PanelWidgets::settle();
@@ -95,6 +94,7 @@ TEST_F(MenuBarExtraTest, AClickOpensThePanelUnderTheIconInFront) {
   EXPECT_EQ(panel()->geometry().top(), 28);
   EXPECT_NEAR(panel()->geometry().center().x(), 412, 1);
   EXPECT_THAT(foreground.brought, ElementsAre(""));
+  EXPECT_EQ(foreground.keptOut, 1);
   EXPECT_THAT(host.asked, ElementsAre("refreshPermission"));
 }
 
@@ -186,6 +186,7 @@ TEST_F(MenuBarExtraTest, WithoutATrayItOpensAsANormalWindow) {
   ASSERT_NE(panel(), nullptr);
   EXPECT_FALSE(panel()->windowFlags().testFlag(Qt::FramelessWindowHint));
   EXPECT_THAT(foreground.brought, ElementsAre("token"));
+  EXPECT_EQ(foreground.keptOut, 0);
   clickElsewhere();
   EXPECT_NE(panel(), nullptr);
   panel()->close();

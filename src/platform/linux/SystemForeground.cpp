@@ -3,7 +3,9 @@
 #include "platform/linux/x11/WindowNumbers.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
+#include <QGuiApplication>
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace orvel {
@@ -35,6 +37,15 @@ SystemForeground::SystemForeground(const X11Connection& connection)
       commands_(connection, atoms_),
       notice_(connection, atoms_),
       clock_(makeClock(connection)) {}
+
+void SystemForeground::keepOutOfList(std::uintptr_t window) {
+  // By the toolkit's connection, as the server may not have heard of the window by it yet.
+  const auto* toolkit = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (toolkit == nullptr) return;
+  const std::array states{atoms_.windowStateSkipTaskbar, atoms_.windowStateSkipPager};
+  xcb_change_property(toolkit->connection(), XCB_PROP_MODE_APPEND, static_cast<xcb_window_t>(window),
+                      atoms_.windowState, XCB_ATOM_ATOM, 32, states.size(), states.data());
+}
 
 void SystemForeground::bring(std::uintptr_t window, const std::string& token) {
   const Wish wish{static_cast<xcb_window_t>(window), token};

@@ -18,11 +18,13 @@ class X11Connection;
 /// The foreground as the window manager has it, or the server where there is none. The toolkit shows its windows by a
 /// connection of its own, so a window may be shown only after it was to be brought; then it is brought when it is.
 ///
-/// Threads: any; none waits for the server but that of the connection, on which `handle` is called.
+/// Threads: the main thread for `keepOutOfList`, any for the rest; none waits for the server but that of the
+/// connection, on which `handle` is called.
 class SystemForeground final : public Foreground {
  public:
   explicit SystemForeground(const X11Connection& connection);
 
+  void keepOutOfList(std::uintptr_t window) override;
   void bring(std::uintptr_t window, const std::string& token) override;
   void finishStart(const std::string& token) override;
 

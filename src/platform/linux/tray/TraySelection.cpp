@@ -28,22 +28,32 @@ TraySelection::TraySelection(std::function<void()> came) : came_(std::move(came)
   connection_ = toolkit->connection();
   selection_ = atomOf(connection_, selectionName);
   manager_ = atomOf(connection_, "MANAGER");
+  const auto asked = xcb_get_selection_owner(connection_, selection_);
+  const X11Answer<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(connection_, asked, nullptr)};
+  if (reply) follow(reply->owner);
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
-bool TraySelection::isOwned() const {
-  if (connection_ == nullptr) return false;
-  const auto asked = xcb_get_selection_owner(connection_, selection_);
-  const X11Answer<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(connection_, asked, nullptr)};
-  return reply && reply->owner != XCB_WINDOW_NONE;
+void TraySelection::follow(std::uint32_t owner) {
+  owner_ = owner;
+  if (owner == XCB_WINDOW_NONE) return;
+  // As the toolkit does, which asks for the same of the same window.
+  const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  xcb_change_window_attributes(connection_, owner, XCB_CW_EVENT_MASK, &events);
+  xcb_flush(connection_);
 }
 
 bool TraySelection::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
   if (eventType != "xcb_generic_event_t") return false;
-  const auto& event = *static_cast<const xcb_client_message_event_t*>(message);
-  const bool isAnnouncement = (event.response_type & x11EventTypeMask) == XCB_CLIENT_MESSAGE &&
-                              event.type == manager_ && event.data.data32[1] == selection_;
-  if (isAnnouncement) came_();
+  const auto type = static_cast<const xcb_generic_event_t*>(message)->response_type & x11EventTypeMask;
+  if (type == XCB_CLIENT_MESSAGE) {
+    const auto& announcement = *static_cast<const xcb_client_message_event_t*>(message);
+    if (announcement.type != manager_ || announcement.data.data32[1] != selection_) return false;
+    follow(announcement.data.data32[2]);
+    came_();
+  } else if (type == XCB_DESTROY_NOTIFY) {
+    if (static_cast<const xcb_destroy_notify_event_t*>(message)->window == owner_) follow(XCB_WINDOW_NONE);
+  }
   return false;
 }
 

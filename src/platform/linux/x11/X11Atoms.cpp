@@ -31,6 +31,7 @@ constexpr std::array names = {
     NamedAtom{&X11Atoms::windowManagement, "WM_STATE"},
     NamedAtom{&X11Atoms::windowProcess, "_NET_WM_PID"},
     NamedAtom{&X11Atoms::windowState, "_NET_WM_STATE"},
+    NamedAtom{&X11Atoms::windowStateSkipPager, "_NET_WM_STATE_SKIP_PAGER"},
     NamedAtom{&X11Atoms::windowStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR"},
     NamedAtom{&X11Atoms::windowType, "_NET_WM_WINDOW_TYPE"},
     NamedAtom{&X11Atoms::windowTypeDesktop, "_NET_WM_WINDOW_TYPE_DESKTOP"},

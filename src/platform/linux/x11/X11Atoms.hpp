@@ -29,6 +29,7 @@ struct X11Atoms {
   xcb_atom_t windowManagement = XCB_ATOM_NONE;
   xcb_atom_t windowProcess = XCB_ATOM_NONE;
   xcb_atom_t windowState = XCB_ATOM_NONE;
+  xcb_atom_t windowStateSkipPager = XCB_ATOM_NONE;
   xcb_atom_t windowStateSkipTaskbar = XCB_ATOM_NONE;
   xcb_atom_t windowType = XCB_ATOM_NONE;
   xcb_atom_t windowTypeDesktop = XCB_ATOM_NONE;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+
+#include <optional>
+#include <thread>
+
+namespace orvel {
+
+class Platform;
+
+/// Parts from a desktop that hangs, when that holds up the end of the program for too long.
+///
+/// Threads: any, but destroyed by its owner, which ends it.
+class DesktopPatience {
+ public:
+  /// `platform` must outlive it.
+  explicit DesktopPatience(Platform& platform) : platform_(platform) {}
+
+  /// The program ends from now on. Harmless the second time.
+  void begin();
+
+ private:
+  Platform& platform_;
+  Guarded<std::optional<std::jthread>> wait_;
+};
+
+}  // namespace orvel
