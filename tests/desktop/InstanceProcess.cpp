@@ -1,7 +1,7 @@
-// One start of a program of which one runs at a time: InstanceProcess [show]. It says what comes of it: "token TOKEN",
-// then "first", and "shown TOKEN" each time that another start has it show itself; or "second" and, with "show",
-// whether the other one was shown. The first ends with its input; what it reads before keeps its main thread from its
-// work.
+// One start of a program of which one runs at a time: InstanceProcess [show [at-once]]. It says what comes of it:
+// "token TOKEN", then "first", and "shown TOKEN" each time that another start has it show itself; or "second" and, with
+// "show", whether the other one was shown. With "at-once" it does not try to be the first. The first ends with its
+// input; each letter before keeps its main thread "busy".
 
 #include "platform/Instance.hpp"
 
@@ -31,6 +31,7 @@ bool isSet(const char* name) {
 bool readInput() {
   char letter = 0;
   if (read(STDIN_FILENO, &letter, 1) != 1) return false;
+  std::cout << "busy" << std::endl;
   std::this_thread::sleep_for(std::chrono::seconds(3));
   return true;
 }

@@ -88,16 +88,16 @@ class SettingsDaemon {
         ChildProcess::Program{.command = {"xsettingsd", "-c", file_}, .environment = desktop.environment()});
   }
 
-  void change(const std::string& content) {
-    write(content);
-    process_->signal(SIGHUP);
+  /// What it hands out once it has been told, which it may miss.
+  void write(const std::string& content) const {
+    std::ofstream(file_ + ".new") << content;
+    std::filesystem::rename(file_ + ".new", file_);
   }
+  void tell() { process_->signal(SIGHUP); }
 
   void end() { process_.reset(); }
 
  private:
-  void write(const std::string& content) const { std::ofstream(file_) << content; }
-
   const std::string file_;
   std::optional<ChildProcess> process_;
 };
@@ -244,11 +244,17 @@ TEST_F(SystemAppearanceTest, ChangesOfTheThemeAndTheFontAreFollowed) {
   SettingsDaemon daemon(desktop, "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
   EXPECT_TRUE(becomes(false)) << "a daemon that starts late";
   EXPECT_TRUE(isToldOf(1));
-  daemon.change("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 11\"\n");
-  EXPECT_TRUE(becomes(true));
+  daemon.write("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 11\"\n");
+  EXPECT_TRUE(eventually([&] {
+    daemon.tell();
+    return appearance->isDark() == true;
+  }));
   EXPECT_TRUE(isToldOf(2));
-  daemon.change("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 12\"\n");
-  EXPECT_TRUE(eventually([&] { return appearance->font() == (DesktopFont{"Cantarell", 12}); }));
+  daemon.write("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 12\"\n");
+  EXPECT_TRUE(eventually([&] {
+    daemon.tell();
+    return appearance->font() == (DesktopFont{"Cantarell", 12});
+  }));
   EXPECT_TRUE(isToldOf(3));
   daemon.end();
   EXPECT_TRUE(becomes(std::nullopt));

@@ -21,6 +21,9 @@ using Texts = std::vector<std::string>;
 
 constexpr std::size_t megabyte = std::size_t{1} << 20;
 
+/// Sanitizers keep what was freed.
+constexpr bool memoryIsTelling = !ORVEL_SANITIZED;
+
 struct SystemInstanceTest : testing::Test {
   ChildProcess& start(const Texts& arguments = {}, const ChildProcess::Environment& changes = {}) {
     Texts command{INSTANCE_PROCESS};
@@ -34,6 +37,12 @@ struct SystemInstanceTest : testing::Test {
     ChildProcess& program = start();
     EXPECT_TRUE(program.waitForOutput("first\n")) << program.output();
     return program;
+  }
+
+  /// Keeps its main thread from its work for a while.
+  static void makeBusy(ChildProcess& program) {
+    program.write("x");
+    EXPECT_TRUE(program.waitForOutput("busy\n"));
   }
 
   VirtualDesktop desktop;
@@ -52,8 +61,8 @@ TEST_F(SystemInstanceTest, TheSecondShowsTheFirst) {
 TEST_F(SystemInstanceTest, TheTokenIsHandedOn) {
   auto& first = startFirst();
   start({"show"}, {{"XDG_ACTIVATION_TOKEN", "a-token_TIME17"}, {"DESKTOP_STARTUP_ID", "older"}}).waitForExit();
-  start({"show", "at once"}, {{"DESKTOP_STARTUP_ID", "older_TIME18"}}).waitForExit();
-  start({"show", "at once"}, {{"XDG_ACTIVATION_TOKEN", "\xff"}, {"DESKTOP_STARTUP_ID", ""}}).waitForExit();
+  start({"show", "at-once"}, {{"DESKTOP_STARTUP_ID", "older_TIME18"}}).waitForExit();
+  start({"show", "at-once"}, {{"XDG_ACTIVATION_TOKEN", "\xff"}, {"DESKTOP_STARTUP_ID", ""}}).waitForExit();
   EXPECT_EQ(first.output(), "token \nfirst\nshown a-token_TIME17\nshown older_TIME18\nshown \n");
   const auto isLeft = [](ChildProcess& program) { return program.output().find("left") != std::string::npos; };
   EXPECT_FALSE(std::any_of(programs.begin(), programs.end(), isLeft)) << "the toolkit would use it";
@@ -88,7 +97,7 @@ TEST_F(SystemInstanceTest, OfManyAtOnceOneIsTheFirst) {
 }
 
 TEST_F(SystemInstanceTest, WithoutOneToShowItSaysSo) {
-  auto& program = start({"show", "at once"});
+  auto& program = start({"show", "at-once"});
   EXPECT_EQ(program.waitForExit(), 0);
   EXPECT_EQ(program.output(), "token \nother silent\n");
 }
@@ -99,13 +108,13 @@ TEST_F(SystemInstanceTest, NobodyIsStartedToBeShown) {
       << "[D-BUS Service]\nName=app.orvel.Orvel\nExec=/usr/bin/touch " << mark << "\n";
   bus.stop();
   bus.start();
-  EXPECT_TRUE(start({"show", "at once"}).waitForOutput("other silent\n"));
+  EXPECT_TRUE(start({"show", "at-once"}).waitForOutput("other silent\n"));
   EXPECT_FALSE(std::filesystem::exists(mark));
 }
 
 TEST_F(SystemInstanceTest, OneThatHangsIsNotShown) {
   auto& first = startFirst();
-  first.write("x");
+  makeBusy(first);
   auto& second = start({"show"});
   EXPECT_TRUE(second.waitForOutput("other silent\n", Milliseconds(2900))) << second.output();
   EXPECT_TRUE(first.waitForOutput("shown \n")) << "late";
@@ -119,7 +128,7 @@ TEST_F(SystemInstanceTest, WithoutABusEveryOneIsTheFirst) {
   const ChildProcess::Environment none{{"DBUS_SESSION_BUS_ADDRESS", std::nullopt}, {"XDG_RUNTIME_DIR", empty.path()}};
   EXPECT_TRUE(start({}, none).waitForOutput("first\n"));
   EXPECT_TRUE(start({}, none).waitForOutput("first\n"));
-  EXPECT_TRUE(start({"show", "at once"}, none).waitForOutput("other silent\n"));
+  EXPECT_TRUE(start({"show", "at-once"}, none).waitForOutput("other silent\n"));
   EXPECT_TRUE(std::filesystem::is_empty(empty.path()));
 }
 
@@ -132,7 +141,7 @@ TEST_F(SystemInstanceTest, TheUsualPlaceOfTheBusIsKnown) {
 TEST_F(SystemInstanceTest, ABusThatHangsHoldsUpForAMomentOnly) {
   bus.signal(SIGSTOP);
   EXPECT_TRUE(start().waitForOutput("first\n", Milliseconds(3000)));
-  EXPECT_TRUE(start({"show", "at once"}).waitForOutput("other silent\n", Milliseconds(4000)));
+  EXPECT_TRUE(start({"show", "at-once"}).waitForOutput("other silent\n", Milliseconds(4000)));
   bus.signal(SIGCONT);
 }
 
@@ -220,8 +229,7 @@ TEST_F(StrangersTest, CannotPassOffAnythingAsAToken) {
 TEST_F(StrangersTest, CannotBringItDownOrMakeItGrow) {
   for (int i = 0; i < 1000; ++i) ASSERT_NE(call("Activate", "(" + std::to_string(i) + ",)"), "") << i;
   const auto before = memoryOf(first);
-  first.write("x");
-  // While its main thread is busy.
+  makeBusy(first);
   for (int i = 0; i < 300; ++i) {
     GVariantBuilder large;
     g_variant_builder_init(&large, G_VARIANT_TYPE("(a{sv})"));
@@ -232,7 +240,7 @@ TEST_F(StrangersTest, CannotBringItDownOrMakeItGrow) {
     shout("Activate", g_variant_builder_end(&large));
   }
   EXPECT_EQ(call("Activate", "(@a{sv} {},)"), "org.freedesktop.DBus.Error.LimitsExceeded");
-  EXPECT_LT(memoryOf(first), before + 10 * megabyte);
+  EXPECT_TRUE(!memoryIsTelling || memoryOf(first) < before + 10 * megabyte) << memoryOf(first) - before;
   EXPECT_TRUE(first.waitForOutput("shown \n"));
   EXPECT_EQ(call("Activate", "({'activation-token': <'after'>},)"), "");
   EXPECT_TRUE(first.waitForOutput("shown after\n"));

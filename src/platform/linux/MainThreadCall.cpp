@@ -12,9 +12,9 @@ class MainThreadCall::Receiver final : public QObject {
   explicit Receiver(MainThreadCall& owner) : owner_(owner) {}
 
   bool event(QEvent* event) override {
-    if (event->type() != QEvent::User) return QObject::event(event);
-    owner_.make();
-    return true;
+    // The event is looked at after the lock was held, so that our own lock orders it too.
+    owner_.makeIfAsked();
+    return event->type() == QEvent::User || QObject::event(event);
   }
 
  private:
@@ -42,9 +42,9 @@ void MainThreadCall::cancel() {
   const auto receiver = state_.withLock([](State& state) { return std::move(state.receiver); });
 }
 
-void MainThreadCall::make() {
-  state_.withLock([](State& state) { state.isAsked = false; });
-  call_();
+void MainThreadCall::makeIfAsked() {
+  const bool isAsked = state_.withLock([](State& state) { return std::exchange(state.isAsked, false); });
+  if (isAsked) call_();
 }
 
 }  // namespace orvel

@@ -32,7 +32,7 @@ class MainThreadCall {
     bool isAsked = false;
   };
 
-  void make();
+  void makeIfAsked();
 
   const Task call_;
   Guarded<State> state_;

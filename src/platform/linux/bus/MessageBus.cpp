@@ -2,12 +2,36 @@
 
 #include "platform/linux/bus/CancelledInTime.hpp"
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <system_error>
 
 namespace orvel {
+namespace {
+
+/// A handler that one thread gives to another. The locks of the library see to the order, but are not known to all who
+/// watch over it; so it is also in an atomic of our own.
+class Observer {
+ public:
+  explicit Observer(MessageBus::MessageHandler handler) : handler_(std::move(handler)) { isGiven_ = true; }
+  ~Observer() { isGiven_.load(); }
+  Observer(const Observer&) = delete;
+  Observer& operator=(const Observer&) = delete;
+
+  bool hear(GDBusConnection* connection, GDBusMessage* message) {
+    const bool isDone = isGiven_ && handler_(connection, message);
+    isGiven_ = true;
+    return isDone;
+  }
+
+ private:
+  const MessageBus::MessageHandler handler_;
+  std::atomic<bool> isGiven_ = false;
+};
+
+}  // namespace
 
 std::string sessionBusAddress() {
   if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS")) return address;
@@ -45,15 +69,14 @@ GLibPointer<GVariant> MessageBus::call(const BusCall& call, const TimeLimit& lim
 }
 
 void MessageBus::observe(MessageHandler handler) const {
-  const auto handOn = +[](GDBusConnection* connection, GDBusMessage* message, gboolean isIncoming, gpointer user) {
+  const auto handOn = +[](GDBusConnection* connection, GDBusMessage* message, gboolean isIncoming, gpointer observer) {
     GLibPointer<GDBusMessage> owned(message);
-    if (isIncoming && (*static_cast<MessageHandler*>(user))(connection, message))
-      return static_cast<GDBusMessage*>(nullptr);
-    return owned.release();
+    const bool isDone = isIncoming && static_cast<Observer*>(observer)->hear(connection, message);
+    return isDone ? nullptr : owned.release();
   };
-  auto kept = std::make_unique<MessageHandler>(std::move(handler));
-  g_dbus_connection_add_filter(connection_.get(), handOn, kept.release(),
-                               [](gpointer user) { delete static_cast<MessageHandler*>(user); });
+  auto observer = std::make_unique<Observer>(std::move(handler));
+  g_dbus_connection_add_filter(connection_.get(), handOn, observer.release(),
+                               [](gpointer given) { delete static_cast<Observer*>(given); });
 }
 
 void MessageBus::send(GDBusConnection* connection, GDBusMessage* message) {
