@@ -129,6 +129,10 @@ TEST_F(SystemInstanceTest, WithoutABusEveryOneIsTheFirst) {
   EXPECT_TRUE(start({}, none).waitForOutput("first\n"));
   EXPECT_TRUE(start({}, none).waitForOutput("first\n"));
   EXPECT_TRUE(start({"show", "at-once"}, none).waitForOutput("other silent\n"));
+  const ChildProcess::Environment another{{"DBUS_SESSION_BUS_ADDRESS", "autolaunch:"},
+                                          {"XDG_RUNTIME_DIR", empty.path()}};
+  EXPECT_TRUE(start({}, another).waitForOutput("first\n"));
+  EXPECT_TRUE(start({}, another).waitForOutput("first\n")) << "none is started";
   EXPECT_TRUE(std::filesystem::is_empty(empty.path()));
 }
 

@@ -6,10 +6,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <system_error>
 
 namespace orvel {
 namespace {
+
+constexpr std::string_view startingOne = "autolaunch:";
 
 /// A handler that one thread gives to another. The locks of the library see to the order, but are not known to all who
 /// watch over it; so it is also in an atomic of our own.
@@ -34,7 +37,8 @@ class Observer {
 }  // namespace
 
 std::string sessionBusAddress() {
-  if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS")) return address;
+  const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+  if (address != nullptr && !std::string_view(address).starts_with(startingOne)) return address;
   const char* folder = std::getenv("XDG_RUNTIME_DIR");
   if (folder == nullptr) return {};
   const std::filesystem::path socket = std::filesystem::path(folder) / "bus";
