@@ -30,7 +30,7 @@ int fail(int exitCode, const std::string& reason) {
 }
 
 std::vector<std::string> toolkitArguments() {
-  std::vector<std::string> arguments = orvel::toolkitOptions();
+  std::vector<std::string> arguments = orvel::prepareToolkit();
   arguments.insert(arguments.begin(), "orvel");
   return arguments;
 }

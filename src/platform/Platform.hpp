@@ -65,8 +65,9 @@ class Platform {
 /// else is made, for the toolkit ends a program that has no desktop.
 std::optional<std::string> missingDesktop();
 
-/// What the toolkit has to be told so that it works with the same desktop as `Platform`.
-std::vector<std::string> toolkitOptions();
+/// Sees to it that the toolkit starts beside a desktop of which parts hang, and returns the options by which it works
+/// with the same desktop as `Platform`. Called before the toolkit is made.
+std::vector<std::string> prepareToolkit();
 
 /// Opens the desktop of this login, or says in a sentence for the user why there is none.
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform();

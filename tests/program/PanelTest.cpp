@@ -255,5 +255,49 @@ TEST_F(NoTrayTest, ATakenPortIsSaidAndRestartTakesItOnceItIsFree) {
   EXPECT_FALSE(panel->find("label", "Port 8787 is taken. Quit whatever is using it, then hit Restart."));
 }
 
+TEST_F(NoTrayTest, AMessageBusThatHangsKeepsNobodyFromThePanel) {
+  bus.signal(SIGSTOP);
+  host.emplace(desktop, bus.environment(), std::vector<std::string>{});
+  EXPECT_TRUE(host->waitUntilListening()) << host->process().output();
+  EXPECT_TRUE(eventually([&] { return windowManager.windowsOf("orvel").size() == 1; }));
+  bus.signal(SIGCONT);
+}
+
+/// On a server without the extension that input is posted by.
+struct NoPermissionTest : testing::Test {
+  NoPermissionTest() {
+    if (!bus.switchOnAccessibility()) throw std::runtime_error("no accessibility on the bus");
+  }
+
+  VirtualDesktop desktop{{"-extension", "XTEST"}};
+  SessionBus bus{desktop};
+  WindowManager windowManager{desktop};
+  DesktopView view{desktop.display()};
+};
+
+TEST_F(NoPermissionTest, ThePanelExplainsWhatIsMissingAndOpensTheSettings) {
+  // Stands for the settings program of a desktop.
+  const auto settings = desktop.home() / "xfce4-accessibility-settings";
+  const auto opened = desktop.home() / "settings-opened";
+  std::ofstream(settings) << "#!/bin/sh\ntouch '" << opened.string() << "'\n";
+  std::filesystem::permissions(settings, std::filesystem::perms::owner_all);
+  auto environment = bus.environment();
+  environment["PATH"] = desktop.home().string() + ":/usr/bin:/bin";
+  environment["XDG_CURRENT_DESKTOP"] = "XFCE";
+  HostProcess host(desktop, environment, {});
+  ASSERT_TRUE(host.waitUntilListening());
+  const AccessibleProgram panel(bus, host.process().pid());
+  EXPECT_TRUE(panel.waitFor("label", "Waiting for permission").isShowing);
+  EXPECT_THAT(panel.names("label"),
+              testing::ElementsAre(
+                  "Orvel", "Waiting for permission", "Accessibility is off",
+                  "macOS will not let Orvel move the cursor until you tick it under Privacy & Security "
+                  "→ Accessibility.",
+                  testing::StartsWith("On Linux there is nothing to tick"), "Connected", "No phones right now"));
+  EXPECT_TRUE(view.photograph(ORVEL_SCREENSHOTS "/panel-permission.png"));
+  ASSERT_TRUE(panel.press("push button", "Open Accessibility settings"));
+  EXPECT_TRUE(PanelFixture::eventually([&] { return std::filesystem::exists(opened); }));
+}
+
 }  // namespace
 }  // namespace orvel

@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxPlatform.hpp"
 
+#include "platform/linux/bus/TimeLimit.hpp"
+#include "platform/linux/bus/ToolkitBus.hpp"
 #include "platform/linux/files/ConfigurationFolders.hpp"
 #include "platform/linux/files/OwnProgram.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
@@ -8,6 +10,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -16,6 +19,7 @@ namespace orvel {
 namespace {
 
 constexpr rlim_t mostDescriptors = 65536;
+constexpr std::chrono::seconds busPatience{1};
 constexpr int largestKeptBlock = 256 * 1024;
 
 std::string needsDesktop(const std::string& reason) {
@@ -117,7 +121,8 @@ std::optional<std::string> missingDesktop() {
       "applications menu or from a terminal of your desktop.");
 }
 
-std::vector<std::string> toolkitOptions() {
+std::vector<std::string> prepareToolkit() {
+  forgoSilentBus(TimeLimit(busPatience));
   // On Wayland, too: there only Xwayland lets a window open beside an icon.
   return {"-platform", "xcb"};
 }
