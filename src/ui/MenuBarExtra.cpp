@@ -78,8 +78,9 @@ void MenuBarExtra::openPanel(const std::string& token) {
 void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
   const auto kind = parts_.statusItem.isShown() ? PanelWindow::Kind::besideIcon : PanelWindow::Kind::normal;
   panel_.reset(new PanelWindow(kind, parts_.host, parts_.loginItem, parts_.appearance, [this] { dismissPanel(); }));
+  panel_->place(icon);
   if (kind == PanelWindow::Kind::besideIcon) parts_.foreground.keepOutOfList(panel_->winId());
-  panel_->open(icon);
+  panel_->open();
   parts_.foreground.bring(panel_->winId(), token);
 }
 

@@ -130,7 +130,7 @@ QString PanelLook::styleSheet() const {
   const QColor button = isDark_ ? QColor(0x46, 0x46, 0x4b) : QColor(0xff, 0xff, 0xff);
   const QColor pressed = isDark_ ? QColor(0x38, 0x38, 0x3c) : QColor(0xe4, 0xe4, 0xe8);
   return QStringLiteral(
-             "QPushButton{color:%1;background:%2;border:1px solid %3;border-radius:%4px;padding:%5px %6px}"
+             "QPushButton{outline:none;color:%1;background:%2;border:1px solid %3;border-radius:%4px;padding:%5px %6px}"
              "QPushButton:hover{border-color:%7}QPushButton:pressed{background:%8}"
              "QPushButton:focus{border:2px solid %7;padding:%9px %10px}"
              "QPushButton:disabled{color:%11}"

@@ -50,7 +50,7 @@ PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const
       scroll_(new QScrollArea) {
   setWindowTitle(QStringLiteral("Orvel"));
   // The first Tab goes to the first control; none is marked before.
-  setFocusPolicy(Qt::StrongFocus);
+  setFocusPolicy(Qt::ClickFocus);
   scroll_->setFrameShape(QFrame::NoFrame);
   scroll_->setFocusPolicy(Qt::NoFocus);
   scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -62,10 +62,13 @@ PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const
   lookAgain_.callOnTimeout(this, [this] { refresh(); });
 }
 
-void PanelWindow::open(const Rect& icon) {
+void PanelWindow::place(const Rect& icon) {
   icon_ = icon;
   model_.appear();
   restyle();
+}
+
+void PanelWindow::open() {
   show();
   setFocus();
   lookAgain_.start();

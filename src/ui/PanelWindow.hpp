@@ -29,8 +29,12 @@ class PanelWindow final : public QDialog {
   PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
               std::function<void()> dismissed);
 
-  /// Shows it; beside the icon, or where there is room.
-  void open(const Rect& icon);
+  /// Makes it as large as what it shows, and puts it beside the icon. Called before its native window is made, which
+  /// would not know of its place otherwise.
+  void place(const Rect& icon);
+
+  /// Shows it.
+  void open();
 
   /// The state of the host has changed.
   void refresh();

@@ -9,6 +9,7 @@
 #include "desktop/X11Witness.hpp"
 #include "program/HostProcess.hpp"
 #include "tools/PhoneClient.hpp"
+#include "tools/PhoneFrames.hpp"
 
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>

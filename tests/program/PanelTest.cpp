@@ -160,6 +160,63 @@ TEST_F(PanelTest, AnotherStartAtLoginLeavesItClosed) {
   EXPECT_TRUE(waitUntilOpen());
 }
 
+TEST_F(PanelTest, TheKeyboardReachesEverythingAndEscapeClosesIt) {
+  open();
+  auto phone = connectPaired(host->code(), "Keyboard");
+  const auto pressKey = [&](std::uint16_t code) {
+    for (const bool down : {true, false}) ASSERT_FALSE(phone.sendFrame(phone::keyFrame(code, down, 0)));
+  };
+  constexpr std::uint16_t tab = 48;
+  constexpr std::uint16_t space = 49;
+  constexpr std::uint16_t escape = 53;
+  for (const char* control : {"Show code", "Start at login", "Restart", "New code", "Quit", "Show code"}) {
+    pressKey(tab);
+    EXPECT_TRUE(eventually([&] {
+      const auto focused = panel->focused();
+      return focused && focused->name == control;
+    })) << control;
+  }
+  pressKey(space);
+  EXPECT_TRUE(shows("Hide code"));
+  EXPECT_EQ(panel->waitFor("push button", "Hide code").isFocused, true);
+  pressKey(escape);
+  EXPECT_TRUE(waitUntilClosed());
+}
+
+TEST_F(PanelTest, FollowsTheDesktopIntoTheDark) {
+  open();
+  const auto lightness = [this] {
+    const Rect place = panel->waitFor("dialog", "Orvel").place;
+    return view.picture().at(static_cast<int>(place.minX()) + 4, static_cast<int>(place.minY()) + 4) & 0xff;
+  };
+  EXPECT_TRUE(eventually([&] { return lightness() > 200; }));
+  const auto settings = desktop.home() / "xsettings";
+  std::ofstream(settings) << "Net/ThemeName \"Adwaita-dark\"\nGtk/FontName \"DejaVu Sans 16\"\n";
+  const double width = panel->waitFor("dialog", "Orvel").place.size.width;
+  ChildProcess manager({.command = {"xsettingsd", "-c", settings.string()}, .environment = bus.environment()});
+  EXPECT_TRUE(eventually([&] { return lightness() < 80; }));
+  EXPECT_TRUE(eventually([&] { return panel->waitFor("dialog", "Orvel").place.size.width > width * 1.3; }));
+  EXPECT_TRUE(shows("Orvel"));
+  photograph("panel-dark");
+}
+
+struct ScaleTest : PanelFixture, testing::WithParamInterface<int> {};
+
+TEST_P(ScaleTest, TheCodeIsSharpAndReadableAtEveryScale) {
+  const auto resources = desktop.home() / "resources";
+  std::ofstream(resources) << "Xft.dpi: " << 96 * GetParam() / 100 << '\n';
+  ASSERT_EQ(desktop.run({"xrdb", "-merge", resources.string()}), 0);
+  startTray({.kind = TrayHost::Kind::tint2, .edge = TrayHost::Edge::bottom});
+  startHost();
+  ASSERT_TRUE(tray->clickIcon());
+  ASSERT_TRUE(waitUntilOpen());
+  ASSERT_TRUE(press("Show code"));
+  EXPECT_EQ(scannedCode(), host->code());
+  photograph("panel-scale" + std::to_string(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, ScaleTest, testing::Values(100, 125, 150, 200));
+
 struct TrayTest : PanelFixture, testing::WithParamInterface<TrayHost::Look> {};
 
 TEST_P(TrayTest, TheIconOpensThePanelInsideTheScreenAndBesideTheBar) {

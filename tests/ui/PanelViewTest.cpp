@@ -5,6 +5,7 @@
 #include "ui/PanelModel.hpp"
 #include "ui/PanelView.hpp"
 #include "ui/PanelWidgets.hpp"
+#include "ui/QRMaker.hpp"
 #include "ui/QRView.hpp"
 
 #include <gmock/gmock.h>
@@ -13,7 +14,6 @@
 #include <QImage>
 #include <QLabel>
 #include <QPixmap>
-#include <algorithm>
 #include <string>
 
 namespace orvel {
@@ -163,30 +163,35 @@ TEST_F(PanelViewTest, ALongNameDoesNotWidenThePanel) {
   EXPECT_FALSE(picture().isNull());
 }
 
-TEST_F(PanelViewTest, TheQRCodeIsShownAt168PointsInPureBlackAndWhite) {
-  ASSERT_TRUE(widgets.press("Show code"));
-  picture();
-  auto* code = [&] {
-    for (auto* widget : view.findChildren<QWidget*>()) {
-      if (dynamic_cast<QRView*>(widget) != nullptr && widget->isVisibleTo(&view)) return widget;
-    }
-    return static_cast<QWidget*>(nullptr);
-  }();
-  ASSERT_NE(code, nullptr);
-  const QImage shown = code->grab().toImage().convertToFormat(QImage::Format_RGB32);
+struct QRViewTest : testing::TestWithParam<double> {};
+
+TEST_P(QRViewTest, IsShownAt168PointsInPureBlackAndWhiteAtEveryScale) {
+  const auto code = QRMaker::image("a few dozen characters, as a pairing needs", 190);
+  ASSERT_TRUE(code);
+  QRView view(*code, 168);
+  QImage shown((QSizeF(view.size()) * GetParam()).toSize(), QImage::Format_RGB32);
+  shown.setDevicePixelRatio(GetParam());
+  shown.fill(Qt::gray);
+  view.render(&shown);
   QRect dark;
   for (int y = 0; y < shown.height(); ++y) {
     for (int x = 0; x < shown.width(); ++x) {
-      if (shown.pixel(x, y) == qRgb(0, 0, 0)) {
-        dark |= QRect(x, y, 1, 1);
-      } else if (dark.contains(x, y)) {
-        EXPECT_EQ(shown.pixel(x, y), qRgb(255, 255, 255));
-      }
+      if (shown.pixel(x, y) == qRgb(0, 0, 0)) dark |= QRect(x, y, 1, 1);
     }
   }
-  EXPECT_EQ(dark.size(), QSize(168, 168));
-  EXPECT_GE(dark.left(), 16);
+  EXPECT_NEAR(dark.width(), 168 * GetParam(), 1);
+  EXPECT_NEAR(dark.height(), 168 * GetParam(), 1);
+  // As much light around it as scanners want: four modules.
+  EXPECT_GE(dark.left() * static_cast<int>(code->modulesPerSide), 4 * dark.width());
+  for (int y = dark.top(); y <= dark.bottom(); ++y) {
+    for (int x = dark.left(); x <= dark.right(); ++x) {
+      const bool isPure = shown.pixel(x, y) == qRgb(0, 0, 0) || shown.pixel(x, y) == qRgb(255, 255, 255);
+      ASSERT_TRUE(isPure) << x << ' ' << y;
+    }
+  }
 }
+
+INSTANTIATE_TEST_SUITE_P(Scales, QRViewTest, testing::Values(1, 1.25, 1.5, 2, 3));
 
 TEST_F(PanelViewTest, FollowsTheDesktopFromLightToDark) {
   const auto ground = [this] { return picture().pixelColor(2, 2).lightness(); };
