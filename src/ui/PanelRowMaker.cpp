@@ -125,6 +125,7 @@ QWidget* PanelRowMaker::operator()(const PanelToggle& toggle) const {
   box->setObjectName(QStringLiteral("startAtLogin"));
   box->setFont(look_.font(PanelFont::body));
   box->setChecked(toggle.isOn);
+  box->setFocusPolicy(Qt::TabFocus);
   QObject::connect(box, &ToggleSwitch::toggled, box,
                    [&handlers = handlers_](bool on) { handlers.setStartAtLogin(on); });
   return box;
@@ -148,6 +149,8 @@ QPushButton* PanelRowMaker::button(const PanelButton& button) const {
   made->setFont(look_.font(PanelFont::small));
   made->setEnabled(button.isEnabled);
   made->setAutoDefault(true);
+  // A click needs no mark of where the keyboard is.
+  made->setFocusPolicy(Qt::TabFocus);
   QObject::connect(made, &QPushButton::clicked, made,
                    [&handlers = handlers_, action = button.action] { handlers.perform(action); });
   return made;
