@@ -20,7 +20,9 @@ struct ConsoleStatusTest : testing::Test {
 };
 
 TEST_F(ConsoleStatusTest, SaysWhereItListensAndHowToPair) {
-  EXPECT_EQ(shown(idle, running), "Listening on 10.0.0.2:8787\nTo pair a phone: orvel --show opens the panel, orvel --pair prints what a phone needs\n");
+  EXPECT_EQ(shown(idle, running),
+            "Listening on 10.0.0.2:8787\nTo pair a phone: orvel --show opens the panel, orvel --pair prints what a "
+            "phone needs\n");
   EXPECT_EQ(shown(running, running), "");
 }
 

@@ -1,5 +1,4 @@
 #include "app/PanelService.hpp"
-
 #include "app/ServerHub.hpp"
 #include "fakes/SessionWorld.hpp"
 

@@ -34,13 +34,15 @@ std::variant<std::unique_ptr<Platform>, std::string> openAt(const std::string& d
 TEST(LinuxPlatformTest, WithoutADesktopItSaysSo) {
   unsetenv("DISPLAY");
   unsetenv("WAYLAND_DISPLAY");
-  EXPECT_EQ(missingDesktop(),
-            "Orvel needs a desktop to work on: there is none here, as neither DISPLAY nor WAYLAND_DISPLAY is set. Start "
-            "it from the applications menu or from a terminal of your desktop.");
+  EXPECT_EQ(
+      missingDesktop(),
+      "Orvel needs a desktop to work on: there is none here, as neither DISPLAY nor WAYLAND_DISPLAY is set. Start "
+      "it from the applications menu or from a terminal of your desktop.");
   setenv("WAYLAND_DISPLAY", "wayland-0", 1);
-  EXPECT_EQ(missingDesktop(),
-            "Orvel needs a desktop to work on: this Wayland session has no Xwayland, which it works through. Install it "
-            "(package xwayland), or log in to an X11 session.");
+  EXPECT_EQ(
+      missingDesktop(),
+      "Orvel needs a desktop to work on: this Wayland session has no Xwayland, which it works through. Install it "
+      "(package xwayland), or log in to an X11 session.");
   setenv("DISPLAY", ":4095", 1);
   EXPECT_EQ(missingDesktop(), "Orvel needs a desktop to work on: no X display answers at \":4095\".");
   const auto missing = openAt(":4095");
