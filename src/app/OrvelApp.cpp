@@ -76,6 +76,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .foreground = platform.foreground(),
                      .host = panelService_,
                      .loginItem = loginItem_,
+                     .presses = platform.presses(),
                      .statusItem = platform.statusItem()}),
       status_(std::cout, addressToShow(platform.machine())),
       delegate_(hub_, permission_, platform.workspace(), mainLoop),

@@ -21,6 +21,7 @@ class JPEGEncoder;
 class LoginItemService;
 class Machine;
 class Preferences;
+class PressWatch;
 class ScreenRecordingAccess;
 class SocketTuner;
 class StatusItem;
@@ -44,6 +45,7 @@ class Platform {
   virtual LoginItemService& loginItem() = 0;
   virtual Machine& machine() = 0;
   virtual Preferences& preferences() = 0;
+  virtual PressWatch& presses() = 0;
   virtual ScreenRecordingAccess& screenRecording() = 0;
   virtual SocketTuner& socketTuner() = 0;
   virtual StatusItem& statusItem() = 0;

@@ -5,6 +5,7 @@
 #include "ui/PanelHost.hpp"
 #include "ui/PanelPlacement.hpp"
 #include "ui/PanelWindow.hpp"
+#include "ui/PressWatch.hpp"
 #include "ui/StatusItem.hpp"
 
 #include <QCursor>
@@ -81,6 +82,7 @@ void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
   panel_->place(icon);
   if (kind == PanelWindow::Kind::besideIcon) parts_.foreground.keepOutOfList(panel_->winId());
   panel_->open();
+  if (kind == PanelWindow::Kind::besideIcon) parts_.presses.begin([this] { dismissPanelUnlessPointedAt(); });
   parts_.foreground.bring(panel_->winId(), token);
 }
 
@@ -90,7 +92,12 @@ void MenuBarExtra::dismissPanel() {
   closePanel();
 }
 
+void MenuBarExtra::dismissPanelUnlessPointedAt() {
+  if (panel_ && !panel_->frameGeometry().contains(QCursor::pos())) dismissPanel();
+}
+
 void MenuBarExtra::closePanel() {
+  parts_.presses.end();
   // Hiding it takes the keyboard from it, which must not count as another dismissal.
   if (const auto closing = std::move(panel_)) closing->hide();
 }

@@ -16,6 +16,7 @@ class Foreground;
 class LoginItem;
 class PanelHost;
 class PanelWindow;
+class PressWatch;
 class StatusItem;
 
 /// The icon and the panel that opens from it, as a small window and not as a menu. There is a panel only while it is
@@ -28,6 +29,7 @@ class MenuBarExtra {
     Foreground& foreground;
     PanelHost& host;
     LoginItem& loginItem;
+    PressWatch& presses;
     StatusItem& statusItem;
   };
 
@@ -58,6 +60,7 @@ class MenuBarExtra {
   void iconActivated();
   void openPanelAt(const Rect& icon, const std::string& token);
   void dismissPanel();
+  void dismissPanelUnlessPointedAt();
   Rect likelyIconPlace() const;
 
   const Parts parts_;

@@ -2,6 +2,7 @@
 
 #include "ui/Appearance.hpp"
 #include "ui/Foreground.hpp"
+#include "ui/PressWatch.hpp"
 #include "ui/StatusItem.hpp"
 
 #include <functional>
@@ -52,6 +53,15 @@ class FakeForeground final : public Foreground {
   int keptOut = 0;
   std::vector<std::string> brought;
   std::vector<std::string> finished;
+};
+
+/// Tells of presses when a test says so.
+class FakePressWatch final : public PressWatch {
+ public:
+  void begin(std::function<void()> handler) override { pressed = std::move(handler); }
+  void end() override { pressed = {}; }
+
+  std::function<void()> pressed;
 };
 
 }  // namespace orvel

@@ -128,6 +128,20 @@ TEST_F(PanelTest, AClickElsewhereClosesIt) {
   EXPECT_TRUE(waitUntilClosed());
 }
 
+/// Neither takes the keyboard from the panel.
+TEST_F(PanelTest, AClickOnTheBarOrOnTheBareDesktopClosesIt) {
+  for (const auto& [x, y] : {std::pair(700, 16), std::pair(900, 600)}) {
+    open();
+    ASSERT_TRUE(eventually([&] { return windowManager.activeWindow() != 0; }));
+    auto phone = connectPaired(host->code(), "Pointer");
+    ASSERT_FALSE(phone.sendFrame(phone::moveAbsoluteFrame(x / 1280.0, y / 800.0)));
+    ASSERT_FALSE(phone.sendFrame(phone::clickFrame(phone::MouseButton::left, 1)));
+    EXPECT_TRUE(waitUntilClosed()) << x << ' ' << y;
+    ASSERT_FALSE(phone.close(phonePatience));
+    std::this_thread::sleep_for(Milliseconds(600));  // as two clicks on the icon, not one double click
+  }
+}
+
 TEST_F(PanelTest, TheSwitchChangesWhatStartsAtLogin) {
   open();
   EXPECT_FALSE(panel->waitFor("check box", "Start at login").isChecked);

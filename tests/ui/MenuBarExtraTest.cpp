@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCursor>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QScreen>
@@ -54,12 +55,14 @@ struct MenuBarExtraTest : testing::Test {
   FakeStatusItem icon;
   FakeAppearance appearance;
   FakeForeground foreground;
+  FakePressWatch presses;
   std::vector<bool> decided;
   MenuBarExtra extra{{.appearance = appearance,
                       .clock = clock,
                       .foreground = foreground,
                       .host = host,
                       .loginItem = loginItem,
+                      .presses = presses,
                       .statusItem = icon}};
 };
 
@@ -111,6 +114,18 @@ TEST_F(MenuBarExtraTest, AClickElsewhereClosesIt) {
   icon.click();
   clickElsewhere();
   EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, APressElsewhereClosesItEvenWhereTheKeyboardStays) {
+  EXPECT_FALSE(presses.pressed);
+  icon.click();
+  QCursor::setPos(panel()->geometry().center());
+  presses.pressed();
+  EXPECT_NE(panel(), nullptr);
+  QCursor::setPos(panel()->geometry().bottomRight() + QPoint(5, 5));
+  presses.pressed();
+  EXPECT_EQ(panel(), nullptr);
+  EXPECT_FALSE(presses.pressed) << "nobody listens while it is closed";
 }
 
 TEST_F(MenuBarExtraTest, EscapeClosesIt) {
@@ -187,6 +202,7 @@ TEST_F(MenuBarExtraTest, WithoutATrayItOpensAsANormalWindow) {
   EXPECT_FALSE(panel()->windowFlags().testFlag(Qt::FramelessWindowHint));
   EXPECT_THAT(foreground.brought, ElementsAre("token"));
   EXPECT_EQ(foreground.keptOut, 0);
+  EXPECT_FALSE(presses.pressed);
   clickElsewhere();
   EXPECT_NE(panel(), nullptr);
   panel()->close();

@@ -60,6 +60,7 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, const st
       events_(*connection_, displays_),
       foreground_(*connection_),
       loginItem_(ConfigurationFolders::ofUser(), ownProgram()),
+      presses_(*connection_),
       screenRecording_(*connection_),
       trust_(*connection_),
       workspace_(*connection_, desktopEntries_, dataFolders_, openFiles) {}
@@ -78,6 +79,7 @@ bool LinuxPlatform::listen() {
                                     events_.handle(event);
                                     appearance_.handle(event);
                                     foreground_.handle(event);
+                                    presses_.handle(event);
                                     workspace_.handle(event);
                                   },
                               .ended = [this] { end(); }});

@@ -14,6 +14,7 @@
 #include "platform/linux/SystemLoginItemService.hpp"
 #include "platform/linux/SystemMachine.hpp"
 #include "platform/linux/SystemPreferences.hpp"
+#include "platform/linux/SystemPressWatch.hpp"
 #include "platform/linux/SystemScreenRecordingAccess.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
 #include "platform/linux/SystemStatusItem.hpp"
@@ -56,6 +57,7 @@ class LinuxPlatform final : public Platform {
   LoginItemService& loginItem() override { return loginItem_; }
   Machine& machine() override { return machine_; }
   Preferences& preferences() override { return preferences_; }
+  PressWatch& presses() override { return presses_; }
   ScreenRecordingAccess& screenRecording() override { return screenRecording_; }
   SocketTuner& socketTuner() override { return socketTuner_; }
   StatusItem& statusItem() override { return statusItem_; }
@@ -89,6 +91,7 @@ class LinuxPlatform final : public Platform {
   SystemLoginItemService loginItem_;
   SystemMachine machine_;
   SystemPreferences preferences_;
+  SystemPressWatch presses_;
   SystemScreenRecordingAccess screenRecording_;
   SystemSocketTuner socketTuner_;
   SystemStatusItem statusItem_;

@@ -1,17 +1,13 @@
 #include "platform/linux/capture/PointerMotion.hpp"
 
+#include "platform/linux/x11/RawInput.hpp"
 #include "platform/linux/x11/SystemCounter.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <xcb/xinput.h>
 
-#include <utility>
-
 namespace orvel {
 namespace {
-
-// The first version that tells of motion also while another program has grabbed the pointer.
-constexpr std::pair<std::uint16_t, std::uint16_t> neededVersion{2, 1};
 
 // The number is that of the first master pointer, which every server has.
 constexpr const char* stillnessOfPointer = "DEVICEIDLETIME 2";
@@ -19,13 +15,9 @@ constexpr const char* stillnessOfPointer = "DEVICEIDLETIME 2";
 }  // namespace
 
 std::unique_ptr<PointerMotion> PointerMotion::find(const X11Connection& connection) {
-  const auto* input = connection.extension(xcb_input_id);
-  if (input == nullptr) return nullptr;
-  const auto asked = xcb_input_xi_query_version(connection.get(), neededVersion.first, neededVersion.second);
-  const X11Answer<xcb_input_xi_query_version_reply_t> version{
-      xcb_input_xi_query_version_reply(connection.get(), asked, nullptr)};
-  if (!version || std::pair(version->major_version, version->minor_version) < neededVersion) return nullptr;
-  return std::unique_ptr<PointerMotion>(new PointerMotion(connection, input->major_opcode));
+  const auto opcode = rawInputOpcode(connection);
+  if (!opcode) return nullptr;
+  return std::unique_ptr<PointerMotion>(new PointerMotion(connection, *opcode));
 }
 
 PointerMotion::PointerMotion(const X11Connection& connection, std::uint8_t opcode)
@@ -40,12 +32,7 @@ void PointerMotion::tell(bool wanted) {
 }
 
 void PointerMotion::tellOfDevices(bool wanted) {
-  struct {
-    xcb_input_event_mask_t head;
-    std::uint32_t events;
-  } const selection{.head = {.deviceid = XCB_INPUT_DEVICE_ALL_MASTER, .mask_len = 1},
-                    .events = wanted ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_MOTION} : 0};
-  xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &selection.head);
+  selectRawInput(connection_, wanted ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_MOTION} : 0);
 }
 
 void PointerMotion::tellOfEndOfStillness(bool wanted) {

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+
+namespace orvel {
+
+/// Hears of pointer buttons that are pressed, wherever on the desktop that is: not every window takes the keyboard from
+/// ours when it is clicked. Threads: the main thread.
+class PressWatch {
+ public:
+  virtual ~PressWatch() = default;
+
+  /// Calls `pressed`, on the main thread, soon after each press until `end`. Where the desktop does not tell, it never
+  /// does.
+  virtual void begin(std::function<void()> pressed) = 0;
+
+  virtual void end() = 0;
+};
+
+}  // namespace orvel
