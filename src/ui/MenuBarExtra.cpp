@@ -7,6 +7,7 @@
 #include "ui/PanelWindow.hpp"
 #include "ui/PressWatch.hpp"
 #include "ui/StatusItem.hpp"
+#include "ui/ToolkitGeometry.hpp"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -18,11 +19,6 @@ namespace {
 
 /// Between the press of a click on the icon, which takes the keyboard from the panel, and its release, which opens it.
 constexpr Seconds longestClick{0.4};
-
-Rect rectOf(const QRect& rect) {
-  return {{static_cast<double>(rect.x()), static_cast<double>(rect.y())},
-          {static_cast<double>(rect.width()), static_cast<double>(rect.height())}};
-}
 
 Rect pointerPlace() {
   const QPoint pointer = QCursor::pos();
@@ -106,8 +102,7 @@ Rect MenuBarExtra::likelyIconPlace() const {
   if (const auto place = parts_.statusItem.place()) return *place;
   if (lastClick_) return *lastClick_;
   const QScreen* screen = QGuiApplication::primaryScreen();
-  return PanelPlacement::usualCorner(
-      {.whole = rectOf(screen->geometry()), .free = rectOf(screen->availableGeometry())});
+  return PanelPlacement::usualCorner(monitorOf(*screen));
 }
 
 }  // namespace orvel

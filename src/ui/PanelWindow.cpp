@@ -3,6 +3,7 @@
 #include "ui/PanelLook.hpp"
 #include "ui/PanelPlacement.hpp"
 #include "ui/PanelView.hpp"
+#include "ui/ToolkitGeometry.hpp"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -21,11 +22,6 @@ namespace {
 
 constexpr std::chrono::milliseconds lookInterval{1500};
 constexpr int frameWidth = 1;
-
-Rect rectOf(const QRect& rect) {
-  return {{static_cast<double>(rect.x()), static_cast<double>(rect.y())},
-          {static_cast<double>(rect.width()), static_cast<double>(rect.height())}};
-}
 
 QScreen* screenAt(const Rect& icon) {
   QScreen* screen = QGuiApplication::screenAt({static_cast<int>(icon.centre().x), static_cast<int>(icon.centre().y)});
@@ -95,8 +91,8 @@ void PanelWindow::fit() {
   const bool scrolls = height < whole.height() + frame;
   const int width = whole.width() + frame + (scrolls ? scroll_->verticalScrollBar()->sizeHint().width() : 0);
   if (kind_ == Kind::normal) return setFixedSize(width, height);
-  const Point place = PanelPlacement::at(icon_, {static_cast<double>(width), static_cast<double>(height)},
-                                         {.whole = rectOf(screen->geometry()), .free = rectOf(free)});
+  const Point place =
+      PanelPlacement::at(icon_, {static_cast<double>(width), static_cast<double>(height)}, monitorOf(*screen));
   setGeometry(static_cast<int>(place.x), static_cast<int>(place.y), width, height);
 }
 

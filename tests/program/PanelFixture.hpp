@@ -1,25 +1,20 @@
 #pragma once
 
 #include "desktop/AccessibleProgram.hpp"
-#include "desktop/DesktopView.hpp"
 #include "desktop/QRReader.hpp"
-#include "desktop/SessionBus.hpp"
 #include "desktop/TrayHost.hpp"
-#include "desktop/WindowManager.hpp"
 #include "desktop/X11Witness.hpp"
+#include "program/DesktopFixture.hpp"
 #include "program/HostProcess.hpp"
 #include "tools/PhoneClient.hpp"
 #include "tools/PhoneFrames.hpp"
 
 #include <boost/json/parse.hpp>
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -27,13 +22,9 @@ namespace orvel {
 
 /// A login with a window manager, a message bus and somebody who needs a screen reader, but without a tray until one is
 /// started.
-struct PanelFixture : testing::Test {
+struct PanelFixture : DesktopFixture {
   PanelFixture() {
     if (!bus.switchOnAccessibility()) throw std::runtime_error("no accessibility on the bus");
-  }
-
-  void TearDown() override {
-    if (HasFailure()) photograph(testing::UnitTest::GetInstance()->current_test_info()->name());
   }
 
   void startTray(const TrayHost::Look& look) {
@@ -110,24 +101,6 @@ struct PanelFixture : testing::Test {
     return failure && failure->kind == phone::Error::Kind::ended;
   }
 
-  /// Leaves a picture of the desktop for people to look at.
-  bool photograph(const std::string& name) const { return view.photograph(ORVEL_SCREENSHOTS "/" + name + ".png"); }
-
-  static bool eventually(const std::function<bool()>& isTrue, Milliseconds limit = Milliseconds(20'000)) {
-    const Deadline deadline(limit);
-    while (!isTrue()) {
-      if (deadline.left() == Milliseconds(0)) return false;
-      std::this_thread::sleep_for(Milliseconds(20));
-    }
-    return true;
-  }
-
-  static constexpr phone::Seconds phonePatience{15};
-
-  VirtualDesktop desktop;
-  SessionBus bus{desktop};
-  WindowManager windowManager{desktop};
-  DesktopView view{desktop.display()};
   std::optional<TrayHost> tray;
   std::optional<HostProcess> host;
   std::optional<AccessibleProgram> panel;
