@@ -147,4 +147,14 @@ QString PanelLook::styleSheet() const {
       .arg(name(color(PanelColor::secondary)));
 }
 
+QString PanelLook::scrollBarStyleSheet() const {
+  return QStringLiteral(
+             "QScrollBar{width:%1px;background:transparent}QScrollBar::handle{background:%2;border-radius:%3px;"
+             "min-height:%4px}QScrollBar::add-line,QScrollBar::sub-line{height:0}")
+      .arg(length(8))
+      .arg(frame().name())
+      .arg(length(4))
+      .arg(length(24));
+}
+
 }  // namespace orvel

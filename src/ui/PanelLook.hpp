@@ -29,6 +29,7 @@ class PanelLook {
 
   QPalette palette() const;
   QString styleSheet() const;
+  QString scrollBarStyleSheet() const;
 
  private:
   bool isDark_;

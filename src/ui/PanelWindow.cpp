@@ -78,6 +78,7 @@ void PanelWindow::restyle() {
   const PanelLook look(appearance_);
   setPalette(look.palette());
   frame_ = look.frame();
+  scroll_->verticalScrollBar()->setStyleSheet(look.scrollBarStyleSheet());
   view_->restyle();
 }
 
