@@ -26,7 +26,6 @@ PanelState PanelService::state() const {
           .mirroring = hub.mirroring,
           .port = dependencies_.hub->port(),
           .address = NetworkInfo::localAddress(dependencies_.machine),
-          .isRenewingCode = isRenewingCode_,
           .permissionAdvice = dependencies_.trust.advice()};
 }
 
@@ -52,7 +51,9 @@ void PanelService::restart() {
 }
 
 void PanelService::renewCode() {
-  if (std::exchange(isRenewingCode_, true)) return;
+  if (isRenewingCode_) return;
+  lastInvitation_ = invitation();
+  isRenewingCode_ = true;
   dependencies_.slowQueue.post([this] {
     dependencies_.pairing.rotateToken();
     dependencies_.hub->disconnectAll();

@@ -23,6 +23,7 @@ using orvel::CommandLine::Command;
 constexpr int usageError = 2;
 constexpr int noDesktop = 1;
 constexpr int noneRuns = 1;
+constexpr int notPrinted = 1;
 
 int fail(int exitCode, const std::string& reason) {
   std::cerr << "orvel: " << reason << '\n';
@@ -99,5 +100,6 @@ int main(int argc, char** argv) {
     std::cerr << "orvel: " << *error << "\n\n" << orvel::CommandLine::usage;
     return usageError;
   }
-  return perform(std::get<Command>(parsed));
+  const int exitCode = perform(std::get<Command>(parsed));
+  return std::cout.flush() ? exitCode : notPrinted;
 }

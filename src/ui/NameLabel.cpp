@@ -6,15 +6,21 @@
 namespace orvel {
 namespace {
 
-constexpr qsizetype longestTip = 1024;
+constexpr qsizetype longestName = 1024;
+
+/// On one line and of a length that can be read, without what has no shape.
+QString readable(const QString& name) {
+  QString text = name.left(longestName).simplified();
+  text.removeIf([](QChar character) { return character.category() == QChar::Other_Control; });
+  return text;
+}
 
 }  // namespace
 
 NameLabel::NameLabel(const QString& name) {
   setTextFormat(Qt::PlainText);
-  // Line breaks and the like are as good as spaces.
-  setText(name.simplified());
-  setToolTip(QStringLiteral("<span>%1</span>").arg(name.left(longestTip).toHtmlEscaped()));
+  setText(readable(name));
+  setToolTip(QStringLiteral("<span>%1</span>").arg(text().toHtmlEscaped()));
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 

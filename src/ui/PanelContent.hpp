@@ -28,7 +28,6 @@ enum class PanelAction { openAccessibilitySettings, toggleCode, restart, newCode
 struct PanelButton {
   std::string text;
   PanelAction action;
-  bool isEnabled = true;
 
   friend bool operator==(const PanelButton&, const PanelButton&) = default;
 };

@@ -16,7 +16,6 @@ struct PanelState {
   bool mirroring = false;
   std::uint16_t port = 0;
   std::optional<std::string> address{};  ///< Nothing while the computer is on no network.
-  bool isRenewingCode = false;           ///< A new pairing code has been asked for and is not there yet.
   std::string permissionAdvice{};        ///< What the platform has to say below the panel's own words; often nothing.
 };
 
@@ -44,7 +43,7 @@ class PanelHost {
   /// Listens anew, which disconnects every phone.
   virtual void restart() = 0;
 
-  /// Replaces the pairing code, then disconnects every phone.
+  /// Replaces the pairing code, then disconnects every phone. Until that is done, asking again does nothing.
   virtual void renewCode() = 0;
 
   /// Ends the program.

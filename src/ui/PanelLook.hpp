@@ -12,7 +12,7 @@ namespace orvel {
 class Appearance;
 
 /// Colours, fonts and lengths of the panel, as they follow from the desktop's. The desktop's own font stands for 13
-/// points, and all lengths grow with it. Threads: the main thread.
+/// points, and all lengths follow it but the side of the QR code. Threads: the main thread.
 class PanelLook {
  public:
   explicit PanelLook(const Appearance& appearance);

@@ -70,10 +70,10 @@ PanelBlock optionsBlock(bool startsAtLogin) {
   return {.kind = Kind::options, .rows = {PanelToggle{.text = "Start at login", .isOn = startsAtLogin}}};
 }
 
-PanelBlock footerBlock(const PanelState& state) {
+PanelBlock footerBlock() {
   return {.kind = Kind::footer,
           .rows = {PanelButtons{.buttons = {{"Restart", PanelAction::restart},
-                                            {"New code", PanelAction::newCode, !state.isRenewingCode},
+                                            {"New code", PanelAction::newCode},
                                             {"Quit", PanelAction::quit}},
                                 .areSmall = true}}};
 }
@@ -105,7 +105,7 @@ PanelContent PanelModel::content() const {
   if (showingQR_) content.push_back(pairingBlock(state));
   content.push_back(connectionsBlock(state, showingQR_));
   content.push_back(optionsBlock(loginItem_.isEnabled()));
-  content.push_back(footerBlock(state));
+  content.push_back(footerBlock());
   return content;
 }
 

@@ -147,7 +147,6 @@ QPushButton* PanelRowMaker::button(const PanelButton& button) const {
   auto* made = new QPushButton(QString::fromStdString(button.text));
   made->setObjectName(nameOf(button.action));
   made->setFont(look_.font(PanelFont::small));
-  made->setEnabled(button.isEnabled);
   made->setAutoDefault(true);
   // A click needs no mark of where the keyboard is.
   made->setFocusPolicy(Qt::TabFocus);

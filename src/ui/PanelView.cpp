@@ -1,32 +1,21 @@
 #include "ui/PanelView.hpp"
 
+#include "ui/PanelBlockView.hpp"
 #include "ui/PanelModel.hpp"
 
-#include <QApplication>
-#include <QFrame>
-#include <QLabel>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <iterator>
 #include <utility>
-#include <variant>
 
 namespace orvel {
 namespace {
 
 constexpr double widthPoints = 288;
-constexpr double sidePoints = 16;
-constexpr double edgePoints = 12;
-constexpr double rowGapPoints = 7;
 
-QFrame* divider(const QColor& color) {
-  auto* line = new QFrame;
-  line->setFixedHeight(1);
-  line->setAutoFillBackground(true);
-  QPalette palette;
-  palette.setColor(QPalette::Window, color);
-  line->setPalette(palette);
-  return line;
+bool isShown(const PanelContent& content, const std::vector<PanelBlockView*>& blocks) {
+  return std::ranges::equal(content, blocks, [](const PanelBlock& block, const PanelBlockView* view) {
+    return view->kind() == block.kind && view->shows(block.rows);
+  });
 }
 
 }  // namespace
@@ -44,7 +33,7 @@ PanelView::PanelView(PanelModel& model, const Appearance& appearance, std::funct
                     [this](bool on) {
                       model_.setStartAtLogin(on);
                       // What the switch shows now is the user's wish; what is stands in the desktop's list.
-                      forget(PanelBlock::Kind::options);
+                      viewFor(PanelBlock::Kind::options)->forget();
                       refresh();
                     }},
       changed_(std::move(changed)),
@@ -59,104 +48,75 @@ void PanelView::applyLook() {
   setStyleSheet({});
   setPalette(look_.palette());
   setStyleSheet(look_.styleSheet());
-  setFixedWidth(look_.length(widthPoints));
 }
 
 void PanelView::restyle() {
   look_ = PanelLook(appearance_);
   applyLook();
-  retireShown();
+  retire(std::exchange(blocks_, {}));
   refresh();
 }
 
 void PanelView::refresh() {
   const PanelContent content = model_.content();
-  const bool isShown = std::ranges::equal(content, shown_, {}, {}, &Shown::block);
-  if (!isShown) showContent(content);
+  if (!isShown(content, blocks_)) showContent(content);
 }
 
 void PanelView::showContent(const PanelContent& content) {
   const QWidget* focused = focusWidget();
   const QString focusName = focused == nullptr ? QString() : focused->objectName();
-  std::vector<Shown> next;
-  for (const PanelBlock& block : content) next.push_back({block, widgetFor(block)});
-  retireShown();
-  shown_ = std::move(next);
+  std::vector<PanelBlockView*> next;
+  for (const PanelBlock& block : content) {
+    next.push_back(viewFor(block.kind));
+    std::erase(blocks_, next.back());
+    if (!next.back()->shows(block.rows)) next.back()->showRows(block.rows);
+  }
+  retire(std::exchange(blocks_, std::move(next)));
   arrange();
   if (!focusName.isEmpty()) focusControl(focusName);
   changed_();
 }
 
-void PanelView::focusControl(const QString& name) {
-  const auto controls = findChildren<QWidget*>(name);
-  // The one that has been replaced is still there, in a hidden block.
-  const auto found = std::ranges::find_if(controls, [this](QWidget* control) { return control->isVisibleTo(this); });
-  if (found != controls.end()) (*found)->setFocus();
+PanelBlockView* PanelView::viewFor(PanelBlock::Kind kind) {
+  const auto found = std::ranges::find(blocks_, kind, &PanelBlockView::kind);
+  return found == blocks_.end() ? new PanelBlockView(kind, look_, handlers_) : *found;
 }
 
-void PanelView::forget(PanelBlock::Kind kind) {
-  const auto found = std::ranges::find(shown_, kind, [](const Shown& shown) { return shown.block.kind; });
-  if (found != shown_.end()) found->block.rows.clear();
-}
-
-QWidget* PanelView::widgetFor(const PanelBlock& block) {
-  const auto found = std::ranges::find(shown_, block, &Shown::block);
-  if (found == shown_.end()) return makeWidget(block);
-  QWidget* widget = found->widget;
-  shown_.erase(found);
-  return widget;
-}
-
-QWidget* PanelView::makeWidget(const PanelBlock& block) const {
-  auto* widget = new QWidget;
-  auto* outer = new QVBoxLayout(widget);
-  outer->setContentsMargins(0, 0, 0, 0);
-  outer->setSpacing(0);
-  if (block.kind != PanelBlock::Kind::header) outer->addWidget(divider(look_.divider()));
-  auto* rows = new QVBoxLayout;
-  const int side = look_.length(sidePoints);
-  const int edge = look_.length(edgePoints);
-  rows->setContentsMargins(side, edge, side, edge);
-  rows->setSpacing(look_.length(rowGapPoints));
-  const PanelRowMaker make(look_, handlers_);
-  for (const PanelRow& row : block.rows) {
-    QWidget* made = std::visit(make, row);
-    if (block.kind == PanelBlock::Kind::pairing) {
-      if (auto* label = qobject_cast<QLabel*>(made)) label->setAlignment(Qt::AlignHCenter);
-    }
-    rows->addWidget(made, 0, std::holds_alternative<PanelQR>(row) ? Qt::AlignHCenter : Qt::Alignment());
-  }
-  outer->addLayout(rows);
-  return widget;
-}
-
-void PanelView::retireShown() {
-  for (const Shown& shown : std::exchange(shown_, {})) {
-    layout_->removeWidget(shown.widget);
-    shown.widget->hide();
+void PanelView::retire(const std::vector<PanelBlockView*>& blocks) {
+  for (PanelBlockView* block : blocks) {
+    layout_->removeWidget(block);
+    block->hide();
     // It may be the one whose button has just been pressed.
-    shown.widget->deleteLater();
+    block->deleteLater();
   }
 }
 
 void PanelView::arrange() {
   while (QLayoutItem* item = layout_->takeAt(0)) delete item;
   QWidget* last = nullptr;
-  for (const Shown& shown : shown_) {
-    layout_->addWidget(shown.widget);
-    shown.widget->show();
+  for (PanelBlockView* block : blocks_) {
+    layout_->addWidget(block);
+    block->show();
     // Screen readers go by this order.
-    shown.widget->raise();
-    for (QWidget* control : shown.widget->findChildren<QWidget*>()) {
-      if ((control->focusPolicy() & Qt::TabFocus) == 0) continue;
+    block->raise();
+    for (QWidget* control : block->controls()) {
       if (last != nullptr) setTabOrder(last, control);
       last = control;
     }
   }
 }
 
-QSize PanelView::wholeSize() const {
-  return {width(), layout_->totalHeightForWidth(width())};
+void PanelView::focusControl(const QString& name) const {
+  const auto controls = findChildren<QWidget*>(name);
+  // The one that has been replaced is still there, but hidden.
+  const auto found = std::ranges::find_if(controls, [this](QWidget* control) { return control->isVisibleTo(this); });
+  if (found != controls.end()) (*found)->setFocus();
+}
+
+void PanelView::fit(int mostWidth) {
+  const int width = std::min(look_.length(widthPoints), mostWidth);
+  setFixedWidth(width);
+  resize(width, layout_->totalHeightForWidth(width));
 }
 
 }  // namespace orvel

@@ -13,10 +13,10 @@ class QVBoxLayout;
 namespace orvel {
 
 class Appearance;
+class PanelBlockView;
 class PanelModel;
 
-/// Shows what the panel's model says, and tells it what is pressed. Only blocks that differ are made anew, so the
-/// keyboard's focus and what a screen reader knows stay. Threads: the main thread.
+/// Shows what the panel's model says, and tells it what is pressed. Threads: the main thread.
 class PanelView final : public QWidget {
  public:
   /// `changed` is called when it shows something else and may need another size. All must outlive it.
@@ -28,22 +28,16 @@ class PanelView final : public QWidget {
   /// Shows it in the look that the desktop has now.
   void restyle();
 
-  /// What it takes to show everything, in the toolkit's units.
-  QSize wholeSize() const;
+  /// Makes itself as wide as it is meant to be, but not wider than `mostWidth`, and as high as it takes to show
+  /// everything; in the toolkit's units.
+  void fit(int mostWidth);
 
  private:
-  struct Shown {
-    PanelBlock block;
-    QWidget* widget;
-  };
-
   void showContent(const PanelContent& content);
-  void forget(PanelBlock::Kind kind);
-  QWidget* widgetFor(const PanelBlock& block);
-  QWidget* makeWidget(const PanelBlock& block) const;
-  void retireShown();
+  PanelBlockView* viewFor(PanelBlock::Kind kind);
+  void retire(const std::vector<PanelBlockView*>& blocks);
   void arrange();
-  void focusControl(const QString& name);
+  void focusControl(const QString& name) const;
   void applyLook();
 
   PanelModel& model_;
@@ -51,7 +45,7 @@ class PanelView final : public QWidget {
   PanelLook look_;
   const PanelRowMaker::Handlers handlers_;
   const std::function<void()> changed_;
-  std::vector<Shown> shown_;
+  std::vector<PanelBlockView*> blocks_;
   QVBoxLayout* const layout_;
 };
 

@@ -83,18 +83,34 @@ void PanelWindow::restyle() {
 }
 
 void PanelWindow::fit() {
-  const QScreen* screen = screenAt(icon_);
+  const QScreen* screen = kind_ == Kind::normal && isVisible() ? this->screen() : screenAt(icon_);
   const QRect free = screen->availableGeometry();
-  const QSize whole = view_->wholeSize();
-  view_->resize(whole);
+  const int margin = static_cast<int>(2 * PanelPlacement::gap);
   const int frame = 2 * frameWidth;
-  const int height = std::min(whole.height() + frame, free.height() - static_cast<int>(2 * PanelPlacement::gap));
+  const int bar = scroll_->verticalScrollBar()->sizeHint().width();
+  view_->fit(free.width() - margin - frame - bar);
+  const QSize whole = view_->size();
+  // A normal window has a title, too.
+  const QSize title = frameGeometry().size() - geometry().size();
+  const int height = std::min(whole.height() + frame, free.height() - margin - title.height());
   const bool scrolls = height < whole.height() + frame;
-  const int width = whole.width() + frame + (scrolls ? scroll_->verticalScrollBar()->sizeHint().width() : 0);
-  if (kind_ == Kind::normal) return setFixedSize(width, height);
-  const Point place =
-      PanelPlacement::at(icon_, {static_cast<double>(width), static_cast<double>(height)}, monitorOf(*screen));
-  setGeometry(static_cast<int>(place.x), static_cast<int>(place.y), width, height);
+  const QSize size(whole.width() + frame + (scrolls ? bar : 0), height);
+  if (kind_ == Kind::normal) return fitNormally(size, free);
+  const Point place = PanelPlacement::at(icon_, {static_cast<double>(size.width()), static_cast<double>(size.height())},
+                                         monitorOf(*screen));
+  setGeometry({QPoint(static_cast<int>(place.x), static_cast<int>(place.y)), size});
+}
+
+void PanelWindow::fitNormally(const QSize& size, const QRect& free) {
+  setFixedSize(size);
+  const int below = pos().y() + frameGeometry().height() - free.bottom();
+  if (isVisible() && below > 0) move(pos().x(), std::max(free.top(), pos().y() - below));
+}
+
+bool PanelWindow::focusNextPrevChild(bool next) {
+  const bool hasMoved = QDialog::focusNextPrevChild(next);
+  if (hasMoved && focusWidget() != nullptr) scroll_->ensureWidgetVisible(focusWidget());
+  return hasMoved;
 }
 
 bool PanelWindow::event(QEvent* event) {
@@ -109,6 +125,9 @@ void PanelWindow::closeEvent(QCloseEvent* event) {
 
 void PanelWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape) return dismissed_();
+  QScrollBar* bar = scroll_->verticalScrollBar();
+  if (event->key() == Qt::Key_PageDown) return bar->triggerAction(QScrollBar::SliderPageStepAdd);
+  if (event->key() == Qt::Key_PageUp) return bar->triggerAction(QScrollBar::SliderPageStepSub);
   // A dialog would press a button for Return that nobody has chosen.
   event->ignore();
 }

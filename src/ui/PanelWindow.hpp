@@ -47,9 +47,11 @@ class PanelWindow final : public QDialog {
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
   void fit();
+  void fitNormally(const QSize& size, const QRect& free);
 
   const Kind kind_;
   const Appearance& appearance_;

@@ -4,6 +4,7 @@
 #include "session/Machine.hpp"
 #include "session/Preferences.hpp"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -28,7 +29,10 @@ class MemoryPreferences final : public Preferences {
     const auto found = texts.find(key);
     return found == texts.end() ? std::nullopt : std::optional(found->second);
   }
-  void setString(const std::string& key, const std::string& value) override { texts[key] = value; }
+  void setString(const std::string& key, const std::string& value) override {
+    if (beforeWriting) beforeWriting();
+    texts[key] = value;
+  }
 
   std::vector<std::string> strings(const std::string& key) const override {
     const auto found = lists.find(key);
@@ -41,6 +45,7 @@ class MemoryPreferences final : public Preferences {
     lists.erase(key);
   }
 
+  std::function<void()> beforeWriting;
   std::map<std::string, std::string> texts;
   std::map<std::string, std::vector<std::string>> lists;
 };

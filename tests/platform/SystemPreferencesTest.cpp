@@ -8,6 +8,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QLockFile>
+#include <QString>
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -73,6 +75,21 @@ TEST_F(SystemPreferencesTest, AFileWrittenByHandIsRead) {
   const SystemPreferences preferences;
   EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
   EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two, too"}));
+}
+
+TEST_F(SystemPreferencesTest, ALockThatIsNeverLetGoHoldsNobodyUp) {
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  {
+    QLockFile other(QString::fromStdString(file().string() + ".lock"));
+    other.setStaleLockTime(0);
+    ASSERT_TRUE(other.lock());
+    preferences.setString("orvel.token", "PQRSTUVWXYZ2");
+    EXPECT_EQ(preferences.string("orvel.token"), "PQRSTUVWXYZ2") << "answered from memory meanwhile";
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+  }
+  EXPECT_EQ(preferences.string("orvel.token"), "PQRSTUVWXYZ2");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "PQRSTUVWXYZ2") << "stored once the lock is free";
 }
 
 TEST_F(SystemPreferencesTest, RemovingForgetsOneKey) {

@@ -14,6 +14,8 @@
 #include <QEvent>
 #include <QKeyEvent>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <string>
 
 namespace orvel {
@@ -36,15 +38,15 @@ struct MenuBarExtraTest : testing::Test {
     return nullptr;
   }
 
-  static void clickElsewhere() {
-    QEvent deactivated(QEvent::WindowDeactivate);
-    QCoreApplication::sendEvent(panel(), &deactivated);
-    PanelWidgets::settle();
-  }
+  static void clickElsewhere() { send(QEvent(QEvent::WindowDeactivate)); }
 
-  static void pressEscape() {
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QCoreApplication::sendEvent(panel(), &escape);
+  static void pressEscape() { send(QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier)); }
+
+  template <class Event>
+  static void send(Event event) {
+    QWidget* open = panel();
+    if (open == nullptr) FAIL() << "no panel is open";
+    QCoreApplication::sendEvent(open, &event);
     PanelWidgets::settle();
   }
 
@@ -148,7 +150,7 @@ TEST_F(MenuBarExtraTest, AClickOnTheIconThatTakesTheKeyboardFirstOnlyClosesIt) {
 TEST_F(MenuBarExtraTest, AClickAWhileAfterItWasClosedOpensItAgain) {
   icon.click();
   clickElsewhere();
-  clock.advance(Seconds(1));
+  clock.advance(Seconds(0.45));
   icon.click();
   EXPECT_NE(panel(), nullptr);
 }
@@ -223,6 +225,40 @@ TEST_F(MenuBarExtraTest, AnotherStartOpensItInTheUsualCornerWhenNobodySaysWhereT
   const QRect free = panel()->screen()->availableGeometry();
   EXPECT_EQ(panel()->geometry().right(), free.right() - 4);
   EXPECT_EQ(panel()->geometry().top(), free.top() + 4);
+}
+
+TEST_F(MenuBarExtraTest, AnotherStartOpensItWhereTheIconWasClickedLast) {
+  icon.where.reset();
+  QCursor::setPos(300, 10);
+  icon.click();
+  ASSERT_NE(panel(), nullptr);
+  icon.click();
+  ASSERT_EQ(panel(), nullptr);
+  QCursor::setPos(600, 400);
+  extra.openPanel("");
+  ASSERT_NE(panel(), nullptr);
+  EXPECT_NEAR(panel()->geometry().center().x(), 300, 1);
+}
+
+TEST_F(MenuBarExtraTest, AHugeFontDoesNotPushItOffTheScreen) {
+  appearance.chosenFont = DesktopFont{"DejaVu Sans", 72};
+  icon.click();
+  ASSERT_TRUE(PanelWidgets{*panel()}.press("Show code"));
+  EXPECT_TRUE(panel()->screen()->availableGeometry().contains(panel()->geometry()));
+}
+
+TEST_F(MenuBarExtraTest, TheKeyboardScrollsToWhatItReaches) {
+  host.now.clients.assign(100, "Phone");
+  icon.click();
+  auto* bar = panel()->findChild<QScrollArea*>()->verticalScrollBar();
+  send(QKeyEvent(QEvent::KeyPress, Qt::Key_PageDown, Qt::NoModifier));
+  EXPECT_GT(bar->value(), 0);
+  send(QKeyEvent(QEvent::KeyPress, Qt::Key_PageUp, Qt::NoModifier));
+  EXPECT_EQ(bar->value(), 0);
+  PanelWidgets{*panel()}.button("New code")->setFocus();
+  send(QKeyEvent(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier));
+  EXPECT_EQ(panel()->focusWidget(), PanelWidgets{*panel()}.button("Quit"));
+  EXPECT_EQ(bar->value(), bar->maximum());
 }
 
 TEST_F(MenuBarExtraTest, ClosingWhatIsNotOpenDoesNothing) {

@@ -214,14 +214,6 @@ TEST_F(PanelModelTest, TheFooterHasThreeSmallButtons) {
                                                                     .areSmall = true})));
 }
 
-TEST_F(PanelModelTest, ANewCodeIsNotAskedForTwiceAtOnce) {
-  host.now.isRenewingCode = true;
-  const auto footer = std::get<PanelButtons>(rows(Kind::footer).front());
-  EXPECT_TRUE(footer.buttons[0].isEnabled);
-  EXPECT_FALSE(footer.buttons[1].isEnabled);
-  EXPECT_TRUE(footer.buttons[2].isEnabled);
-}
-
 TEST_F(PanelModelTest, ActionsGoToTheHost) {
   model.perform(PanelAction::openAccessibilitySettings);
   model.perform(PanelAction::restart);

@@ -1,6 +1,7 @@
 #include "fakes/FakeLoginItemService.hpp"
 #include "fakes/FakePanelDesktop.hpp"
 #include "fakes/FakePanelHost.hpp"
+#include "ui/Drawing.hpp"
 #include "ui/LoginItem.hpp"
 #include "ui/PanelModel.hpp"
 #include "ui/PanelView.hpp"
@@ -11,10 +12,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QFrame>
 #include <QImage>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPixmap>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 namespace orvel {
 namespace {
@@ -25,8 +31,18 @@ using testing::Not;
 
 struct PanelViewTest : testing::Test {
   QImage picture() {
-    view.resize(view.wholeSize());
+    view.fit(screenWidth);
     return view.grab().toImage();
+  }
+
+  /// The circle and the symbols, top to bottom.
+  std::vector<QWidget*> drawings() const {
+    PanelWidgets::settle();
+    std::vector<QWidget*> drawings;
+    for (auto* widget : view.findChildren<QWidget*>()) {
+      if (dynamic_cast<Drawing*>(widget) != nullptr && widget->isVisibleTo(&view)) drawings.push_back(widget);
+    }
+    return drawings;
   }
 
   const QLabel* label(const QString& text) const {
@@ -35,6 +51,13 @@ struct PanelViewTest : testing::Test {
     }
     return nullptr;
   }
+
+  QSize fittedSize() {
+    view.fit(screenWidth);
+    return view.size();
+  }
+
+  static constexpr int screenWidth = 1280;
 
   FakeLoginItemService list;
   LoginItem loginItem{list};
@@ -95,20 +118,38 @@ TEST_F(PanelViewTest, TheSwitchShowsWhatIsAndNotWhatWasWished) {
   EXPECT_FALSE(widgets.button("Start at login")->isChecked());
 }
 
-TEST_F(PanelViewTest, ANewCodeCannotBeAskedForWhileOneIsMade) {
-  host.now.isRenewingCode = true;
-  view.refresh();
-  EXPECT_FALSE(widgets.press("New code"));
-  EXPECT_TRUE(widgets.press("Restart"));
-}
-
-TEST_F(PanelViewTest, OnlyWhatDiffersIsMadeAnew) {
-  const auto* restart = widgets.button("Restart");
-  const auto* link = widgets.button("Show code");
+TEST_F(PanelViewTest, AButtonThatIsBeingPressedStaysWhilePhonesComeAndGo) {
+  auto* link = widgets.button("Show code");
+  link->setDown(true);
   host.now.clients = {"Anna's iPhone"};
   view.refresh();
-  EXPECT_EQ(widgets.button("Restart"), restart);
-  EXPECT_NE(widgets.button("Show code"), link);
+  PanelWidgets::settle();
+  EXPECT_EQ(widgets.button("Show code"), link);
+  EXPECT_TRUE(link->isDown());
+  host.now.clients = {};
+  view.refresh();
+  EXPECT_EQ(widgets.button("Show code"), link);
+}
+
+TEST_F(PanelViewTest, RowsStayWithThoseWhoAreStillThere) {
+  host.now.clients = {"Anna's iPhone", "Carl's iPhone"};
+  view.refresh();
+  const auto* carl = label("Carl's iPhone");
+  host.now.clients = {"Ben's iPhone", "Carl's iPhone"};
+  view.refresh();
+  PanelWidgets::settle();
+  EXPECT_EQ(label("Carl's iPhone"), carl);
+  EXPECT_THAT(widgets.texts(), testing::AllOf(Contains("Ben's iPhone"), Not(Contains("Anna's iPhone"))));
+}
+
+TEST_F(PanelViewTest, ScreenReadersReadTopToBottomWhateverCameLast) {
+  host.now.clients = {"Zoe's iPhone"};
+  view.refresh();
+  host.now.clients = {"Anna's iPhone", "Zoe's iPhone"};
+  ASSERT_TRUE(widgets.press("Show code"));
+  EXPECT_THAT(widgets.texts(),
+              ElementsAre("Orvel", "2 phones connected", "Scan this in the app", "192.168.1.23", "ABCD-EFGH-JKLM-NPQR",
+                          "Or type those two into the app by hand.", "Connected", "Anna's iPhone", "Zoe's iPhone"));
 }
 
 TEST_F(PanelViewTest, TellsWhenItShowsSomethingElse) {
@@ -155,12 +196,120 @@ TEST_F(PanelViewTest, NamesAreTextsAndNothingElse) {
 }
 
 TEST_F(PanelViewTest, ALongNameDoesNotWidenThePanel) {
-  const QSize before = view.wholeSize();
+  const QSize before = fittedSize();
   host.now.clients = {std::string(100'000, 'W')};
   view.refresh();
-  EXPECT_EQ(view.wholeSize().width(), before.width());
-  EXPECT_LT(view.wholeSize().height(), before.height() + 20);
+  EXPECT_EQ(fittedSize().width(), before.width());
+  EXPECT_LT(fittedSize().height(), before.height() + 20);
   EXPECT_FALSE(picture().isNull());
+}
+
+TEST_F(PanelViewTest, TheCircleHasEightPointsAndTheColourOfTheStatus) {
+  // A font of 13 pixels, so that a point is one.
+  appearance.chosenFont = DesktopFont{"DejaVu Sans", 9.75};
+  const auto circle = [this] {
+    view.restyle();
+    auto* drawing = drawings().at(0);
+    EXPECT_EQ(drawing->size(), QSize(8, 8));
+    return drawing->grab().toImage().pixelColor(4, 4);
+  };
+  const QColor grey = circle();
+  EXPECT_LT(grey.saturation(), 30);
+  host.now.clients = {"A"};
+  EXPECT_NEAR(circle().hue(), 130, 25);
+  host.now.accessibilityGranted = false;
+  EXPECT_NEAR(circle().hue(), 32, 12);
+  host.now.isRunning = false;
+  EXPECT_TRUE(circle().hue() < 15 || circle().hue() > 345);
+}
+
+TEST_F(PanelViewTest, EachBlockButTheFirstHasADividerAbove) {
+  ASSERT_TRUE(widgets.press("Show code"));
+  host.now.accessibilityGranted = false;
+  view.refresh();
+  PanelWidgets::settle();
+  const auto frames = view.findChildren<QFrame*>();
+  EXPECT_EQ(std::count_if(frames.begin(), frames.end(), [](const QFrame* frame) { return frame->height() == 1; }), 5);
+}
+
+TEST_F(PanelViewTest, PhonesAndSharingHaveTheirSymbols) {
+  EXPECT_EQ(drawings().size(), 1U);
+  host.now.clients = {"A", "B"};
+  host.now.mirroring = true;
+  view.refresh();
+  EXPECT_EQ(drawings().size(), 4U);
+}
+
+TEST_F(PanelViewTest, FontsTellWhatMatters) {
+  ASSERT_TRUE(widgets.press("Show code"));
+  host.now.accessibilityGranted = false;
+  view.refresh();
+  EXPECT_EQ(label("Orvel")->font().weight(), QFont::DemiBold);
+  EXPECT_EQ(label("Accessibility is off")->font().weight(), QFont::DemiBold);
+  EXPECT_EQ(label("Connected")->font().weight(), QFont::Medium);
+  EXPECT_TRUE(label("192.168.1.23")->font().fixedPitch());
+  EXPECT_TRUE(label("ABCD-EFGH-JKLM-NPQR")->font().fixedPitch());
+  EXPECT_LT(widgets.button("Quit")->font().pointSizeF(),
+            widgets.button("Open Accessibility settings")->font().pointSizeF());
+}
+
+TEST_F(PanelViewTest, ThePairingIsCentred) {
+  ASSERT_TRUE(widgets.press("Show code"));
+  picture();
+  for (const char* text : {"Scan this in the app", "192.168.1.23", "ABCD-EFGH-JKLM-NPQR"}) {
+    EXPECT_EQ(label(text)->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignHCenter) << text;
+  }
+  const auto codes = view.findChildren<QWidget*>();
+  const auto code = std::ranges::find_if(codes, [](auto* widget) { return dynamic_cast<QRView*>(widget) != nullptr; });
+  ASSERT_NE(code, codes.end());
+  EXPECT_NEAR((*code)->mapTo(&view, (*code)->rect().center()).x(), view.width() / 2, 1);
+}
+
+TEST_F(PanelViewTest, TheCodeIsOnWhiteAlsoInTheDark) {
+  appearance.dark = true;
+  view.restyle();
+  ASSERT_TRUE(widgets.press("Show code"));
+  const QImage shown = picture();
+  // The ground of the code is where its left margin is.
+  const auto codes = view.findChildren<QWidget*>();
+  const auto code = std::ranges::find_if(codes, [](auto* widget) { return dynamic_cast<QRView*>(widget) != nullptr; });
+  ASSERT_NE(code, codes.end());
+  EXPECT_EQ(shown.pixelColor((*code)->mapTo(&view, QPoint(4, (*code)->height() / 2))), QColor(Qt::white));
+  EXPECT_LT(shown.pixelColor((*code)->mapTo(&view, QPoint(0, 0))).lightness(), 80) << "its corners are round";
+}
+
+TEST_F(PanelViewTest, ReturnPressesTheButtonThatTheKeyboardIsOn) {
+  QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+  QCoreApplication::sendEvent(widgets.button("Restart"), &press);
+  EXPECT_THAT(host.asked, ElementsAre("restart"));
+}
+
+TEST_F(PanelViewTest, TheSwitchTakesClicksOnItsTextToo) {
+  picture();
+  auto* toggle = widgets.button("Start at login");
+  const QPointF text(4, toggle->height() / 2.0);
+  for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+    const auto held = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+    QMouseEvent event(type, text, toggle->mapToGlobal(text), Qt::LeftButton, held, Qt::NoModifier);
+    QCoreApplication::sendEvent(toggle, &event);
+  }
+  EXPECT_TRUE(list.isEntered);
+}
+
+TEST_F(PanelViewTest, ANameIsCutOffWithAnEllipsisAndWholeInItsTip) {
+  host.now.clients = {std::string(60, 'i') + "<img src='x'>" + std::string(60, 'W')};
+  view.refresh();
+  picture();
+  const auto* name = label(QString::fromStdString(host.now.clients.front()));
+  ASSERT_NE(name, nullptr);
+  EXPECT_THAT(name->toolTip().toStdString(), testing::HasSubstr("&lt;img src='x'&gt;"));
+  // The end of the line has the dots at its foot and nothing above them.
+  const QImage drawn = const_cast<QLabel*>(name)->grab().toImage();
+  bool isBlankAbove = true;
+  for (int x = drawn.width() - 6; x < drawn.width(); ++x) {
+    for (int y = 0; y < drawn.height() / 2; ++y) isBlankAbove &= drawn.pixelColor(x, y).lightness() > 150;
+  }
+  EXPECT_TRUE(isBlankAbove);
 }
 
 struct QRViewTest : testing::TestWithParam<double> {};
@@ -208,13 +357,13 @@ TEST_F(PanelViewTest, FollowsTheDesktopFromLightToDark) {
 TEST_F(PanelViewTest, FontsAndLengthsFollowTheDesktopsFont) {
   appearance.chosenFont = DesktopFont{"DejaVu Sans", 10};
   view.restyle();
-  const int width = view.wholeSize().width();
+  const int width = fittedSize().width();
   EXPECT_NEAR(label("Orvel")->font().pointSizeF(), 10, 0.01);
   EXPECT_NEAR(label("Listening on 192.168.1.23:8787")->font().pointSizeF(), 10 * 11.0 / 13, 0.01);
   appearance.chosenFont = DesktopFont{"DejaVu Sans", 20};
   view.restyle();
   EXPECT_NEAR(label("Orvel")->font().pointSizeF(), 20, 0.01);
-  EXPECT_NEAR(view.wholeSize().width(), 2 * width, 2);
+  EXPECT_NEAR(fittedSize().width(), 2 * width, 2);
 }
 
 }  // namespace

@@ -6,11 +6,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLockFile>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QStringConverter>
 #include <QStringList>
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 namespace orvel {
@@ -19,7 +21,9 @@ namespace {
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t ownFolder = 0700;
 constexpr mode_t ownFile = 0600;
-constexpr off_t largestFile = 1024 * 1024;  // ours has a few hundred bytes
+constexpr std::chrono::milliseconds noPatience{0};
+constexpr std::chrono::milliseconds writersPatience{500};  // others of us write for a millisecond
+constexpr off_t largestFile = 1024 * 1024;                 // ours has a few hundred bytes
 
 QString toQString(const std::string& text) {
   // A byte order mark at the start is part of the text; QString::fromUtf8 would drop it.
@@ -57,6 +61,14 @@ bool keepPrivate(const std::string& path, mode_t mode) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return false;
   return (status.st_mode & permissionBits) == mode || chmod(path.c_str(), mode) == 0;
+}
+
+/// Whether another program holds the lock of the file for longer than `patience`. QSettings would wait without end for
+/// one that was stopped meanwhile.
+bool isLocked(const std::string& file, std::chrono::milliseconds patience) {
+  QLockFile lock(QFile::decodeName((file + ".lock").c_str()));
+  lock.setStaleLockTime(0);
+  return !lock.tryLock(static_cast<int>(patience.count())) && lock.error() == QLockFile::LockFailedError;
 }
 
 void makeFolders(const std::string& path) {
@@ -111,7 +123,7 @@ std::optional<std::string> SystemPreferences::string(const std::string& key) con
 std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
   return state_.withLock([&](State& state) -> Texts {
     // What stood in the way may be gone.
-    if (!state.unsaved.empty() && store(state.unsaved)) state.unsaved.clear();
+    if (!state.unsaved.empty() && store(state.unsaved, noPatience)) state.unsaved.clear();
     if (const auto change = state.unsaved.find(key); change != state.unsaved.end()) return change->second;
     if (!isWorthReading(file_)) return {};
     keepPrivate(file_, ownFile);
@@ -136,7 +148,7 @@ void SystemPreferences::remove(const std::string& key) {
 void SystemPreferences::change(const std::string& key, Texts texts) {
   state_.withLock([&](State& state) {
     state.unsaved[key] = std::move(texts);
-    if (store(state.unsaved)) state.unsaved.clear();
+    if (store(state.unsaved, writersPatience)) state.unsaved.clear();
   });
 }
 
@@ -148,12 +160,12 @@ SystemPreferences::Changes SystemPreferences::contents() const {
   return contents;
 }
 
-bool SystemPreferences::store(const Changes& changes) const {
+bool SystemPreferences::store(const Changes& changes, std::chrono::milliseconds patience) const {
   if (lacksDescriptors(file_)) return false;
   // A file that can be read but not written is replaced, and what it says must not go with it.
   Changes all = isWritable(file_) ? Changes() : contents();
   for (const auto& [key, texts] : changes) all[key] = texts;
-  if (!prepare(folder_, file_)) return false;
+  if (!prepare(folder_, file_) || isLocked(file_, patience)) return false;
   QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
   for (const auto& [key, texts] : all) {
     QStringList list;

@@ -3,6 +3,7 @@
 #include "base/Guarded.hpp"
 #include "session/Preferences.hpp"
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -38,7 +39,7 @@ class SystemPreferences final : public Preferences {
 
   void change(const std::string& key, Texts texts);
   Changes contents() const;
-  bool store(const Changes& changes) const;
+  bool store(const Changes& changes, std::chrono::milliseconds patience) const;
 
   const std::string folder_;
   const std::string file_;
