@@ -7,24 +7,22 @@
 #include <stdexcept>
 #include <string_view>
 #include <thread>
-#include <vector>
+#include <utility>
 
 namespace orvel::bench {
 namespace {
 
 constexpr std::chrono::microseconds betweenAttempts{200};
 
-ChildProcess::Program hostProgram(const VirtualDesktop& desktop, const std::vector<std::string>& options) {
-  std::vector<std::string> command = {ORVEL_PROGRAM};
-  command.insert(command.end(), options.begin(), options.end());
-  auto environment = desktop.environment();
-  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (desktop.home() / "no-system-bus").string();
-  return {.command = command, .environment = environment};
-}
-
 }  // namespace
 
-HostProcess::HostProcess(const VirtualDesktop& desktop) : program_(hostProgram(desktop, {})) {
+ChildProcess::Program hostProgram(ChildProcess::Environment environment, const std::string& option) {
+  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/no-system-bus";
+  return {.command = {ORVEL_PROGRAM, option}, .environment = std::move(environment)};
+}
+
+HostProcess::HostProcess(const ChildProcess::Environment& environment)
+    : program_(hostProgram(environment, "--background")) {
   const Deadline deadline(patience);
   while (!RawPhone::isAnswered(hostPort)) {
     if (program_.waitForExit(Milliseconds(0)) || deadline.left() == Milliseconds(0)) {
@@ -45,7 +43,7 @@ void HostProcess::stop() {
 }
 
 std::string runHost(const VirtualDesktop& desktop, const std::string& option) {
-  ChildProcess program(hostProgram(desktop, {option}));
+  ChildProcess program(hostProgram(desktop.environment(), option));
   if (program.waitForExit() != 0) throw std::runtime_error("the host does not know " + option);
   return program.output();
 }

@@ -12,14 +12,20 @@ namespace orvel::bench {
 /// The port of the host.
 inline constexpr std::uint16_t hostPort = 8787;
 
-/// The real program, running on a private desktop until this object goes. It finds no Bonjour daemon to talk to. What
-/// goes wrong is thrown.
+/// How to start the real program with an option. It finds no Bonjour daemon to talk to.
+ChildProcess::Program hostProgram(ChildProcess::Environment environment, const std::string& option);
+
+/// The real program, running on a private desktop until this object goes, without showing its panel. What goes wrong is
+/// thrown.
 ///
 /// Threads: one at a time.
 class HostProcess {
  public:
   /// Starts it and waits until its port is open.
-  explicit HostProcess(const VirtualDesktop& desktop);
+  explicit HostProcess(const VirtualDesktop& desktop) : HostProcess(desktop.environment()) {}
+
+  /// The same, with more around it than a desktop alone has, such as a message bus.
+  explicit HostProcess(const ChildProcess::Environment& environment);
 
   /// Asks it to end and waits until it has.
   void stop();
