@@ -36,7 +36,8 @@ StatusNotifierWatch::StatusNotifierWatch(std::function<void()> answered)
   QObject::connect(&grace_, &QTimer::timeout, [this] { tell(Host::absent); });
   followOwner();
   followSignals();
-  ask();
+  // At once, for until the answer there is no icon.
+  QTimer::singleShot(0ms, &soon_, [this] { askNow(); });
 }
 
 void StatusNotifierWatch::followOwner() {
