@@ -45,7 +45,7 @@ int watchMoments(pid_t host) {
 
 }  // namespace
 
-bool watchSleep(pid_t host, const std::string& name) {
+bool watchSleep(pid_t host, const std::string& name, int timers) {
   std::this_thread::sleep_for(calmingTime);
   const auto before = threadsOf(host);
   const int moments = watchMoments(host);
@@ -61,9 +61,9 @@ bool watchSleep(pid_t host, const std::string& name) {
                 static_cast<long long>(thread.sleeps - old));
   }
   // The window may begin just before a tick and end just behind one.
-  const bool onlyTicks = moments <= permissionTicks + 1 && before.size() == after.size();
+  const bool onlyTicks = moments <= timers * (permissionTicks + 1) && before.size() == after.size();
   std::printf("  at %d separate moments: %s\n", moments,
-              onlyTicks ? "nothing but the permission timer wakes it" : "SOMETHING ELSE wakes it, too");
+              onlyTicks ? "nothing but its timers wakes it" : "SOMETHING ELSE wakes it, too");
   return onlyTicks;
 }
 
