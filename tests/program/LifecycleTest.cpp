@@ -4,6 +4,9 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 namespace orvel {
 namespace {
@@ -50,6 +53,19 @@ TEST_F(LifecycleTest, TheCodeIsTheUsersAloneAndStays) {
   HostProcess next(desktop);
   ASSERT_TRUE(next.waitUntilListening());
   EXPECT_EQ(next.code(), code);
+}
+
+TEST_F(LifecycleTest, TheThemeOfTheDesktopBringsNoOtherToolkitAlong) {
+  host.process().signal(SIGTERM);
+  ASSERT_EQ(host.process().waitForExit(), 0);
+  auto environment = desktop.environment();
+  environment["XDG_CURRENT_DESKTOP"] = "XFCE";
+  HostProcess next(desktop, environment);
+  ASSERT_TRUE(next.waitUntilListening());
+  std::ifstream file("/proc/" + std::to_string(next.process().pid()) + "/maps");
+  const std::string libraries(std::istreambuf_iterator<char>(file), {});
+  EXPECT_THAT(libraries, testing::HasSubstr("libQt6Widgets"));
+  EXPECT_THAT(libraries, testing::Not(testing::HasSubstr("libgtk")));
 }
 
 struct SignalTest : LifecycleTest, testing::WithParamInterface<int> {};
