@@ -8,10 +8,9 @@
 #include "bench/TrayLogin.hpp"
 #include "desktop/DesktopView.hpp"
 
-#include <signal.h>
-
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <stdexcept>
 #include <thread>
