@@ -107,7 +107,9 @@ void OrvelApp::greet(const Start& start) {
 }
 
 void OrvelApp::quit(int exitCode) {
-  patience_.begin();
+  patience_.begin(exitCode);
+  // At once, whatever the main thread waits for: they let go of what their phones hold down.
+  hub_->disconnectAll();
   mainLoop_.quit(exitCode);
 }
 
@@ -117,7 +119,7 @@ int OrvelApp::run(const Start& start) {
   delegate_.applicationDidFinishLaunching();
   greet(start);
   const int exitCode = mainLoop_.run();
-  patience_.begin();
+  patience_.begin(exitCode);
   menuBarExtra_.closePanel();
   keyboard_.stop();
   platform_.stopTyping();

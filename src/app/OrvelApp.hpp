@@ -46,7 +46,8 @@ class OrvelApp {
   /// and returns the exit code.
   int run(const Start& start);
 
-  /// Ends `run`. What a desktop that hangs holds up is not waited for longer than three seconds. Threads: any.
+  /// Parts from every phone and ends `run`. A desktop that hangs is not waited for longer than three seconds, nor is
+  /// anything else for longer than five. Threads: any.
   void quit(int exitCode);
 
   /// Opens the panel, or brings it to the front. `token` is the desktop's proof that the user wished it; may be empty.

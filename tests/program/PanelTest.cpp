@@ -1,3 +1,4 @@
+#include "desktop/StatusNotifierStandIn.hpp"
 #include "program/PanelFixture.hpp"
 
 #include <boost/json/serialize.hpp>
@@ -333,6 +334,23 @@ TEST_F(NoTrayTest, AMessageBusThatHangsKeepsNobodyFromThePanel) {
   EXPECT_TRUE(eventually([&] { return windowManager.windowsOf("orvel").size() == 1; }));
   bus.signal(SIGCONT);
 }
+
+/// The toolkit asks several questions, and waits for each answer.
+struct HangingTrayTest : PanelFixture, testing::WithParamInterface<int> {};
+
+TEST_P(HangingTrayTest, DoesNotHoldUpTheEnd) {
+  const StatusNotifierStandIn watcher(bus, "(<true>,)", GetParam());
+  host.emplace(desktop, bus.environment());
+  ASSERT_TRUE(host->waitUntilListening());
+  ASSERT_TRUE(watcher.waitForQuestions(GetParam() + 1));
+  auto phone = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
+  ASSERT_TRUE(phone);
+  host->process().signal(SIGTERM);
+  EXPECT_TRUE(isDisconnected(*phone));
+  EXPECT_EQ(host->process().waitForExit(), 0) << host->process().output();
+}
+
+INSTANTIATE_TEST_SUITE_P(AfterSoManyAnswers, HangingTrayTest, testing::Values(0, 1));
 
 /// On a server without the extension that input is posted by.
 struct NoPermissionTest : testing::Test {

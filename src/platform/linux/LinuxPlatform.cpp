@@ -9,7 +9,6 @@
 #include <malloc.h>
 #include <sys/resource.h>
 
-#include <QGuiApplication>
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -126,9 +125,6 @@ std::optional<std::string> missingDesktop() {
 
 std::vector<std::string> prepareToolkit() {
   forgoSilentBus(TimeLimit(busPatience));
-  // The desktop's own look for this toolkit may be made of another toolkit, which it would load, and which would tell
-  // screen readers of a second program; what we want to know the appearance's leaf finds out.
-  QGuiApplication::setDesktopSettingsAware(false);
   // X11 on Wayland, too: there only Xwayland lets a window open beside an icon.
   return {"-platform", "xcb"};
 }

@@ -72,12 +72,18 @@ void StatusNotifierWatch::take() {
   if (reply.isError()) {
     const auto error = reply.error().type();
     const bool hangs = error == QDBusError::NoReply || error == QDBusError::Timeout || error == QDBusError::TimedOut;
+    // The desktop may just be starting, and slow: its answer is worth waiting for, a question at a time.
+    if (hangs) ask();
     return tell(hangs ? Host::unknown : Host::absent);
   }
   if (reply.value().variant().toBool()) return tell(Host::present);
   // Somebody has only begun to look after items. Who shows them will come soon, and is better than any older tray.
   if (host_ == Host::unknown) return grace_.isActive() ? void() : grace_.start();
   tell(Host::absent);
+}
+
+StatusNotifierWatch::Host StatusNotifierWatch::host() const {
+  return bus_.isConnected() ? host_ : Host::absent;
 }
 
 void StatusNotifierWatch::tell(Host host) {

@@ -26,7 +26,7 @@ class StatusNotifierWatch {
   StatusNotifierWatch(const StatusNotifierWatch&) = delete;
   StatusNotifierWatch& operator=(const StatusNotifierWatch&) = delete;
 
-  Host host() const { return host_; }
+  Host host() const;
 
   /// Asks again, soon.
   void ask() { soon_.start(); }
