@@ -291,4 +291,13 @@ const char* nameOf(TrayHost::Kind kind) {
   return "";
 }
 
+std::string nameOf(const TrayHost::Look& look) {
+  constexpr std::array edges{"Top", "Bottom", "Left", "Right"};
+  return std::string(nameOf(look.kind)) + edges.at(static_cast<std::size_t>(look.edge));
+}
+
+void PrintTo(const TrayHost::Look& look, std::ostream* out) {
+  *out << nameOf(look);
+}
+
 }  // namespace orvel

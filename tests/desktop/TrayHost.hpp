@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -91,5 +92,9 @@ class TrayHost {
 
 /// For the names of tests.
 const char* nameOf(TrayHost::Kind kind);
+std::string nameOf(const TrayHost::Look& look);
+
+/// For the messages of tests.
+void PrintTo(const TrayHost::Look& look, std::ostream* out);
 
 }  // namespace orvel

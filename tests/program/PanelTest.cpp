@@ -250,7 +250,7 @@ TEST_P(TrayTest, TheIconOpensThePanelInsideTheScreenAndBesideTheBar) {
   const bool overlaps =
       frame.minX() < bar.maxX() && bar.minX() < frame.maxX() && frame.minY() < bar.maxY() && bar.minY() < frame.maxY();
   EXPECT_FALSE(overlaps) << frame.minX() << ' ' << frame.minY();
-  photograph(std::string("panel-") + nameOf(GetParam().kind) + std::to_string(static_cast<int>(GetParam().edge)));
+  photograph("panel-" + nameOf(GetParam()));
 }
 
 TEST_P(TrayTest, TheIconComesBackWithTheTray) {
@@ -273,9 +273,8 @@ std::vector<TrayHost::Look> everyLook() {
   return looks;
 }
 
-INSTANTIATE_TEST_SUITE_P(Trays, TrayTest, testing::ValuesIn(everyLook()), [](const auto& given) {
-  return std::string(nameOf(given.param.kind)) + std::to_string(static_cast<int>(given.param.edge));
-});
+INSTANTIATE_TEST_SUITE_P(Trays, TrayTest, testing::ValuesIn(everyLook()),
+                         [](const auto& given) { return nameOf(given.param); });
 
 using NoTrayTest = PanelFixture;
 
