@@ -14,15 +14,16 @@ std::string phonesConnected(std::size_t count) {
 
 }  // namespace
 
-ConsoleStatus::ConsoleStatus(std::ostream& out, std::string address) : out_(out), address_(std::move(address)) {}
+ConsoleStatus::ConsoleStatus(std::ostream& out, std::function<std::string()> address)
+    : out_(out), address_(std::move(address)) {}
 
 void ConsoleStatus::show(const HubState& was, const HubState& next) {
   if (next.isRunning && !was.isRunning) {
-    out_ << "Listening on " << address_
+    out_ << "Listening on " << address_()
          << "\nTo pair a phone: orvel --show opens the panel, orvel --pair prints what a phone needs\n";
   }
   if (next.lastError && next.lastError != was.lastError) {
-    out_ << *next.lastError << "\nThe panel has that button: orvel --show opens it.\n";
+    out_ << *next.lastError << "\nTo try again, hit Restart in the panel: orvel --show opens it.\n";
   }
   if (next.clients.size() != was.clients.size()) out_ << phonesConnected(next.clients.size()) << '\n';
   if (next.mirroring != was.mirroring) {

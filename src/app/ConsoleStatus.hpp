@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 
@@ -11,15 +12,15 @@ struct HubState;
 /// Never says the pairing code, which a log might keep. Threads: the main thread.
 class ConsoleStatus {
  public:
-  /// `address` is where phones find this computer.
-  ConsoleStatus(std::ostream& out, std::string address);
+  /// `address` tells where phones find this computer now.
+  ConsoleStatus(std::ostream& out, std::function<std::string()> address);
 
   /// Prints what differs between the state that was and the one to come.
   void show(const HubState& was, const HubState& next);
 
  private:
   std::ostream& out_;
-  const std::string address_;
+  const std::function<std::string()> address_;
 };
 
 }  // namespace orvel

@@ -78,7 +78,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .loginItem = loginItem_,
                      .presses = platform.presses(),
                      .statusItem = platform.statusItem()}),
-      status_(std::cout, addressToShow(platform.machine())),
+      status_(std::cout, [&machine = platform.machine()] { return addressToShow(machine); }),
       delegate_(hub_, permission_, platform.workspace(), mainLoop),
       patience_(platform) {
   hub_->observe([this](const HubState& next) {

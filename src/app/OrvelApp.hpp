@@ -47,7 +47,7 @@ class OrvelApp {
   int run(const Start& start);
 
   /// Parts from every phone and ends `run`. A desktop that hangs is not waited for longer than three seconds, nor is
-  /// anything else for longer than five. Threads: any.
+  /// anything else that keeps `run` from returning for longer than five. Threads: any.
   void quit(int exitCode);
 
   /// Opens the panel, or brings it to the front. `token` is the desktop's proof that the user wished it; may be empty.

@@ -2,6 +2,7 @@
 #include "app/OrvelApp.hpp"
 #include "app/PairCommand.hpp"
 #include "app/TerminationSignals.hpp"
+#include "base/Guarded.hpp"
 #include "platform/Instance.hpp"
 #include "platform/Platform.hpp"
 #include "ui/MainLoop.hpp"
@@ -38,17 +39,25 @@ std::vector<std::string> toolkitArguments() {
 
 int runApplication(orvel::MainLoop& mainLoop, orvel::Instance& instance, bool inBackground,
                    std::function<void(const std::string&)>& showPanel) {
+  // Outlives the platform, whose threads may tell of the desktop's end until the last. Its lock is held while they do,
+  // so that the application stays until they have.
+  orvel::Guarded<orvel::OrvelApp*> running;
   auto opened = orvel::openPlatform();
   if (const auto* reason = std::get_if<std::string>(&opened)) return fail(noDesktop, *reason);
   auto& platform = *std::get<std::unique_ptr<orvel::Platform>>(opened);
   orvel::OrvelApp app(mainLoop, platform);
   const orvel::TerminationSignals signals([&app] { app.quit(0); });
-  platform.observeEnd([&app] {
+  running.withLock([&app](orvel::OrvelApp*& current) { current = &app; });
+  platform.observeEnd([&running] {
     std::cerr << "The desktop has gone.\n";
-    app.quit(noDesktop);
+    running.withLock([](orvel::OrvelApp* current) {
+      if (current != nullptr) current->quit(noDesktop);
+    });
   });
   showPanel = [&app](const std::string& token) { app.showPanel(token); };
-  return app.run({.inBackground = inBackground, .token = instance.token()});
+  const int exitCode = app.run({.inBackground = inBackground, .token = instance.token()});
+  running.withLock([](orvel::OrvelApp*& current) { current = nullptr; });
+  return exitCode;
 }
 
 int run(bool inBackground) {

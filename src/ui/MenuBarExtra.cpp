@@ -9,7 +9,9 @@
 #include "ui/StatusItem.hpp"
 #include "ui/ToolkitGeometry.hpp"
 
+#include <QCoreApplication>
 #include <QCursor>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <utility>
@@ -40,6 +42,8 @@ MenuBarExtra::MenuBarExtra(const Parts& parts) : parts_(parts), shownLabel_(labe
 
 MenuBarExtra::~MenuBarExtra() {
   delete panel_.release();
+  // One that was closed after the main loop had ended still waits to be deleted.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void MenuBarExtra::show(std::function<void(bool hasIcon)> decided) {
@@ -59,7 +63,12 @@ void MenuBarExtra::refresh() {
 }
 
 void MenuBarExtra::iconActivated() {
-  if (panel_) return closePanel();
+  if (panel_) {
+    // A window from before there was an icon may be anywhere, or covered: the panel is wanted here.
+    const bool wasHere = panel_->kind() == PanelWindow::Kind::besideIcon;
+    closePanel();
+    if (wasHere) return;
+  }
   const bool hasJustClosed = dismissedAt_ && parts_.clock.now() - *dismissedAt_ < longestClick;
   dismissedAt_.reset();
   if (hasJustClosed) return;

@@ -33,7 +33,9 @@ PanelView::PanelView(PanelModel& model, const Appearance& appearance, std::funct
                     [this](bool on) {
                       model_.setStartAtLogin(on);
                       // What the switch shows now is the user's wish; what is stands in the desktop's list.
-                      viewFor(PanelBlock::Kind::options)->forget();
+                      for (PanelBlockView* block : blocks_) {
+                        if (block->kind() == PanelBlock::Kind::options) block->forget();
+                      }
                       refresh();
                     }},
       changed_(std::move(changed)),

@@ -60,11 +60,11 @@ PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const
 
 void PanelWindow::place(const Rect& icon) {
   icon_ = icon;
-  model_.appear();
   restyle();
 }
 
 void PanelWindow::open() {
+  model_.appear();
   show();
   setFocus();
   lookAgain_.start();

@@ -29,6 +29,8 @@ class PanelWindow final : public QDialog {
   PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
               std::function<void()> dismissed);
 
+  Kind kind() const { return kind_; }
+
   /// Makes it as large as what it shows, and puts it beside the icon. Called before its native window is made, which
   /// would not know of its place otherwise.
   void place(const Rect& icon);

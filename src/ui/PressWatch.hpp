@@ -14,6 +14,7 @@ class PressWatch {
   /// does.
   virtual void begin(std::function<void()> pressed) = 0;
 
+  /// May be called by `pressed`.
   virtual void end() = 0;
 };
 

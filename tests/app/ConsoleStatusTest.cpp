@@ -11,10 +11,11 @@ namespace {
 struct ConsoleStatusTest : testing::Test {
   std::string shown(const HubState& was, const HubState& next) {
     std::ostringstream out;
-    ConsoleStatus(out, "10.0.0.2:8787").show(was, next);
+    ConsoleStatus(out, [this] { return address; }).show(was, next);
     return out.str();
   }
 
+  std::string address = "10.0.0.2:8787";
   const HubState idle;
   const HubState running{.isRunning = true};
 };
@@ -28,7 +29,7 @@ TEST_F(ConsoleStatusTest, SaysWhereItListensAndHowToPair) {
 
 TEST_F(ConsoleStatusTest, SaysWhatWentWrong) {
   EXPECT_EQ(shown(idle, {.lastError = "Port taken."}),
-            "Port taken.\nThe panel has that button: orvel --show opens it.\n");
+            "Port taken.\nTo try again, hit Restart in the panel: orvel --show opens it.\n");
   EXPECT_EQ(shown({.lastError = "Port taken."}, {.lastError = "Port taken."}), "");
 }
 

@@ -211,6 +211,16 @@ TEST_F(MenuBarExtraTest, WithoutATrayItOpensAsANormalWindow) {
   EXPECT_EQ(panel(), nullptr);
 }
 
+TEST_F(MenuBarExtraTest, AnIconThatComesLateOpensThePanelInsteadOfTheWindow) {
+  icon.hasTray = false;
+  extra.openPanel("");
+  ASSERT_NE(panel(), nullptr);
+  icon.hasTray = true;
+  icon.click();
+  ASSERT_NE(panel(), nullptr);
+  EXPECT_TRUE(panel()->windowFlags().testFlag(Qt::FramelessWindowHint));
+}
+
 TEST_F(MenuBarExtraTest, AnotherStartBringsTheOpenPanelToTheFront) {
   icon.click();
   const QWidget* before = panel();

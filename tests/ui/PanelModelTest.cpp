@@ -75,6 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
         StatusCase{"Stopped", false, true, {}, "10.0.0.2", "Server stopped", PanelColor::red},
         StatusCase{"StoppedWithoutPermission", false, false, {}, "10.0.0.2", "Server stopped", PanelColor::red},
         StatusCase{"StoppedWithPhones", false, false, {"A", "B"}, {}, "Server stopped", PanelColor::red},
+        StatusCase{"StoppedWithPermissionAndPhones", false, true, {"A", "B"}, {}, "Server stopped", PanelColor::red},
         StatusCase{"NoPermission", true, false, {}, "10.0.0.2", "Waiting for permission", PanelColor::orange},
         StatusCase{"NoPermissionTwoPhones", true, false, {"A", "B"}, {}, "Waiting for permission", PanelColor::orange},
         StatusCase{"Listening", true, true, {}, "10.0.0.2", "Listening on 10.0.0.2:8787", PanelColor::secondary},
@@ -98,6 +99,7 @@ TEST_F(PanelModelTest, BlocksComeInTheirOrder) {
 }
 
 TEST_F(PanelModelTest, ThePermissionIsExplainedWhileItIsMissing) {
+  host.now.clients = {"A", "B"};
   host.now.accessibilityGranted = false;
   const PanelText heading{.text = "Accessibility is off",
                           .font = PanelFont::heading,

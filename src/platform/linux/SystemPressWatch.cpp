@@ -14,7 +14,7 @@ SystemPressWatch::SystemPressWatch(const X11Connection& connection)
     : connection_(connection),
       opcode_(rawInputOpcode(connection).value_or(0)),
       call_(std::make_shared<MainThreadCall>([this] {
-        if (pressed_) pressed_();
+        if (const auto pressed = pressed_) pressed();
       })) {}
 
 SystemPressWatch::~SystemPressWatch() {
