@@ -53,6 +53,7 @@ bool PanelBlockView::shows(const std::vector<PanelRow>& rows) const {
 
 void PanelBlockView::showRows(const std::vector<PanelRow>& rows) {
   std::vector<Shown> next;
+  next.reserve(rows.size());
   for (const PanelRow& row : rows) next.push_back({row, widgetFor(row)});
   forget();
   for (QWidget* widget : std::exchange(forgotten_, {})) {
