@@ -4,25 +4,26 @@
 #include "base/Executor.hpp"
 #include "catalog/Workspace.hpp"
 #include "input/PermissionGate.hpp"
+#include "ui/Foreground.hpp"
 
 #include <utility>
 
 namespace orvel {
 
-HelperDelegate::HelperDelegate(std::shared_ptr<ServerHub> hub, PermissionGate& permission, Workspace& workspace,
-                               Executor& mainThread)
-    : hub_(std::move(hub)), permission_(permission), workspace_(workspace), mainThread_(mainThread) {}
+HelperDelegate::HelperDelegate(Dependencies dependencies) : dependencies_(std::move(dependencies)) {}
 
 void HelperDelegate::applicationDidFinishLaunching() {
-  permission_.refresh();
-  hub_->start();
-  workspace_.observeActivation([&permission = permission_, &mainThread = mainThread_] {
-    mainThread.post([&permission] { permission.refresh(); });
-  });
+  dependencies_.foreground.becomeAccessory();
+  dependencies_.permission.refresh();
+  dependencies_.hub->start();
+  dependencies_.workspace.observeActivation(
+      [&permission = dependencies_.permission, &mainThread = dependencies_.mainThread] {
+        mainThread.post([&permission] { permission.refresh(); });
+      });
 }
 
 void HelperDelegate::applicationWillTerminate() {
-  hub_->stop();
+  dependencies_.hub->stop();
 }
 
 }  // namespace orvel

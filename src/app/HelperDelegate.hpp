@@ -5,6 +5,7 @@
 namespace orvel {
 
 class Executor;
+class Foreground;
 class PermissionGate;
 class ServerHub;
 class Workspace;
@@ -12,21 +13,25 @@ class Workspace;
 /// What the application does when it has been launched and before it ends. Threads: the main thread.
 class HelperDelegate {
  public:
-  HelperDelegate(std::shared_ptr<ServerHub> hub, PermissionGate& permission, Workspace& workspace,
-                 Executor& mainThread);
+  struct Dependencies {
+    Foreground& foreground;
+    std::shared_ptr<ServerHub> hub;
+    Executor& mainThread;
+    PermissionGate& permission;
+    Workspace& workspace;
+  };
 
-  /// Reads the permission, starts the hub, and has the permission read again whenever another program comes to the
-  /// front: its user may just have granted it.
+  explicit HelperDelegate(Dependencies dependencies);
+
+  /// Becomes an accessory of the desktop, reads the permission, starts the hub, and has the permission read again
+  /// whenever another program comes to the front: its user may just have granted it.
   void applicationDidFinishLaunching();
 
   /// Closes every phone's connection and the port.
   void applicationWillTerminate();
 
  private:
-  const std::shared_ptr<ServerHub> hub_;
-  PermissionGate& permission_;
-  Workspace& workspace_;
-  Executor& mainThread_;
+  const Dependencies dependencies_;
 };
 
 }  // namespace orvel

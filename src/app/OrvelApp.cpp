@@ -79,7 +79,11 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .presses = platform.presses(),
                      .statusItem = platform.statusItem()}),
       status_(std::cout, [&machine = platform.machine()] { return addressToShow(machine); }),
-      delegate_(hub_, permission_, platform.workspace(), mainLoop),
+      delegate_({.foreground = platform.foreground(),
+                 .hub = hub_,
+                 .mainThread = mainLoop,
+                 .permission = permission_,
+                 .workspace = platform.workspace()}),
       patience_(platform) {
   hub_->observe([this](const HubState& next) {
     status_.show(hub_->state(), next);

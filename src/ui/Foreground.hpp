@@ -10,6 +10,10 @@ class Foreground {
  public:
   virtual ~Foreground() = default;
 
+  /// Makes this program one that has no entry of its own where the desktop lists what runs: its icon is its only place.
+  /// Called before there is a window. False where the desktop lists windows and no programs.
+  virtual bool becomeAccessory() = 0;
+
   /// Keeps a window of the toolkit, which was not shown yet, out of the desktop's list of running programs.
   virtual void keepOutOfList(std::uintptr_t window) = 0;
 

@@ -82,11 +82,8 @@ struct MainLoop::Application {
   Inbox inbox;
 };
 
-MainLoop::MainLoop(std::vector<std::string> arguments) {
-  // The look is ours. A theme of the desktop's would bring another whole toolkit into this process.
-  QApplication::setDesktopSettingsAware(false);
-  application_ = std::make_unique<Application>(std::move(arguments));
-}
+MainLoop::MainLoop(std::vector<std::string> arguments)
+    : application_(std::make_unique<Application>(std::move(arguments))) {}
 
 MainLoop::~MainLoop() = default;
 

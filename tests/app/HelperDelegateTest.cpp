@@ -1,6 +1,7 @@
 #include "app/HelperDelegate.hpp"
 #include "app/ServerHub.hpp"
 #include "catalog/Workspace.hpp"
+#include "fakes/FakePanelDesktop.hpp"
 #include "fakes/SessionWorld.hpp"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,9 @@ struct HelperDelegateTest : testing::Test, SessionWorld {
   SessionServices fresh = servicesUnder(gate);
   std::shared_ptr<ServerHub> hub = ServerHub::make(
       {.advertiser = advertiser, .clock = clock, .mainThread = mainThread, .network = network, .services = fresh});
-  HelperDelegate delegate{hub, gate, computer, mainThread};
+  FakeForeground foreground;
+  HelperDelegate delegate{
+      {.foreground = foreground, .hub = hub, .mainThread = mainThread, .permission = gate, .workspace = computer}};
 };
 
 TEST_F(HelperDelegateTest, LaunchingReadsThePermissionAndListens) {
@@ -29,6 +32,11 @@ TEST_F(HelperDelegateTest, LaunchingReadsThePermissionAndListens) {
   clock.runDue();
   EXPECT_TRUE(hub->state().isRunning);
   EXPECT_TRUE(hub->state().accessibilityGranted);
+}
+
+TEST_F(HelperDelegateTest, LaunchingLeavesTheIconAsItsOnlyPlaceOnTheDesktop) {
+  delegate.applicationDidFinishLaunching();
+  EXPECT_EQ(foreground.becameAccessory, 1);
 }
 
 TEST_F(HelperDelegateTest, AProgramThatComesToTheFrontHasThePermissionReadAgain) {

@@ -46,10 +46,12 @@ class FakeAppearance final : public Appearance {
 /// Records which windows came to the front by which token.
 class FakeForeground final : public Foreground {
  public:
+  bool becomeAccessory() override { return ++becameAccessory > 0; }
   void keepOutOfList(std::uintptr_t) override { ++keptOut; }
   void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }
   void finishStart(const std::string& token) override { finished.push_back(token); }
 
+  int becameAccessory = 0;
   int keptOut = 0;
   std::vector<std::string> brought;
   std::vector<std::string> finished;

@@ -9,6 +9,7 @@
 #include <malloc.h>
 #include <sys/resource.h>
 
+#include <QGuiApplication>
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -125,6 +126,8 @@ std::optional<std::string> missingDesktop() {
 
 std::vector<std::string> prepareToolkit() {
   forgoSilentBus(TimeLimit(busPatience));
+  // The panel's look is ours. A theme of the desktop's would bring another whole toolkit into this process.
+  QGuiApplication::setDesktopSettingsAware(false);
   // X11 on Wayland, too: there only Xwayland lets a window open beside an icon.
   return {"-platform", "xcb"};
 }

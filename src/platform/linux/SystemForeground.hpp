@@ -24,6 +24,7 @@ class SystemForeground final : public Foreground {
  public:
   explicit SystemForeground(const X11Connection& connection);
 
+  bool becomeAccessory() override { return false; }
   void keepOutOfList(std::uintptr_t window) override;
   void bring(std::uintptr_t window, const std::string& token) override;
   void finishStart(const std::string& token) override;

@@ -1,0 +1,5 @@
+# The files of the macOS leaves, for the build on a Mac and for the checks elsewhere.
+set(ORVEL_MACOS_SOURCES
+    CFText.cpp
+    SystemScreenRecordingAccess.cpp
+)

@@ -1,0 +1,38 @@
+#include "MacTest.hpp"
+
+#include "runtime/Dispatch.hpp"
+#include "runtime/ObjectiveC.hpp"
+
+#import <Foundation/Foundation.h>
+
+extern "C" {
+void* objc_autoreleasePoolPush();
+void objc_autoreleasePoolPop(void* pool);
+}
+
+namespace orvel {
+namespace {
+
+/// Those that a program has one of, for as long as it runs.
+void makeSharedObjects() {
+  (void)NSNotificationCenter.defaultCenter;
+  (void)dispatch_get_main_queue();
+}
+
+}  // namespace
+
+void MacTest::SetUp() {
+  @autoreleasepool {
+    makeSharedObjects();
+  }
+  before_ = objectivec::livingObjects();
+  pool_ = objc_autoreleasePoolPush();
+}
+
+void MacTest::TearDown() {
+  dispatch::turnMainQueue();
+  objc_autoreleasePoolPop(pool_);
+  EXPECT_EQ(objectivec::livingObjects(), before_) << "An object was left behind, or one too many released.";
+}
+
+}  // namespace orvel

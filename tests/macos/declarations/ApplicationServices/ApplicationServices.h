@@ -1,0 +1,5 @@
+#pragma once
+
+#include "AXUIElement.h"
+
+#include <CoreGraphics/CoreGraphics.h>

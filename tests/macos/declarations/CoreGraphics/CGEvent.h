@@ -1,0 +1,4 @@
+#pragma once
+
+typedef struct __CGEvent* CGEventRef;
+typedef struct __CGEventSource* CGEventSourceRef;

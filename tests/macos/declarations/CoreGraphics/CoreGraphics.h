@@ -1,0 +1,23 @@
+#pragma once
+
+#include "../Annotations.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+typedef double CGFloat;
+typedef struct CGPoint {
+  CGFloat x;
+  CGFloat y;
+} CGPoint;
+typedef struct CGSize {
+  CGFloat width;
+  CGFloat height;
+} CGSize;
+typedef struct CGRect {
+  CGPoint origin;
+  CGSize size;
+} CGRect;
+
+#include "CGDisplay.h"
+#include "CGEvent.h"
+#include "CGWindow.h"

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "../Annotations.h"
+
+#include <stddef.h>
+#include <stdint.h>
+
+#pragma clang assume_nonnull begin
+
+@class NSObject;
+@protocol NSObject;
+@protocol OS_dispatch_queue <NSObject>
+@end
+typedef NSObject<OS_dispatch_queue>* dispatch_queue_t;
+@protocol OS_dispatch_queue_attr <NSObject>
+@end
+typedef NSObject<OS_dispatch_queue_attr>* dispatch_queue_attr_t;
+typedef void (^dispatch_block_t)(void);
+typedef unsigned int dispatch_qos_class_t;
+enum : unsigned int { QOS_CLASS_USER_INTERACTIVE = 0x21, QOS_CLASS_USER_INITIATED = 0x19, QOS_CLASS_DEFAULT = 0x15 };
+
+#define DISPATCH_QUEUE_SERIAL ((dispatch_queue_attr_t _Nullable) nullptr)
+
+MAC_EXTERN dispatch_queue_t dispatch_queue_create(const char* _Nullable label,
+                                                  dispatch_queue_attr_t _Nullable attributes)
+    __attribute__((ns_returns_retained)) MAC_SINCE(10.6);
+MAC_EXTERN dispatch_queue_attr_t dispatch_queue_attr_make_with_qos_class(dispatch_queue_attr_t _Nullable attributes,
+                                                                         dispatch_qos_class_t qos, int relativePriority)
+    MAC_SINCE(10.10);
+MAC_EXTERN dispatch_queue_t dispatch_get_main_queue(void);
+MAC_EXTERN void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) MAC_SINCE(10.6);
+MAC_EXTERN void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block) MAC_SINCE(10.6);
+
+#pragma clang assume_nonnull end

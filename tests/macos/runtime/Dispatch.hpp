@@ -1,0 +1,20 @@
+#pragma once
+
+#import <dispatch/dispatch.h>
+
+#include <string>
+
+/// The queues of the system: each has a thread of its own, but for the main queue, which a test turns.
+namespace dispatch {
+
+/// Runs what waits in the main queue, on this thread, and returns how many blocks that were.
+int turnMainQueue();
+
+/// Waits until the queue has run what it was given before.
+void finish(dispatch_queue_t queue);
+
+/// What the queue was made with.
+std::string label(dispatch_queue_t queue);
+dispatch_qos_class_t quality(dispatch_queue_t queue);
+
+}  // namespace dispatch

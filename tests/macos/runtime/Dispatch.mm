@@ -1,0 +1,165 @@
+#include "runtime/Dispatch.hpp"
+
+#import <Foundation/Foundation.h>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+@interface QueueAttributes : NSObject <OS_dispatch_queue_attr> {
+ @public
+  dispatch_qos_class_t quality_;
+}
+@end
+@implementation QueueAttributes
+@end
+
+namespace {
+
+/// Blocks that wait, and the thread that runs them, if there is one.
+struct Lane {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::deque<dispatch_block_t> waiting;
+  bool ended = false;
+
+  void add(dispatch_block_t block) {
+    {
+      const std::lock_guard guard(mutex);
+      waiting.push_back(block);
+    }
+    changed.notify_all();
+  }
+
+  dispatch_block_t next(bool waits) {
+    std::unique_lock lock(mutex);
+    if (waits) changed.wait(lock, [this] { return ended || !waiting.empty(); });
+    if (waiting.empty()) return nil;
+    dispatch_block_t block = waiting.front();
+    waiting.pop_front();
+    return block;
+  }
+
+  int run(bool waits) {
+    int count = 0;
+    @autoreleasepool {
+      while (dispatch_block_t block = next(waits)) {
+        @autoreleasepool {
+          block();
+        }
+        ++count;
+      }
+    }
+    return count;
+  }
+};
+
+}  // namespace
+
+@interface Queue : NSObject <OS_dispatch_queue> {
+ @public
+  std::shared_ptr<Lane> lane_;
+  std::thread thread_;
+  std::string label_;
+  dispatch_qos_class_t quality_;
+}
+@end
+@implementation Queue
+- (void)dealloc {
+  if (!thread_.joinable()) return;
+  {
+    const std::lock_guard guard(lane_->mutex);
+    lane_->ended = true;
+  }
+  lane_->changed.notify_all();
+  // The last reference may be given back on its own thread, which then ends by itself.
+  if (thread_.get_id() == std::this_thread::get_id()) {
+    thread_.detach();
+  } else {
+    thread_.join();
+  }
+}
+@end
+
+namespace {
+
+Queue* makeQueue(const char* label) {
+  Queue* queue = [[Queue alloc] init];
+  queue->lane_ = std::make_shared<Lane>();
+  queue->label_ = label == nullptr ? "" : label;
+  queue->quality_ = QOS_CLASS_DEFAULT;
+  return queue;
+}
+
+Queue* mainQueue() {
+  static Queue* queue = makeQueue("main");
+  return queue;
+}
+
+}  // namespace
+
+extern "C" {
+
+dispatch_queue_attr_t dispatch_queue_attr_make_with_qos_class(dispatch_queue_attr_t, dispatch_qos_class_t quality,
+                                                              int) {
+  QueueAttributes* attributes = [[QueueAttributes alloc] init];
+  attributes->quality_ = quality;
+  return attributes;
+}
+
+dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attributes) {
+  Queue* queue = makeQueue(label);
+  if (attributes != nil) queue->quality_ = static_cast<QueueAttributes*>(attributes)->quality_;
+  queue->thread_ = std::thread([lane = queue->lane_] { lane->run(true); });
+  return queue;
+}
+
+dispatch_queue_t dispatch_get_main_queue() {
+  return mainQueue();
+}
+
+void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+  static_cast<Queue*>(queue)->lane_->add(block);
+}
+
+void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block) {
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool done = false;
+  // The locals outlive the block, for this waits for it.
+  std::mutex* guards = &mutex;
+  std::condition_variable* tells = &changed;
+  bool* isDone = &done;
+  static_cast<Queue*>(queue)->lane_->add(^{
+    block();
+    const std::lock_guard guard(*guards);
+    *isDone = true;
+    tells->notify_all();
+  });
+  std::unique_lock lock(mutex);
+  changed.wait(lock, [&] { return done; });
+}
+
+}  // extern "C"
+
+namespace dispatch {
+
+int turnMainQueue() {
+  return mainQueue()->lane_->run(false);
+}
+
+void finish(dispatch_queue_t queue) {
+  dispatch_sync(queue, ^{
+                });
+}
+
+std::string label(dispatch_queue_t queue) {
+  return static_cast<Queue*>(queue)->label_;
+}
+
+dispatch_qos_class_t quality(dispatch_queue_t queue) {
+  return static_cast<Queue*>(queue)->quality_;
+}
+
+}  // namespace dispatch

@@ -1,0 +1,23 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include <string>
+
+@interface NSNotificationCenter ()
+- (void)tell:(NSString*)name userInfo:(NSDictionary*)userInfo;
+@property(readonly) NSUInteger observerCount;
+@end
+
+/// What tests and fakes make that programs on a Mac are only given.
+namespace objectivec {
+
+NSString* text(const std::string& bytes);
+std::size_t utf16Length(const std::string& text);
+NSError* error(const std::string& domain, NSInteger code, const std::string& description);
+
+/// Tells the observers of `center`, on this thread.
+void notify(NSNotificationCenter* center, NSString* name, NSDictionary* userInfo);
+std::size_t observerCount(NSNotificationCenter* center);
+
+}  // namespace objectivec
