@@ -50,9 +50,11 @@ MAC_EXTERN CFTypeID CFStringGetTypeID(void);
 MAC_EXTERN CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex count,
                                                CFStringEncoding encoding,
                                                Boolean isExternalRepresentation) MAC_RETURNS_RETAINED;
+MAC_EXTERN CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* units,
+                                                    CFIndex count) MAC_RETURNS_RETAINED;
 MAC_EXTERN CFIndex CFStringGetLength(CFStringRef text);
 MAC_EXTERN CFIndex CFStringGetBytes(CFStringRef text, CFRange range, CFStringEncoding encoding, UInt8 lossByte,
                                     Boolean isExternalRepresentation, UInt8* buffer, CFIndex size, CFIndex* used);
 
 /// The text of a literal, as an object that is never released.
-#define CFSTR(literal) ((CFStringRef)__builtin___CFStringMakeConstantString("" literal ""))
+#define CFSTR(literal) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString("" literal "")))

@@ -15,8 +15,8 @@ typedef bool BOOL;
 #else
 typedef signed char BOOL;
 #endif
-#define YES ((BOOL)1)
-#define NO ((BOOL)0)
+#define YES __objc_yes
+#define NO __objc_no
 #define nil nullptr
 
 typedef long NSInteger;
