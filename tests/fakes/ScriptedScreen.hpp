@@ -95,11 +95,11 @@ class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess
 
     std::variant<std::unique_ptr<CaptureStream>, CaptureFailure> start(std::size_t display,
                                                                        const CaptureConfiguration& configuration,
-                                                                       CaptureStream::Handlers handlers) override {
+                                                                       CaptureStream::Handlers listeners) override {
       if (screen_.startFailure) return CaptureFailure{*screen_.startFailure};
       screen_.captured.push_back(display);
       screen_.configurations.push_back(configuration);
-      screen_.handlers.push_back(std::move(handlers));
+      screen_.handlers.push_back(std::move(listeners));
       auto stream = std::make_unique<Stream>(screen_);
       if (screen_.whileStarting) std::exchange(screen_.whileStarting, {})();
       return stream;
