@@ -1,5 +1,8 @@
 # The files of the macOS leaves, for the build on a Mac and for the checks elsewhere.
 set(ORVEL_MACOS_SOURCES
     CFText.cpp
+    SystemEventPoster.cpp
     SystemScreenRecordingAccess.cpp
+    events/SystemDefined.mm
+    events/TextPieces.cpp
 )

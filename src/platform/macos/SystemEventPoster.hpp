@@ -1,0 +1,24 @@
+#pragma once
+
+#include "input/EventPoster.hpp"
+
+namespace orvel {
+
+/// Posts input where that of the mouse and the keyboard enters the system. Every event is sent at once.
+///
+/// A text that is too long for one event goes out as several strokes, each released before the next is pressed: the
+/// press of the text is all of that but the last release, which is the release of the text.
+///
+/// Threads: any.
+class SystemEventPoster final : public EventPoster {
+ public:
+  bool post(const MouseEvent& event) override;
+  bool post(const ScrollEvent& event) override;
+  bool post(const KeyEvent& event) override;
+  bool post(const SystemDefinedEvent& event) override;
+  bool post(const TextEvent& event) override;
+  std::optional<Point> pointerLocation() override;
+  void flush() override {}
+};
+
+}  // namespace orvel

@@ -1,0 +1,190 @@
+#include "MacTest.hpp"
+#include "frameworks/Quartz.hpp"
+#include "platform/macos/SystemEventPoster.hpp"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+using fake::QuartzEvent;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class EventPosterTest : public MacTest {
+ protected:
+  void SetUp() override {
+    MacTest::SetUp();
+    fake::quartz() = {};
+  }
+
+  /// One of each kind but text.
+  std::vector<bool> postAll() {
+    return {poster_.post(MouseEvent{}),
+            poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = {}, .clickState = 1}),
+            poster_.post(ScrollEvent{}), poster_.post(KeyEvent{}), poster_.post(SystemDefinedEvent{})};
+  }
+
+  bool type(const std::u16string& text) {
+    const bool pressed = poster_.post(TextEvent{.text = text, .down = true});
+    const bool released = poster_.post(TextEvent{.text = text, .down = false});
+    return pressed && released;
+  }
+
+  std::vector<QuartzEvent>& posted_ = fake::quartz().posted;
+  SystemEventPoster poster_;
+};
+
+QuartzEvent stroke(std::u16string text, bool down) {
+  QuartzEvent event;
+  event.tap = kCGHIDEventTap;
+  event.type = down ? 10 : 11;
+  event.text = std::move(text);
+  return event;
+}
+
+TEST_F(EventPosterTest, APressOrReleaseHasItsClickStateAndNoDeltas) {
+  const std::pair<MouseEventType, int> cases[] = {
+      {MouseEventType::leftDown, 0}, {MouseEventType::leftUp, 0},    {MouseEventType::rightDown, 1},
+      {MouseEventType::rightUp, 1},  {MouseEventType::otherDown, 2}, {MouseEventType::otherUp, 2},
+  };
+  for (const auto& [type, button] : cases) {
+    ASSERT_TRUE(poster_.post(MouseEvent{
+        .type = type, .buttonCode = static_cast<std::uint8_t>(button), .position = {-3.5, 7.25}, .clickState = 2}));
+    const QuartzEvent& event = posted_.back();
+    EXPECT_EQ(event.tap, kCGHIDEventTap);
+    EXPECT_EQ(event.type, static_cast<std::uint32_t>(type));
+    EXPECT_EQ(event.button, static_cast<std::uint32_t>(button));
+    EXPECT_THAT(event.position, ElementsAre(-3.5, 7.25));
+    EXPECT_THAT(event.fields, ElementsAre(std::pair(1U, 2)));
+  }
+}
+
+TEST_F(EventPosterTest, MotionHasItsDeltasEvenWhenTheyAreNone) {
+  const MouseEventType types[] = {MouseEventType::moved, MouseEventType::leftDragged, MouseEventType::rightDragged};
+  for (const MouseEventType type : types) {
+    ASSERT_TRUE(
+        poster_.post(MouseEvent{.type = type, .buttonCode = 1, .position = {}, .deltaX = -40'000, .deltaY = 0}));
+    EXPECT_EQ(posted_.back().type, static_cast<std::uint32_t>(type));
+    EXPECT_EQ(posted_.back().button, 1u) << "as given, even where the type says another";
+    EXPECT_THAT(posted_.back().fields, ElementsAre(std::pair(4U, -40'000), std::pair(5U, 0)));
+  }
+}
+
+TEST_F(EventPosterTest, MouseEventsKeepTheModifiersTheyWereMadeWith) {
+  fake::quartz().heldModifiers = 0x20000;
+  poster_.post(MouseEvent{});
+  EXPECT_EQ(posted_.back().flags, 0x20000u);
+}
+
+TEST_F(EventPosterTest, TheVerticalWheelIsTheFirstOfTwo) {
+  ASSERT_TRUE(poster_.post(ScrollEvent{.wheel1 = -4000, .wheel2 = 17}));
+  EXPECT_EQ(posted_.back().tap, kCGHIDEventTap);
+  EXPECT_EQ(posted_.back().scrollUnit, kCGScrollEventUnitPixel);
+  EXPECT_THAT(posted_.back().wheels, ElementsAre(-4000, 17));
+}
+
+TEST_F(EventPosterTest, AKeyHasItsOwnModifiersOnly) {
+  fake::quartz().heldModifiers = 0x40000;
+  ASSERT_TRUE(poster_.post(KeyEvent{.keyCode = 0x1234, .down = true, .flags = 0x120000}));
+  ASSERT_TRUE(poster_.post(KeyEvent{.keyCode = 0x1234, .down = false, .flags = 0}));
+  ASSERT_THAT(posted_, SizeIs(2));
+  EXPECT_EQ(posted_[0].tap, kCGHIDEventTap);
+  EXPECT_EQ(posted_[0].type, 10u);
+  EXPECT_EQ(posted_[0].key, 0x1234);
+  EXPECT_EQ(posted_[0].flags, 0x120000u);
+  EXPECT_EQ(posted_[1].type, 11u);
+  EXPECT_EQ(posted_[1].flags, 0u);
+}
+
+TEST_F(EventPosterTest, ASystemDefinedEventIsOneOfNoPlaceAndNoTime) {
+  const SystemDefinedEvent event{.flags = 0xa00, .subtype = 8, .data1 = 0x100b00, .data2 = -1};
+  ASSERT_TRUE(poster_.post(event));
+  QuartzEvent expected;
+  expected.tap = kCGHIDEventTap;
+  expected.type = 14;
+  expected.flags = 0xa00;
+  expected.subtype = 8;
+  expected.data1 = 0x100b00;
+  expected.data2 = -1;
+  EXPECT_THAT(posted_, ElementsAre(expected));
+}
+
+TEST_F(EventPosterTest, ASystemDefinedEventThatCannotBeConvertedIsNotPosted) {
+  fake::quartz().creationsLeft = 1;
+  EXPECT_FALSE(poster_.post(SystemDefinedEvent{}));
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
+TEST_F(EventPosterTest, EventsOfAllKindsKeepTheirOrderOnAnyThread) {
+  std::vector<bool> results;
+  std::thread([&] {
+    results = postAll();
+    results.push_back(type(u"a"));
+  }).join();
+  EXPECT_THAT(results, ElementsAre(true, true, true, true, true, true));
+  std::vector<std::uint32_t> types;
+  for (const QuartzEvent& event : posted_) types.push_back(event.type);
+  EXPECT_THAT(types, ElementsAre(5, 1, 22, 11, 14, 10, 11));
+}
+
+TEST_F(EventPosterTest, WhatCannotBeMadeIsNotPosted) {
+  fake::quartz().creationsLeft = 0;
+  EXPECT_THAT(postAll(), ElementsAre(false, false, false, false, false));
+  EXPECT_FALSE(type(u"a"));
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
+TEST_F(EventPosterTest, ThePointerIsWhereABlankEventIs) {
+  fake::quartz().pointer = {12.5, -3};
+  EXPECT_EQ(poster_.pointerLocation(), (Point{12.5, -3}));
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
+TEST_F(EventPosterTest, WithoutABlankEventThePointerIsNowhere) {
+  fake::quartz().creationsLeft = 0;
+  EXPECT_EQ(poster_.pointerLocation(), std::nullopt);
+}
+
+TEST_F(EventPosterTest, AShortTextIsOneStroke) {
+  ASSERT_TRUE(poster_.post(TextEvent{.text = u"Zürich", .down = true}));
+  EXPECT_THAT(posted_, ElementsAre(stroke(u"Zürich", true)));
+  ASSERT_TRUE(poster_.post(TextEvent{.text = u"Zürich", .down = false}));
+  EXPECT_THAT(posted_, ElementsAre(stroke(u"Zürich", true), stroke(u"Zürich", false)));
+}
+
+TEST_F(EventPosterTest, TextIsNoShortcutWhateverModifierIsHeld) {
+  fake::quartz().heldModifiers = 0x100000;
+  ASSERT_TRUE(type(u"q"));
+  EXPECT_THAT(posted_, ElementsAre(stroke(u"q", true), stroke(u"q", false)));
+}
+
+TEST_F(EventPosterTest, EachStrokeOfALongTextIsReleasedBeforeTheNext) {
+  ASSERT_TRUE(poster_.post(TextEvent{.text = u"👍👍👍👍👍👍👍👍👍👍👎", .down = true}));
+  const std::u16string first = u"👍👍👍👍👍👍👍👍👍👍";
+  EXPECT_THAT(posted_, ElementsAre(stroke(first, true), stroke(first, false), stroke(u"👎", true)));
+  posted_.clear();
+  ASSERT_TRUE(poster_.post(TextEvent{.text = u"👍👍👍👍👍👍👍👍👍👍👎", .down = false}));
+  EXPECT_THAT(posted_, ElementsAre(stroke(u"👎", false)));
+}
+
+TEST_F(EventPosterTest, ALongTextArrivesWholeOrNotAtAll) {
+  const std::u16string text(50, u'x');
+  fake::quartz().creationsLeft = 4;
+  EXPECT_FALSE(poster_.post(TextEvent{.text = text, .down = true}));
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
+TEST_F(EventPosterTest, NoTextIsNoStroke) {
+  EXPECT_FALSE(type(u""));
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
+}  // namespace
+}  // namespace orvel
