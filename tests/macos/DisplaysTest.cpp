@@ -1,0 +1,96 @@
+#include "MacTest.hpp"
+#include "frameworks/DisplayList.hpp"
+#include "platform/macos/SystemDisplays.hpp"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace orvel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr fake::Display builtIn{.id = 7, .bounds = {{0, 0}, {1440, 900}}};
+constexpr fake::Display external{.id = 9, .bounds = {{-1920, -180}, {1920, 1080}}};
+constexpr Rect builtInBounds{{0, 0}, {1440, 900}};
+constexpr Rect externalBounds{{-1920, -180}, {1920, 1080}};
+
+class DisplaysTest : public MacTest {
+ protected:
+  void SetUp() override {
+    MacTest::SetUp();
+    fake::displayList() = {};
+    fake::displayList().active = {builtIn, external};
+  }
+};
+
+TEST_F(DisplaysTest, AreTheActiveOnesWithTheMainDisplayAmongThem) {
+  const SystemDisplays displays;
+  EXPECT_EQ(displays.layout()->main, builtInBounds);
+  EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds, externalBounds));
+}
+
+TEST_F(DisplaysTest, TheSystemIsNotAskedForEachEvent) {
+  const SystemDisplays displays;
+  const int questions = fake::displayList().questions;
+  const auto first = displays.layout();
+  EXPECT_EQ(displays.layout(), first);
+  EXPECT_EQ(fake::displayList().questions, questions);
+}
+
+TEST_F(DisplaysTest, AChangeMakesANewLayout) {
+  const SystemDisplays displays;
+  const auto before = displays.layout();
+  fake::displayList().become({external});
+  EXPECT_EQ(displays.layout()->main, externalBounds);
+  EXPECT_THAT(displays.layout()->screens, ElementsAre(externalBounds));
+  EXPECT_EQ(before->main, builtInBounds) << "who holds the old one keeps it";
+}
+
+TEST_F(DisplaysTest, WhatIsAboutToChangeIsNotAskedFor) {
+  const SystemDisplays displays;
+  const auto before = displays.layout();
+  for (const auto& [callback, userInfo] : fake::displayList().watchers) {
+    callback(builtIn.id, kCGDisplayBeginConfigurationFlag, userInfo);
+  }
+  EXPECT_EQ(displays.layout(), before);
+}
+
+TEST_F(DisplaysTest, ADisplayThatGoesWhileTheyAreReadIsNone) {
+  fake::displayList().whenCounted = [] { fake::displayList().active = {builtIn}; };
+  const SystemDisplays displays;
+  EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds));
+}
+
+TEST_F(DisplaysTest, AChangeWhileTheyAreReadIsToldAfterwards) {
+  std::vector<fake::DisplayList::Watcher> told;
+  fake::displayList().whenCounted = [&] {
+    fake::displayList().active = {external};
+    told = fake::displayList().watchers;
+  };
+  const SystemDisplays displays;
+  for (const auto& [callback, userInfo] : told) callback(external.id, kCGDisplayAddFlag, userInfo);
+  EXPECT_EQ(displays.layout()->main, externalBounds);
+}
+
+TEST_F(DisplaysTest, WithoutDisplaysThereAreNoScreens) {
+  fake::displayList().active.clear();
+  const SystemDisplays displays;
+  EXPECT_THAT(displays.layout()->screens, IsEmpty());
+}
+
+TEST_F(DisplaysTest, WithoutAnAnswerThereAreNoScreens) {
+  fake::displayList().isUnreadable = true;
+  const SystemDisplays displays;
+  EXPECT_THAT(displays.layout()->screens, IsEmpty());
+}
+
+TEST_F(DisplaysTest, NothingIsToldOnceTheyHaveGone) {
+  { const SystemDisplays displays; }
+  EXPECT_THAT(fake::displayList().watchers, IsEmpty());
+}
+
+}  // namespace
+}  // namespace orvel

@@ -1,0 +1,74 @@
+#include "frameworks/DisplayList.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace fake {
+namespace {
+
+constexpr CGError failure = 1000;
+
+void tell(const std::vector<Display>& displays, CGDisplayChangeSummaryFlags flags) {
+  for (const Display& display : displays) {
+    for (const auto& [callback, userInfo] : displayList().watchers) callback(display.id, flags, userInfo);
+  }
+}
+
+}  // namespace
+
+DisplayList& displayList() {
+  static DisplayList list;
+  return list;
+}
+
+void DisplayList::become(std::vector<Display> displays) {
+  const auto before = active;
+  tell(before, kCGDisplayBeginConfigurationFlag);
+  active = std::move(displays);
+  tell(before, kCGDisplayRemoveFlag);
+  tell(active, kCGDisplayAddFlag | kCGDisplayMovedFlag);
+}
+
+}  // namespace fake
+
+extern "C" {
+
+CGDirectDisplayID CGMainDisplayID() {
+  const auto& active = fake::displayList().active;
+  return active.empty() ? 0 : active.front().id;
+}
+
+CGRect CGDisplayBounds(CGDirectDisplayID id) {
+  ++fake::displayList().questions;
+  for (const auto& display : fake::displayList().active) {
+    if (display.id == id) return display.bounds;
+  }
+  return {};
+}
+
+CGError CGGetActiveDisplayList(uint32_t size, CGDirectDisplayID* displays, uint32_t* count) {
+  auto& list = fake::displayList();
+  ++list.questions;
+  if (list.isUnreadable) return fake::failure;
+  const auto found = static_cast<uint32_t>(list.active.size());
+  if (displays == nullptr) {
+    *count = found;
+    if (list.whenCounted) std::exchange(list.whenCounted, {})();
+    return kCGErrorSuccess;
+  }
+  *count = std::min(size, found);
+  for (uint32_t at = 0; at < *count; ++at) displays[at] = list.active[at].id;
+  return kCGErrorSuccess;
+}
+
+CGError CGDisplayRegisterReconfigurationCallback(CGDisplayReconfigurationCallBack callback, void* userInfo) {
+  fake::displayList().watchers.emplace_back(callback, userInfo);
+  return kCGErrorSuccess;
+}
+
+CGError CGDisplayRemoveReconfigurationCallback(CGDisplayReconfigurationCallBack callback, void* userInfo) {
+  const bool found = std::erase(fake::displayList().watchers, fake::DisplayList::Watcher(callback, userInfo)) > 0;
+  return found ? kCGErrorSuccess : fake::failure;
+}
+
+}  // extern "C"

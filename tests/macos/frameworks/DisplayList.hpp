@@ -1,0 +1,33 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+/// The displays, in place of CoreGraphics.
+namespace fake {
+
+struct Display {
+  CGDirectDisplayID id;
+  CGRect bounds;
+};
+
+struct DisplayList {
+  using Watcher = std::pair<CGDisplayReconfigurationCallBack, void*>;
+
+  std::vector<Display> active;  ///< The first one is the main display.
+  bool isUnreadable = false;
+  std::function<void()> whenCounted;  ///< What happens after somebody was told how many there are.
+  int questions = 0;                  ///< How often somebody asked for the list or for bounds.
+  std::vector<Watcher> watchers;
+
+  /// Another set of displays: told before and after, once for each display.
+  void become(std::vector<Display> displays);
+};
+
+/// Tests set it anew.
+DisplayList& displayList();
+
+}  // namespace fake
