@@ -1,0 +1,68 @@
+#include "platform/macos/SystemAccessibilityTree.hpp"
+
+#include "platform/macos/CFText.hpp"
+
+#include <array>
+#include <cstddef>
+
+namespace orvel {
+namespace {
+
+using Value = CFPointer<CFTypeRef>;
+
+constexpr float patience = 0.25F;  // seconds
+
+std::optional<std::string> text(const Value& value) {
+  if (!value || CFGetTypeID(value.get()) != CFStringGetTypeID()) return std::nullopt;
+  return CFText::fromSystem(static_cast<CFStringRef>(value.get()));
+}
+
+/// What `value` holds, when that is of the type that `type` names.
+template <class Held>
+std::optional<Held> held(const Value& value, AXValueType type) {
+  if (!value || CFGetTypeID(value.get()) != AXValueGetTypeID()) return std::nullopt;
+  Held held{};
+  if (!AXValueGetValue(static_cast<AXValueRef>(value.get()), type, &held)) return std::nullopt;
+  return held;
+}
+
+std::optional<Point> point(const Value& value) {
+  const auto found = held<CGPoint>(value, kAXValueTypeCGPoint);
+  return found ? std::optional(Point{found->x, found->y}) : std::nullopt;
+}
+
+std::optional<Size> size(const Value& value) {
+  const auto found = held<CGSize>(value, kAXValueTypeCGSize);
+  return found ? std::optional(Size{found->width, found->height}) : std::nullopt;
+}
+
+std::optional<AccessibleElement> askWhatItIs(AXUIElementRef element) {
+  const std::array names = {kAXRoleAttribute, kAXPositionAttribute, kAXSizeAttribute};
+  std::array<Value, names.size()> values;
+  for (std::size_t at = 0; at < names.size(); ++at) {
+    CFTypeRef found = nullptr;
+    const AXError error = AXUIElementCopyAttributeValue(element, names[at], &found);
+    values[at].reset(found);
+    // Its program hangs, and would keep us as long with each further question.
+    if (error == kAXErrorCannotComplete) return std::nullopt;
+  }
+  return AccessibleElement{.role = text(values[0]), .position = point(values[1]), .size = size(values[2])};
+}
+
+}  // namespace
+
+SystemAccessibilityTree::SystemAccessibilityTree() : everything_(AXUIElementCreateSystemWide()) {
+  // Holds for every element that this program asks, as the element for everything stands for them all.
+  AXUIElementSetMessagingTimeout(everything_.get(), patience);
+}
+
+std::optional<AccessibleElement> SystemAccessibilityTree::elementAt(Point position) {
+  AXUIElementRef found = nullptr;
+  const AXError error = AXUIElementCopyElementAtPosition(everything_.get(), static_cast<float>(position.x),
+                                                         static_cast<float>(position.y), &found);
+  const CFPointer<AXUIElementRef> element(found);
+  if (error != kAXErrorSuccess || !element) return std::nullopt;
+  return askWhatItIs(element.get());
+}
+
+}  // namespace orvel
