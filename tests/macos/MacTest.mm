@@ -3,6 +3,7 @@
 #include "runtime/Dispatch.hpp"
 #include "runtime/ObjectiveC.hpp"
 
+#import <AppKit/AppKit.h>
 #import <Foundation/Foundation.h>
 
 extern "C" {
@@ -15,6 +16,7 @@ namespace {
 
 /// Those that a program has one of, for as long as it runs.
 void makeSharedObjects() {
+  (void)NSWorkspace.sharedWorkspace;
   (void)NSNotificationCenter.defaultCenter;
   (void)dispatch_get_main_queue();
 }

@@ -5,6 +5,7 @@ set(ORVEL_MACOS_SOURCES
     SystemDisplays.cpp
     SystemEventPoster.cpp
     SystemScreenRecordingAccess.cpp
+    SystemTrustCheck.mm
     events/SystemDefined.mm
     events/TextPieces.cpp
 )

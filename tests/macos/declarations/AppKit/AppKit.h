@@ -9,3 +9,4 @@
 #import "NSStatusItem.h"
 #import "NSWindow.h"
 #import "NSWorkspace.h"
+#import "NSWorkspaceOpening.h"

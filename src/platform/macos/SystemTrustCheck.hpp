@@ -1,0 +1,16 @@
+#pragma once
+
+#include "input/TrustCheck.hpp"
+
+namespace orvel {
+
+/// The Accessibility permission. A grant takes effect at once, and is seen by asking again. Threads: any.
+class SystemTrustCheck final : public TrustCheck {
+ public:
+  bool isTrusted() override;
+  std::string advice() const override { return {}; }
+  bool prompt() override;
+  bool openSettings() override;
+};
+
+}  // namespace orvel

@@ -1,0 +1,8 @@
+#import <AppKit/AppKit.h>
+
+@implementation NSWorkspace
++ (NSWorkspace*)sharedWorkspace {
+  static NSWorkspace* workspace = [[NSWorkspace alloc] init];
+  return workspace;
+}
+@end
