@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
 #include <vector>
 
 namespace orvel {
@@ -47,6 +48,15 @@ TEST_F(DisplaysTest, AChangeMakesANewLayout) {
   EXPECT_EQ(displays.layout()->main, externalBounds);
   EXPECT_THAT(displays.layout()->screens, ElementsAre(externalBounds));
   EXPECT_EQ(before->main, builtInBounds) << "who holds the old one keeps it";
+}
+
+TEST_F(DisplaysTest, AnyThreadReadsThemWhileTheyChange) {
+  const SystemDisplays displays;
+  std::thread reader([&] {
+    for (int times = 0; times < 1000; ++times) ASSERT_FALSE(displays.layout()->screens.empty());
+  });
+  for (int times = 0; times < 100; ++times) fake::displayList().become({external});
+  reader.join();
 }
 
 TEST_F(DisplaysTest, WhatIsAboutToChangeIsNotAskedFor) {
