@@ -22,4 +22,10 @@ std::u16string utf16(std::string_view text) {
   return {converted.getBuffer(), static_cast<std::size_t>(converted.length())};
 }
 
+std::string wellFormedUTF8(std::string_view bytes) {
+  std::string text;
+  icu::UnicodeString::fromUTF8({bytes.data(), static_cast<std::int32_t>(bytes.size())}).toUTF8String(text);
+  return text;
+}
+
 }  // namespace orvel

@@ -11,4 +11,7 @@ bool isValidUTF8(std::string_view bytes);
 /// The UTF-16 form of `text`, which is UTF-8; what is not well-formed becomes U+FFFD. Threads: any.
 std::u16string utf16(std::string_view text);
 
+/// `bytes` as UTF-8: what is not well-formed becomes U+FFFD. Threads: any.
+std::string wellFormedUTF8(std::string_view bytes);
+
 }  // namespace orvel

@@ -29,5 +29,12 @@ TEST(UTF8, BecomesUTF16) {
   EXPECT_EQ(utf16("a\xff"), u"a\ufffd");
 }
 
+TEST(UTF8, IsMadeWellFormed) {
+  EXPECT_EQ(wellFormedUTF8(""), "");
+  EXPECT_EQ(wellFormedUTF8("a\u00e9\u4e2d\U0001F44D"), "a\u00e9\u4e2d\U0001F44D");
+  EXPECT_EQ(wellFormedUTF8("De\xffsk"), "De\ufffdsk");
+  EXPECT_EQ(wellFormedUTF8("\xed\xa0\x80"), "\ufffd\ufffd\ufffd");
+}
+
 }  // namespace
 }  // namespace orvel

@@ -1,17 +1,12 @@
 #include "platform/linux/SystemMachine.hpp"
 
-#include <ifaddrs.h>
-#include <net/if.h>
-#include <netdb.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include "base/UTF8.hpp"
+#include "platform/posix/HostName.hpp"
+#include "platform/posix/NetworkInterfaces.hpp"
 
-#include <QString>
 #include <algorithm>
-#include <array>
-#include <climits>
+#include <cstddef>
 #include <fstream>
-#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -20,10 +15,6 @@ namespace {
 
 constexpr std::size_t maximumInfoSize = 65536;
 constexpr std::string_view blanks = " \t\r";
-
-std::string validUTF8(std::string_view bytes) {
-  return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())).toStdString();
-}
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(blanks);
@@ -79,44 +70,22 @@ std::string assignedValue(std::string_view text, std::string_view key) {
   return value;
 }
 
-std::optional<NetworkInterface> describe(const ifaddrs& entry) {
-  if (entry.ifa_addr == nullptr || entry.ifa_addr->sa_family != AF_INET) return std::nullopt;
-  std::array<char, NI_MAXHOST> address{};
-  if (getnameinfo(entry.ifa_addr, sizeof(sockaddr_in), address.data(), address.size(), nullptr, 0, NI_NUMERICHOST) !=
-      0) {
-    return std::nullopt;
-  }
-  return NetworkInterface{.name = validUTF8(entry.ifa_name),
-                          .address = address.data(),
-                          .isUp = (entry.ifa_flags & IFF_UP) != 0,
-                          .isLoopback = (entry.ifa_flags & IFF_LOOPBACK) != 0};
-}
-
 }  // namespace
 
 SystemMachine::SystemMachine(std::string machineInfo) : machineInfo_(std::move(machineInfo)) {}
 
 std::optional<std::string> SystemMachine::localizedName() const {
-  std::string name = validUTF8(assignedValue(startOf(machineInfo_), "PRETTY_HOSTNAME"));
+  std::string name = wellFormedUTF8(assignedValue(startOf(machineInfo_), "PRETTY_HOSTNAME"));
   if (name.empty()) return std::nullopt;
   return name;
 }
 
 std::string SystemMachine::hostName() const {
-  std::array<char, HOST_NAME_MAX + 1> name{};
-  if (gethostname(name.data(), name.size() - 1) != 0) return {};
-  return validUTF8(name.data());
+  return HostName::read();
 }
 
 std::vector<NetworkInterface> SystemMachine::interfaces() const {
-  ifaddrs* first = nullptr;
-  if (getifaddrs(&first) != 0) return {};
-  const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> list(first, freeifaddrs);
-  std::vector<NetworkInterface> found;
-  for (const ifaddrs* entry = first; entry != nullptr; entry = entry->ifa_next) {
-    if (auto interface = describe(*entry)) found.push_back(std::move(*interface));
-  }
-  return found;
+  return NetworkInterfaces::list();
 }
 
 }  // namespace orvel

@@ -1,0 +1,23 @@
+#include "platform/posix/HostName.hpp"
+
+#include "base/UTF8.hpp"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstddef>
+
+namespace orvel {
+namespace {
+
+constexpr std::size_t longestName = 255;
+
+}  // namespace
+
+std::string HostName::read() {
+  std::array<char, longestName + 1> name{};
+  if (gethostname(name.data(), longestName) != 0) return {};
+  return wellFormedUTF8(name.data());
+}
+
+}  // namespace orvel
