@@ -4,6 +4,7 @@ set(ORVEL_MACOS_SOURCES
     SystemAccessibilityTree.cpp
     SystemDisplays.cpp
     SystemEventPoster.cpp
+    FoundationText.mm
     SystemScreenRecordingAccess.cpp
     SystemTrustCheck.mm
     events/SystemDefined.mm

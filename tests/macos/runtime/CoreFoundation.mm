@@ -74,6 +74,7 @@ CFTypeID CFStringGetTypeID() {
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex count, CFStringEncoding encoding,
                                     Boolean) {
   if (encoding != kCFStringEncodingUTF8) std::abort();
+  if (!objectivec::isUTF8({reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)})) return nullptr;
   const std::string text(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
   return ownedText(text);
 }

@@ -14,6 +14,10 @@ namespace objectivec {
 
 NSString* text(const std::string& bytes);
 std::size_t utf16Length(const std::string& text);
+
+/// Whether every character starts and goes on as one does; good enough to tell a text from other bytes.
+bool isUTF8(const std::string& bytes);
+
 NSError* error(const std::string& domain, NSInteger code, const std::string& description);
 
 /// Tells the observers of `center`, on this thread.

@@ -339,6 +339,21 @@ std::size_t utf16Length(const std::string& text) {
   return length;
 }
 
+bool isUTF8(const std::string& bytes) {
+  int following = 0;
+  for (const char each : bytes) {
+    const auto byte = static_cast<std::uint8_t>(each);
+    const bool follows = (byte & 0xc0) == 0x80;
+    if (follows != (following > 0) || byte >= 0xf8) return false;
+    if (follows) {
+      --following;
+    } else {
+      following = byte >= 0xf0 ? 3 : byte >= 0xe0 ? 2 : byte >= 0xc0 ? 1 : 0;
+    }
+  }
+  return following == 0;
+}
+
 NSString* text(const std::string& bytes) {
   PlainString* string = [[PlainString alloc] init];
   string->bytes_ = bytes;

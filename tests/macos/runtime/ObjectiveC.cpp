@@ -186,6 +186,10 @@ bool isBlock(const void* object) {
   return isa == _NSConcreteStackBlock || isa == _NSConcreteMallocBlock || isa == _NSConcreteGlobalBlock;
 }
 
+bool isOnStack(const void* block) {
+  return static_cast<const void*>(static_cast<const Object*>(block)->isa) == _NSConcreteStackBlock;
+}
+
 /// Classes and literals were not made by the runtime and never go.
 bool isEternal(const void* object) {
   const ClassObject* type = static_cast<const Object*>(object)->isa;
@@ -289,7 +293,8 @@ void _Block_release(const void* block);
 
 void* objc_retain(void* object) {
   if (object == nullptr) return nullptr;
-  if (isBlock(object)) return _Block_copy(object);
+  // Only objc_retainBlock moves a block to the heap; one on the stack stays with its frame.
+  if (isBlock(object)) return isOnStack(object) ? object : _Block_copy(object);
   if (isEternal(object)) return object;
   expectAlive(object, "a reference to an object that has gone");
   ++headerOf(object).references;
