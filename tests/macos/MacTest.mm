@@ -5,6 +5,7 @@
 
 #import <AppKit/AppKit.h>
 #import <Foundation/Foundation.h>
+#import <ServiceManagement/ServiceManagement.h>
 
 extern "C" {
 void* objc_autoreleasePoolPush();
@@ -18,6 +19,8 @@ namespace {
 void makeSharedObjects() {
   (void)NSWorkspace.sharedWorkspace;
   (void)NSNotificationCenter.defaultCenter;
+  (void)NSUserDefaults.standardUserDefaults;
+  (void)SMAppService.mainAppService;
   (void)dispatch_get_main_queue();
 }
 

@@ -147,3 +147,7 @@ typedef NSString* NSNotificationName;
 @end
 
 #pragma clang assume_nonnull end
+
+#import "NSFileManager.h"
+#import "NSPathUtilities.h"
+#import "NSUserDefaults.h"

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "session/Preferences.hpp"
+
+namespace orvel {
+
+/// This program's domain of the user's defaults, named after its bundle identifier. What stands there under a wrong
+/// type counts as missing. Threads: any.
+class SystemPreferences final : public Preferences {
+ public:
+  std::optional<std::string> string(const std::string& key) const override;
+  void setString(const std::string& key, const std::string& value) override;
+  std::vector<std::string> strings(const std::string& key) const override;
+  void setStrings(const std::string& key, const std::vector<std::string>& values) override;
+  void remove(const std::string& key) override;
+};
+
+}  // namespace orvel

@@ -1,0 +1,74 @@
+#include "platform/macos/SystemPreferences.hpp"
+
+#include "platform/macos/FoundationText.hpp"
+
+#import <Foundation/Foundation.h>
+
+#include <utility>
+
+namespace orvel {
+namespace {
+
+/// Nothing for anything but a text, where NSUserDefaults itself would make one of a number.
+std::optional<std::string> textIn(id value) {
+  if (![value isKindOfClass:NSString.class]) return std::nullopt;
+  return FoundationText::fromSystem(static_cast<NSString*>(value));
+}
+
+id valueOf(const std::string& key) {
+  NSString* name = FoundationText::toSystem(key);
+  return name == nil ? nil : [NSUserDefaults.standardUserDefaults objectForKey:name];
+}
+
+/// Nil removes.
+void store(id value, const std::string& key) {
+  NSString* name = FoundationText::toSystem(key);
+  if (name != nil) [NSUserDefaults.standardUserDefaults setObject:value forKey:name];
+}
+
+}  // namespace
+
+std::optional<std::string> SystemPreferences::string(const std::string& key) const {
+  @autoreleasepool {
+    return textIn(valueOf(key));
+  }
+}
+
+void SystemPreferences::setString(const std::string& key, const std::string& value) {
+  @autoreleasepool {
+    store(FoundationText::toSystem(value), key);
+  }
+}
+
+std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
+  @autoreleasepool {
+    id value = valueOf(key);
+    if (![value isKindOfClass:NSArray.class]) return {};
+    std::vector<std::string> texts;
+    for (id element in static_cast<NSArray*>(value)) {
+      auto text = textIn(element);
+      if (!text) return {};
+      texts.push_back(std::move(*text));
+    }
+    return texts;
+  }
+}
+
+void SystemPreferences::setStrings(const std::string& key, const std::vector<std::string>& values) {
+  @autoreleasepool {
+    NSMutableArray<NSString*>* texts = [NSMutableArray arrayWithCapacity:values.size()];
+    for (const std::string& value : values) {
+      NSString* text = FoundationText::toSystem(value);
+      if (text != nil) [texts addObject:text];
+    }
+    store(texts, key);
+  }
+}
+
+void SystemPreferences::remove(const std::string& key) {
+  @autoreleasepool {
+    store(nil, key);
+  }
+}
+
+}  // namespace orvel

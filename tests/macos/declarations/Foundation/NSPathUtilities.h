@@ -1,0 +1,3 @@
+#pragma once
+
+MAC_EXTERN NSString* _Nonnull NSHomeDirectory(void);
