@@ -18,8 +18,11 @@ namespace {
 /// Those that a program has one of, for as long as it runs.
 void makeSharedObjects() {
   (void)NSWorkspace.sharedWorkspace;
+  (void)NSColorSpace.sRGBColorSpace;
+  (void)NSFileManager.defaultManager;
   (void)NSNotificationCenter.defaultCenter;
   (void)NSUserDefaults.standardUserDefaults;
+  (void)NSWorkspace.sharedWorkspace;
   (void)SMAppService.mainAppService;
   (void)dispatch_get_main_queue();
 }

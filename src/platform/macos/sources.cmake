@@ -7,6 +7,8 @@ set(ORVEL_MACOS_SOURCES
     SystemDisplays.cpp
     SystemEventPoster.cpp
     FoundationText.mm
+    IconImage.mm
+    SystemApplicationBundles.mm
     SystemLoginItemService.mm
     SystemMachine.cpp
     SystemPreferences.mm
@@ -14,4 +16,5 @@ set(ORVEL_MACOS_SOURCES
     SystemTrustCheck.mm
     events/SystemDefined.mm
     events/TextPieces.cpp
+    SystemWorkspace.mm
 )

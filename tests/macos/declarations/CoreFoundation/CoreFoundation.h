@@ -58,3 +58,5 @@ MAC_EXTERN CFIndex CFStringGetBytes(CFStringRef text, CFRange range, CFStringEnc
 
 /// The text of a literal, as an object that is never released.
 #define CFSTR(literal) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString("" literal "")))
+
+#include "CFBundle.h"

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "catalog/Workspace.hpp"
+
+#include <memory>
+
+namespace orvel {
+
+/// The user's programs as the shared workspace tells of them, each known by its process and its bundle. What it tells
+/// changes while the main thread's loop turns.
+///
+/// Threads: any, but for `observeActivation` and the end, which are the main thread's; the observer is called there.
+class SystemWorkspace final : public Workspace {
+ public:
+  SystemWorkspace();
+  ~SystemWorkspace() override;
+
+  void observeActivation(std::function<void()> handler) override;
+  std::vector<RunningApplication> runningApplications() override;
+  std::optional<std::string> location(const std::string& identifier) override;
+  std::optional<std::vector<std::uint8_t>> icon(const std::string& path, double size) override;
+  void activate(const RunningApplication& application) override;
+  void terminate(const RunningApplication& application) override;
+  void open(const std::string& path) override;
+
+ private:
+  struct Observation;
+
+  std::unique_ptr<Observation> observation_;
+};
+
+}  // namespace orvel
