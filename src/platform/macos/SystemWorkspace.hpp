@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalog/Workspace.hpp"
+#include "platform/macos/IconDrawer.hpp"
 
 #include <memory>
 
@@ -26,6 +27,7 @@ class SystemWorkspace final : public Workspace {
  private:
   struct Observation;
 
+  IconDrawer icons_;
   std::unique_ptr<Observation> observation_;
 };
 

@@ -1,7 +1,6 @@
 #include "platform/macos/SystemWorkspace.hpp"
 
 #include "platform/macos/FoundationText.hpp"
-#include "platform/macos/IconImage.hpp"
 
 #import <AppKit/AppKit.h>
 
@@ -88,7 +87,7 @@ std::optional<std::string> SystemWorkspace::location(const std::string& identifi
 }
 
 std::optional<std::vector<std::uint8_t>> SystemWorkspace::icon(const std::string& path, double size) {
-  return drawIcon(path, size);
+  return icons_.draw(path, size);
 }
 
 void SystemWorkspace::activate(const RunningApplication& application) {

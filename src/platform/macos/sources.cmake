@@ -7,7 +7,7 @@ set(ORVEL_MACOS_SOURCES
     SystemDisplays.cpp
     SystemEventPoster.cpp
     FoundationText.mm
-    IconImage.mm
+    IconDrawer.mm
     SystemApplicationBundles.mm
     SystemLoginItemService.mm
     SystemMachine.cpp

@@ -2,6 +2,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
+#include <chrono>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -13,6 +14,7 @@ namespace fake {
 struct IconDrawing {
   std::set<std::string> failing;  ///< Of "bitmap", "colour", "context" and "png".
   CGSize iconSize{.width = 32, .height = 24};
+  std::chrono::milliseconds patience{0};  ///< How long drawing waits for another thread to draw, too.
   std::vector<std::uint8_t> png = {0x89, 'P', 'N', 'G'};
 
   // What was asked for, as of the last drawing.
@@ -32,6 +34,9 @@ struct IconDrawing {
 
 /// Tests set it anew.
 IconDrawing& iconDrawing();
+
+/// Whether one thread has drawn while another did.
+bool drawingsMet();
 
 /// How many states of drawing this thread has saved and not restored.
 std::size_t savedGraphicsStates();

@@ -2,7 +2,9 @@
 
 #import <AppKit/AppKit.h>
 
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
 
 const NSColorSpaceName NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
 
@@ -16,6 +18,37 @@ bool fails(const char* step) {
 struct Contexts {
   NSGraphicsContext* current = nil;
   std::vector<NSGraphicsContext*> saved;
+};
+
+/// Where threads meet that draw at once.
+class Meeting {
+ public:
+  static Meeting& shared() {
+    static Meeting meeting;
+    return meeting;
+  }
+
+  /// Whether the caller is alone: the first one waits as long as `patience` for another.
+  bool isAlone(std::chrono::milliseconds patience) {
+    std::unique_lock lock(mutex_);
+    ++present_;
+    haveMet_ = haveMet_ || present_ > 1;
+    changed_.notify_all();
+    changed_.wait_for(lock, patience, [this] { return haveMet_; });
+    --present_;
+    return !haveMet_;
+  }
+
+  bool haveMet() {
+    const std::lock_guard lock(mutex_);
+    return haveMet_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int present_ = 0;
+  bool haveMet_ = false;
 };
 
 Contexts& contexts() {
@@ -113,6 +146,7 @@ Contexts& contexts() {
          operation:(NSCompositingOperation)operation
           fraction:(CGFloat)fraction {
   fake::IconDrawing& drawing = fake::iconDrawing();
+  if (!Meeting::shared().isAlone(drawing.patience)) return;
   NSGraphicsContext* context = NSGraphicsContext.currentContext;
   if (context == nil) std::abort();
   drawing.place = place;
@@ -133,6 +167,10 @@ namespace fake {
 IconDrawing& iconDrawing() {
   static IconDrawing drawing;
   return drawing;
+}
+
+bool drawingsMet() {
+  return Meeting::shared().haveMet();
 }
 
 std::size_t savedGraphicsStates() {

@@ -1,34 +1,37 @@
 #include "BareThread.hpp"
 #include "MacTest.hpp"
 #include "frameworks/IconDrawing.hpp"
-#include "platform/macos/SystemWorkspace.hpp"
+#include "platform/macos/IconDrawer.hpp"
+
+#include <chrono>
+#include <thread>
 
 namespace orvel {
 namespace {
 
 constexpr double iconSize = 56;
 
-class IconImageTest : public MacTest {
+class IconDrawerTest : public MacTest {
  protected:
   void SetUp() override {
     MacTest::SetUp();
     fake::iconDrawing() = {};
   }
 
-  SystemWorkspace workspace_;
+  IconDrawer icons_;
 };
 
-TEST_F(IconImageTest, IsThePNGOfWhatWasDrawn) {
+TEST_F(IconDrawerTest, IsThePNGOfWhatWasDrawn) {
   onBareThread([&] {
-    EXPECT_EQ(workspace_.icon("/Applications/Büro.app", iconSize), fake::iconDrawing().png);
+    EXPECT_EQ(icons_.draw("/Applications/Büro.app", iconSize), fake::iconDrawing().png);
     EXPECT_EQ(fake::savedGraphicsStates(), 0u);
   });
   EXPECT_EQ(fake::iconDrawing().file, "/Applications/Büro.app");
   EXPECT_EQ(fake::iconDrawing().format, 4u);
 }
 
-TEST_F(IconImageTest, TheWholeIconFillsASquareOfThatManyPoints) {
-  ASSERT_TRUE(workspace_.icon("/Applications/Editor.app", iconSize));
+TEST_F(IconDrawerTest, TheWholeIconFillsASquareOfThatManyPoints) {
+  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", iconSize));
   const fake::IconDrawing& drawing = fake::iconDrawing();
   EXPECT_EQ(drawing.place.origin.x, 0);
   EXPECT_EQ(drawing.place.origin.y, 0);
@@ -43,8 +46,8 @@ TEST_F(IconImageTest, TheWholeIconFillsASquareOfThatManyPoints) {
   EXPECT_EQ(drawing.interpolation, 3u);
 }
 
-TEST_F(IconImageTest, APointIsTwoPixelsOfTheCommonColours) {
-  ASSERT_TRUE(workspace_.icon("/Applications/Editor.app", iconSize));
+TEST_F(IconDrawerTest, APointIsTwoPixelsOfTheCommonColours) {
+  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", iconSize));
   const fake::IconDrawing& drawing = fake::iconDrawing();
   EXPECT_EQ(drawing.width, 112);
   EXPECT_EQ(drawing.height, 112);
@@ -54,16 +57,25 @@ TEST_F(IconImageTest, APointIsTwoPixelsOfTheCommonColours) {
   EXPECT_TRUE(drawing.isTagged);
 }
 
-TEST_F(IconImageTest, IsNothingWhenAnyStepFails) {
+TEST_F(IconDrawerTest, IsNothingWhenAnyStepFails) {
   for (const char* step : {"bitmap", "colour", "context", "png"}) {
     fake::iconDrawing().failing = {step};
-    EXPECT_EQ(workspace_.icon("/Applications/Editor.app", iconSize), std::nullopt) << step;
+    EXPECT_EQ(icons_.draw("/Applications/Editor.app", iconSize), std::nullopt) << step;
     EXPECT_EQ(fake::savedGraphicsStates(), 0u) << step;
   }
 }
 
-TEST_F(IconImageTest, IsNothingForAPathThatIsNoText) {
-  EXPECT_EQ(workspace_.icon("\xff", iconSize), std::nullopt);
+TEST_F(IconDrawerTest, IsNothingForAPathThatIsNoText) {
+  EXPECT_EQ(icons_.draw("\xff", iconSize), std::nullopt);
+}
+
+TEST_F(IconDrawerTest, DrawsForOneThreadAtATime) {
+  fake::iconDrawing().patience = std::chrono::milliseconds(50);
+  const auto draw = [this] { icons_.draw("/Applications/Editor.app", iconSize); };
+  std::thread other(draw);
+  draw();
+  other.join();
+  EXPECT_FALSE(fake::drawingsMet());
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "platform/macos/IconImage.hpp"
+#include "platform/macos/IconDrawer.hpp"
 
 #include "platform/macos/FoundationText.hpp"
 
@@ -32,7 +32,7 @@ NSBitmapImageRep* makeSquare(double size) {
   return square;
 }
 
-bool draw(NSImage* icon, NSBitmapImageRep* square) {
+bool fill(NSBitmapImageRep* square, NSImage* icon) {
   NSGraphicsContext* context = [NSGraphicsContext graphicsContextWithBitmapImageRep:square];
   if (context == nil) return false;
   [NSGraphicsContext saveGraphicsState];
@@ -48,12 +48,13 @@ bool draw(NSImage* icon, NSBitmapImageRep* square) {
 
 }  // namespace
 
-std::optional<std::vector<std::uint8_t>> drawIcon(const std::string& path, double size) {
+std::optional<std::vector<std::uint8_t>> IconDrawer::draw(const std::string& path, double size) {
+  const std::lock_guard guard(drawing_);
   @autoreleasepool {
     NSString* file = FoundationText::toSystem(path);
     NSBitmapImageRep* square = makeSquare(size);
     if (file == nil || square == nil) return std::nullopt;
-    if (!draw([NSWorkspace.sharedWorkspace iconForFile:file], square)) return std::nullopt;
+    if (!fill(square, [NSWorkspace.sharedWorkspace iconForFile:file])) return std::nullopt;
     NSData* png = [square representationUsingType:NSBitmapImageFileTypePNG properties:@{}];
     if (png == nil) return std::nullopt;
     const auto* bytes = static_cast<const std::uint8_t*>(png.bytes);
