@@ -22,7 +22,6 @@ void makeSharedObjects() {
   (void)NSFileManager.defaultManager;
   (void)NSNotificationCenter.defaultCenter;
   (void)NSUserDefaults.standardUserDefaults;
-  (void)NSWorkspace.sharedWorkspace;
   (void)SMAppService.mainAppService;
   (void)dispatch_get_main_queue();
 }
