@@ -79,6 +79,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .presses = platform.presses(),
                      .statusItem = platform.statusItem()}),
       status_(std::cout, [&machine = platform.machine()] { return addressToShow(machine); }),
+      wakefulness_(platform.activity()),
       delegate_({.foreground = platform.foreground(),
                  .hub = hub_,
                  .mainThread = mainLoop,
@@ -87,6 +88,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
       patience_(platform) {
   hub_->observe([this](const HubState& next) {
     status_.show(hub_->state(), next);
+    wakefulness_.follow(next);
     refreshPanelSoon();
   });
   panelService_.observe([this] { menuBarExtra_.refresh(); });

@@ -4,6 +4,7 @@
 #include "app/DesktopPatience.hpp"
 #include "app/HelperDelegate.hpp"
 #include "app/PanelService.hpp"
+#include "app/Wakefulness.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "catalog/AppCatalog.hpp"
@@ -81,6 +82,7 @@ class OrvelApp {
   LoginItem loginItem_;
   MenuBarExtra menuBarExtra_;
   ConsoleStatus status_;
+  Wakefulness wakefulness_;
   HelperDelegate delegate_;
   DesktopPatience patience_;
 };

@@ -10,6 +10,7 @@
 namespace orvel {
 
 class AccessibilityTree;
+class Activity;
 class Advertiser;
 class Appearance;
 class ApplicationBundles;
@@ -34,6 +35,7 @@ class Platform {
   virtual ~Platform() = default;
 
   virtual AccessibilityTree& accessibility() = 0;
+  virtual Activity& activity() = 0;
   virtual Advertiser& advertiser() = 0;
   virtual Appearance& appearance() = 0;
   virtual ApplicationBundles& bundles() = 0;

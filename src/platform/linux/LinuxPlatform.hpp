@@ -3,6 +3,7 @@
 #include "base/Guarded.hpp"
 #include "platform/Platform.hpp"
 #include "platform/linux/SystemAccessibilityTree.hpp"
+#include "platform/linux/SystemActivity.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
 #include "platform/linux/SystemAppearance.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
@@ -46,6 +47,7 @@ class LinuxPlatform final : public Platform {
   bool listen();
 
   AccessibilityTree& accessibility() override { return accessibility_; }
+  Activity& activity() override { return activity_; }
   Advertiser& advertiser() override { return advertiser_; }
   Appearance& appearance() override { return appearance_; }
   ApplicationBundles& bundles() override { return bundles_; }
@@ -80,6 +82,7 @@ class LinuxPlatform final : public Platform {
   const DataFolders dataFolders_ = DataFolders::ofUser();
   DesktopEntries desktopEntries_{dataFolders_.shared};
   SystemAccessibilityTree accessibility_;
+  SystemActivity activity_;
   SystemAdvertiser advertiser_;
   SystemAppearance appearance_;
   SystemApplicationBundles bundles_;
