@@ -340,8 +340,8 @@ void objc_autoreleasePoolPop(void* pool) {
 }
 
 void* objc_autorelease(void* object) {
-  if (object == nullptr || isBlock(object) || isEternal(object)) return object;
-  if (pools.empty()) fail("autoreleased without a pool", nameOf(object));
+  if (object == nullptr || (!isBlock(object) && isEternal(object))) return object;
+  if (pools.empty()) fail("autoreleased without a pool", isBlock(object) ? "block" : nameOf(object));
   pools.back().push_back(object);
   return object;
 }
