@@ -24,6 +24,10 @@ void makeSharedObjects() {
   (void)NSUserDefaults.standardUserDefaults;
   (void)SMAppService.mainAppService;
   (void)dispatch_get_main_queue();
+  (void)NSAppleEventManager.sharedAppleEventManager;
+  (void)NSApplication.sharedApplication;
+  (void)NSProcessInfo.processInfo;
+  (void)NSStatusBar.systemStatusBar;
 }
 
 }  // namespace

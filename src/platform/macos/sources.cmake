@@ -17,4 +17,13 @@ set(ORVEL_MACOS_SOURCES
     events/SystemDefined.mm
     events/TextPieces.cpp
     SystemWorkspace.mm
+    SystemActivity.mm
+    SystemAppearance.mm
+    SystemForeground.mm
+    SystemInstance.cpp
+    SystemPressWatch.mm
+    SystemScreenRecordingAccess.cpp
+    SystemStatusItem.mm
+    instance/InstancePort.cpp
+    instance/ReopenRequests.mm
 )

@@ -71,6 +71,10 @@ CFTypeID CFStringGetTypeID() {
   return reinterpret_cast<CFTypeID>((__bridge void*)NSString.class);
 }
 
+CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex count) {
+  return (__bridge_retained CFDataRef)[NSData dataWithBytes:bytes length:static_cast<NSUInteger>(count)];
+}
+
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex count, CFStringEncoding encoding,
                                     Boolean) {
   if (encoding != kCFStringEncodingUTF8) std::abort();

@@ -60,3 +60,5 @@ MAC_EXTERN CFIndex CFStringGetBytes(CFStringRef text, CFRange range, CFStringEnc
 #define CFSTR(literal) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString("" literal "")))
 
 #include "CFBundle.h"
+#include "CFData.h"
+#include "CFMessagePort.h"

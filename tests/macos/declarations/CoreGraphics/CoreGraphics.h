@@ -20,4 +20,5 @@ typedef struct CGRect {
 
 #include "CGDisplay.h"
 #include "CGEvent.h"
+#include "CGSession.h"
 #include "CGWindow.h"

@@ -151,3 +151,6 @@ typedef NSString* NSNotificationName;
 #import "NSFileManager.h"
 #import "NSPathUtilities.h"
 #import "NSUserDefaults.h"
+#import "NSAppleEventManager.h"
+#import "NSKeyValueObserving.h"
+#import "NSProcessInfo.h"

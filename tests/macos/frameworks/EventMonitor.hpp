@@ -1,0 +1,18 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <cstddef>
+
+/// What programs hear of the events that others get.
+namespace fake {
+
+/// Tells the monitors of an event of that kind, which is a mask of its own.
+void sendToMonitors(NSEventMask kind);
+
+std::size_t monitorCount();
+
+/// Whether the system gives nobody a monitor.
+void refuseMonitors(bool refuses);
+
+}  // namespace fake
