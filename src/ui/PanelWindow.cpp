@@ -119,7 +119,8 @@ bool PanelWindow::event(QEvent* event) {
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {
-  event->ignore();
+  // A window that refuses would keep some desktops from ending the login.
+  event->accept();
   dismissed_();
 }
 

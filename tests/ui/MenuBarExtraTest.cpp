@@ -211,6 +211,16 @@ TEST_F(MenuBarExtraTest, WithoutATrayItOpensAsANormalWindow) {
   EXPECT_EQ(panel(), nullptr);
 }
 
+TEST_F(MenuBarExtraTest, DoesNotHoldUpTheEndOfTheLogin) {
+  for (const bool hasTray : {true, false}) {
+    icon.hasTray = hasTray;
+    extra.openPanel("");
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_TRUE(panel()->close()) << "who ends the login asks every window";
+    EXPECT_EQ(panel(), nullptr);
+  }
+}
+
 TEST_F(MenuBarExtraTest, AnIconThatComesLateOpensThePanelInsteadOfTheWindow) {
   icon.hasTray = false;
   extra.openPanel("");
