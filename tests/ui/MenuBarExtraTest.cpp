@@ -147,6 +147,17 @@ TEST_F(MenuBarExtraTest, AClickOnTheIconThatTakesTheKeyboardFirstOnlyClosesIt) {
   EXPECT_NE(panel(), nullptr);
 }
 
+TEST_F(MenuBarExtraTest, TheKeyboardThatGoesOnlyAfterTheClickCountsForNothing) {
+  icon.click();
+  QWidget* const open = panel();
+  ASSERT_NE(open, nullptr);
+  icon.click();
+  QEvent late(QEvent::WindowDeactivate);
+  QCoreApplication::sendEvent(open, &late);
+  icon.click();
+  EXPECT_NE(panel(), nullptr);
+}
+
 TEST_F(MenuBarExtraTest, AClickAWhileAfterItWasClosedOpensItAgain) {
   icon.click();
   clickElsewhere();
