@@ -17,6 +17,7 @@ set(ORVEL_MACOS_SOURCES
     events/SystemDefined.mm
     events/TextPieces.cpp
     SystemWorkspace.mm
+    OpenFiles.cpp
     SystemActivity.mm
     SystemAppearance.mm
     SystemForeground.mm
@@ -24,6 +25,7 @@ set(ORVEL_MACOS_SOURCES
     SystemPressWatch.mm
     SystemScreenRecordingAccess.cpp
     SystemStatusItem.mm
+    WindowServer.cpp
     instance/InstancePort.cpp
     instance/ReopenRequests.mm
 )

@@ -1,6 +1,7 @@
 #include "platform/macos/instance/ReopenRequests.hpp"
 
 #import <AppKit/AppKit.h>
+#import <CoreServices/CoreServices.h>
 
 #include <utility>
 

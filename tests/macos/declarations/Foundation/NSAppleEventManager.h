@@ -1,11 +1,8 @@
 #pragma once
 
-#pragma clang assume_nonnull begin
+#include <CoreServices/CoreServices.h>
 
-typedef UInt32 AEEventClass;
-typedef UInt32 AEEventID;
-enum { kCoreEventClass = 'aevt' };
-enum { kAEOpenApplication = 'oapp', kAEQuitApplication = 'quit', kAEReopenApplication = 'rapp' };
+#pragma clang assume_nonnull begin
 
 @interface NSAppleEventDescriptor : NSObject
 @end
