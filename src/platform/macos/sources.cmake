@@ -17,6 +17,7 @@ set(ORVEL_MACOS_SOURCES
     events/SystemDefined.mm
     events/TextPieces.cpp
     SystemWorkspace.mm
+    MacPlatform.cpp
     OpenFiles.cpp
     SystemActivity.mm
     SystemAppearance.mm
