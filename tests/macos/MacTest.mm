@@ -7,6 +7,9 @@
 #import <Foundation/Foundation.h>
 #import <ServiceManagement/ServiceManagement.h>
 
+#include <chrono>
+#include <thread>
+
 extern "C" {
 void* objc_autoreleasePoolPush();
 void objc_autoreleasePoolPop(void* pool);
@@ -28,6 +31,16 @@ void makeSharedObjects() {
   (void)NSApplication.sharedApplication;
   (void)NSProcessInfo.processInfo;
   (void)NSStatusBar.systemStatusBar;
+  (void)NSNull.null;
+}
+
+/// What the threads of queues hold may be on its way back still.
+void awaitObjects(const std::map<std::string, int>& expected) {
+  using namespace std::chrono_literals;
+  const auto end = std::chrono::steady_clock::now() + 2s;
+  while (objectivec::livingObjects() != expected && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(2ms);
+  }
 }
 
 }  // namespace
@@ -43,6 +56,7 @@ void MacTest::SetUp() {
 void MacTest::TearDown() {
   dispatch::turnMainQueue();
   objc_autoreleasePoolPop(pool_);
+  awaitObjects(before_);
   EXPECT_EQ(objectivec::livingObjects(), before_) << "An object was left behind, or one too many released.";
 }
 

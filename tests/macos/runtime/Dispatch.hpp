@@ -3,6 +3,7 @@
 #import <dispatch/dispatch.h>
 
 #include <string>
+#include <vector>
 
 /// The queues of the system: each has a thread of its own, but for the main queue, which a test turns.
 namespace dispatch {
@@ -12,6 +13,9 @@ int turnMainQueue();
 
 /// Waits until the queue has run what it was given before.
 void finish(dispatch_queue_t queue);
+
+/// Has all that waits for its time fall due, as soon as it may, and returns how long it would have waited, in seconds.
+std::vector<double> letTimePass();
 
 /// What the queue was made with.
 std::string label(dispatch_queue_t queue);

@@ -32,26 +32,24 @@ struct Lane {
     changed.notify_all();
   }
 
-  dispatch_block_t next(bool waits) {
+  /// Takes the next one out, if there is one.
+  bool take(bool waits, dispatch_block_t __strong& block) {
     std::unique_lock lock(mutex);
     if (waits) changed.wait(lock, [this] { return ended || !waiting.empty(); });
-    if (waiting.empty()) return nil;
-    dispatch_block_t block = waiting.front();
+    if (waiting.empty()) return false;
+    block = waiting.front();
     waiting.pop_front();
-    return block;
+    return true;
   }
 
   int run(bool waits) {
-    int count = 0;
-    @autoreleasepool {
-      while (dispatch_block_t block = next(waits)) {
-        @autoreleasepool {
-          block();
-        }
-        ++count;
+    for (int count = 0;; ++count) {
+      @autoreleasepool {
+        dispatch_block_t block = nil;
+        if (!take(waits, block)) return count;
+        block();
       }
     }
-    return count;
   }
 };
 
@@ -83,6 +81,23 @@ struct Lane {
 @end
 
 namespace {
+
+/// A block that waits for its time. That stands still until a test lets it pass.
+struct Delayed {
+  dispatch_time_t when;
+  dispatch_queue_t queue;
+  dispatch_block_t block;
+};
+
+struct Delays {
+  std::mutex mutex;
+  std::vector<Delayed> waiting;
+};
+
+Delays& delays() {
+  static auto* const delays = new Delays;
+  return *delays;
+}
 
 Queue* makeQueue(const char* label) {
   Queue* queue = [[Queue alloc] init];
@@ -131,8 +146,11 @@ void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_bl
   std::mutex* guards = &mutex;
   std::condition_variable* tells = &changed;
   bool* isDone = &done;
+  // A pointer, as the block below may go after this has returned.
+  const dispatch_block_t __unsafe_unretained caller = block;
+  const dispatch_block_t __unsafe_unretained* call = &caller;
   static_cast<Queue*>(queue)->lane_->add(^{
-    block();
+    (*call)();
     const std::lock_guard guard(*guards);
     *isDone = true;
     tells->notify_all();
@@ -141,9 +159,32 @@ void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_bl
   changed.wait(lock, [&] { return done; });
 }
 
+dispatch_time_t dispatch_time(dispatch_time_t when, int64_t nanoseconds) {
+  return when + static_cast<dispatch_time_t>(nanoseconds);
+}
+
+void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) {
+  const std::lock_guard guard(delays().mutex);
+  delays().waiting.push_back({when, queue, block});
+}
+
 }  // extern "C"
 
 namespace dispatch {
+
+std::vector<double> letTimePass() {
+  std::vector<Delayed> due;
+  {
+    const std::lock_guard guard(delays().mutex);
+    due.swap(delays().waiting);
+  }
+  std::vector<double> seconds;
+  for (const Delayed& each : due) {
+    seconds.push_back(static_cast<double>(each.when) / NSEC_PER_SEC);
+    dispatch_async(each.queue, each.block);
+  }
+  return seconds;
+}
 
 int turnMainQueue() {
   return mainQueue()->lane_->run(false);

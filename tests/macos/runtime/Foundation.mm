@@ -139,6 +139,13 @@ __asm__(".globl __CFConstantStringClassReference\n"
 }
 @end
 
+@implementation NSNull
++ (NSNull*)null {
+  static NSNull* null = [[NSNull alloc] init];
+  return null;
+}
+@end
+
 @implementation NSArray {
  @public
   std::vector<id> objects_;

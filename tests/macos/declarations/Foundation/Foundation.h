@@ -90,6 +90,10 @@ __attribute__((objc_root_class))
 @property(readonly) unsigned int unsignedIntValue;
 @end
 
+@interface NSNull : NSObject <NSCopying>
++ (NSNull*)null;
+@end
+
 @interface NSArray<__covariant Element> : NSObject <NSCopying, NSFastEnumeration>
 @property(readonly) NSUInteger count;
 @property(nullable, nonatomic, readonly) Element firstObject;

@@ -16,10 +16,13 @@ typedef NSObject<OS_dispatch_queue>* dispatch_queue_t;
 @end
 typedef NSObject<OS_dispatch_queue_attr>* dispatch_queue_attr_t;
 typedef void (^dispatch_block_t)(void);
+typedef uint64_t dispatch_time_t;
 typedef unsigned int dispatch_qos_class_t;
 enum : unsigned int { QOS_CLASS_USER_INTERACTIVE = 0x21, QOS_CLASS_USER_INITIATED = 0x19, QOS_CLASS_DEFAULT = 0x15 };
 
-#define DISPATCH_QUEUE_SERIAL ((dispatch_queue_attr_t _Nullable) nullptr)
+#define NSEC_PER_SEC 1000000000ULL
+#define DISPATCH_TIME_NOW 0ULL
+#define DISPATCH_QUEUE_SERIAL NULL
 
 MAC_EXTERN dispatch_queue_t dispatch_queue_create(const char* _Nullable label,
                                                   dispatch_queue_attr_t _Nullable attributes)
@@ -30,5 +33,7 @@ MAC_EXTERN dispatch_queue_attr_t dispatch_queue_attr_make_with_qos_class(dispatc
 MAC_EXTERN dispatch_queue_t dispatch_get_main_queue(void);
 MAC_EXTERN void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) MAC_SINCE(10.6);
 MAC_EXTERN void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block) MAC_SINCE(10.6);
+MAC_EXTERN dispatch_time_t dispatch_time(dispatch_time_t when, int64_t nanoseconds) MAC_SINCE(10.6);
+MAC_EXTERN void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) MAC_SINCE(10.6);
 
 #pragma clang assume_nonnull end
