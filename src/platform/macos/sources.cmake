@@ -29,4 +29,13 @@ set(ORVEL_MACOS_SOURCES
     WindowServer.cpp
     instance/InstancePort.cpp
     instance/ReopenRequests.mm
+    SystemCaptureService.mm
+    SystemJPEGEncoder.mm
+    SystemScreenRecordingAccess.cpp
+    capture/DisplayContent.mm
+    capture/DisplayStream.mm
+    capture/Failure.mm
+    capture/FrameOffers.mm
+    capture/OrvelStreamOutput.mm
+    capture/SampleFrame.mm
 )

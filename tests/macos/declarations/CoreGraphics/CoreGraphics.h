@@ -18,6 +18,7 @@ typedef struct CGRect {
   CGSize size;
 } CGRect;
 
+#include "CGColorSpace.h"
 #include "CGDisplay.h"
 #include "CGEvent.h"
 #include "CGSession.h"

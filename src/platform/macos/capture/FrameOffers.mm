@@ -1,0 +1,96 @@
+#include "platform/macos/capture/FrameOffers.hpp"
+
+#include "platform/macos/capture/SampleFrame.hpp"
+
+#include <utility>
+
+namespace orvel {
+namespace {
+
+dispatch_queue_t makeQueue() {
+  @autoreleasepool {
+    return dispatch_queue_create(
+        "orvel.mirror", dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, QOS_CLASS_USER_INITIATED, 0));
+  }
+}
+
+}  // namespace
+
+FrameOffers::FrameOffers(int framesPerSecond, CaptureStream::Handlers handlers)
+    : queue_(makeQueue()),
+      frameInterval_(static_cast<std::int64_t>(NSEC_PER_SEC) / framesPerSecond),
+      handlers_(std::move(handlers)) {}
+
+void FrameOffers::sampleCame(CMSampleBufferRef sample, SCStreamOutputType type) {
+  if (hasEnded_) return;
+  SampleFrame frame(sample, type);
+  if (!receiverWaits_) {
+    offer(frame, sample);
+  } else if (frame.showsScreen()) {
+    keep(sample);
+  }
+}
+
+void FrameOffers::offer(SampleFrame& frame, CMSampleBufferRef sample) {
+  const dispatch_time_t next = dispatch_time(DISPATCH_TIME_NOW, frameInterval_);
+  const FrameAnswer answer = handlers_.frame(frame);
+  if (hasEnded_) return;
+  receiverWaits_ = answer == FrameAnswer::waits;
+  if (!frame.showsScreen()) return;
+  keep(answer == FrameAnswer::taken ? nullptr : sample);
+  if (answer == FrameAnswer::again) offerAgainAt(next);
+}
+
+void FrameOffers::offerKept() {
+  if (hasEnded_ || !kept_) return;
+  const auto sample = std::exchange(kept_, nullptr);
+  SampleFrame frame(sample.get(), SCStreamOutputTypeScreen);
+  offer(frame, sample.get());
+}
+
+void FrameOffers::keep(CMSampleBufferRef sample) {
+  if (sample != nullptr) CFRetain(sample);
+  kept_.reset(sample);
+  ++timesKept_;
+}
+
+void FrameOffers::offerAgainAt(dispatch_time_t when) {
+  const auto self = shared_from_this();
+  const std::uint64_t number = timesKept_;
+  dispatch_after(when, queue_, ^{
+    @autoreleasepool {
+      if (number == self->timesKept_) self->offerKept();
+    }
+  });
+}
+
+void FrameOffers::resume() {
+  const auto self = shared_from_this();
+  // Behind the handler that may not have returned its answer yet.
+  dispatch_async(queue_, ^{
+    @autoreleasepool {
+      if (std::exchange(self->receiverWaits_, false)) self->offerKept();
+    }
+  });
+}
+
+void FrameOffers::stop(std::string reason) {
+  const auto self = shared_from_this();
+  dispatch_async(queue_, ^{
+    @autoreleasepool {
+      if (self->hasEnded_.exchange(true)) return;
+      self->kept_.reset();
+      self->handlers_.stopped(reason);
+    }
+  });
+}
+
+bool FrameOffers::end() {
+  const bool hadEnded = hasEnded_.exchange(true);
+  dispatch_sync(queue_, ^{
+    kept_.reset();
+  });
+  return !hadEnded;
+}
+
+}  // namespace orvel

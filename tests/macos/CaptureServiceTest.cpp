@@ -1,0 +1,143 @@
+#include "CaptureTest.hpp"
+#include "platform/macos/SystemCaptureService.hpp"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+using testing::ElementsAre;
+
+class CaptureServiceTest : public CaptureTest {
+ protected:
+  std::unique_ptr<ShareableContent> content() {
+    return std::get<std::unique_ptr<ShareableContent>>(service_.shareableContent());
+  }
+
+  std::string contentFailure() { return std::get<CaptureFailure>(service_.shareableContent()).description; }
+
+  std::variant<std::unique_ptr<CaptureStream>, CaptureFailure> start(std::size_t display = 0) {
+    return content()->start(
+        display, {.width = 500, .height = 400, .framesPerSecond = 12},
+        {.frame = [](CapturedFrame&) { return FrameAnswer::taken; }, .stopped = [](const std::string&) {}});
+  }
+
+  std::string startFailure() { return std::get<CaptureFailure>(start()).description; }
+
+  /// Gives up once the service has been called so often.
+  std::jthread giveUpAfter(std::size_t calls) {
+    return std::jthread([this, calls] {
+      while (fake::callCount() < calls) std::this_thread::yield();
+      service_.giveUp();
+    });
+  }
+
+  SystemCaptureService service_;
+};
+
+TEST_F(CaptureServiceTest, DisplaysAreThoseOfTheSystemInItsOrder) {
+  fake::screenCapture().displays = {{1440, 900}, {2560, 1440}};
+  EXPECT_THAT(content()->displays(), ElementsAre(Size{1440, 900}, Size{2560, 1440}));
+  EXPECT_THAT(fake::screenCapture().calls, ElementsAre("content on screen"));
+}
+
+TEST_F(CaptureServiceTest, ThereMayBeNoDisplay) {
+  fake::screenCapture().displays = {};
+  EXPECT_TRUE(content()->displays().empty());
+}
+
+TEST_F(CaptureServiceTest, DeniedContentIsToldInTheWordsOfTheSystem) {
+  fake::screenCapture().content.error = "The user declined TCCs.";
+  EXPECT_EQ(contentFailure(), "The user declined TCCs.");
+}
+
+TEST_F(CaptureServiceTest, NoContentWithoutAReasonIsAnErrorToo) {
+  fake::screenCapture().hasContent = false;
+  EXPECT_EQ(contentFailure(), "The system cannot capture the screen.");
+}
+
+TEST_F(CaptureServiceTest, AStreamIsMadeAsAgreed) {
+  { const auto stream = start(1); }
+  ASSERT_EQ(fake::screenCapture().wishes.size(), 1u);
+  const fake::CaptureWish& wish = fake::screenCapture().wishes.front();
+  EXPECT_EQ(wish.display, 1u);
+  EXPECT_EQ(wish.excludedWindows, 0u);
+  EXPECT_EQ(wish.width, 500u);
+  EXPECT_EQ(wish.height, 400u);
+  EXPECT_EQ(wish.intervalValue, 1);
+  EXPECT_EQ(wish.intervalScale, 12);
+  EXPECT_EQ(wish.pixelFormat, 0x42475241u);
+  EXPECT_TRUE(wish.showsCursor);
+  EXPECT_FALSE(wish.preservesAspectRatio);
+  EXPECT_EQ(wish.queueDepth, 3);
+  EXPECT_EQ(wish.queueLabel, "orvel.mirror");
+  EXPECT_EQ(wish.queueQuality, 0x19u) << "user-initiated";
+}
+
+TEST_F(CaptureServiceTest, AStreamIsStartedAndStoppedInOrder) {
+  { const auto stream = start(); }
+  EXPECT_THAT(fake::screenCapture().calls, ElementsAre("content on screen", "stream", "output", "start", "stop"));
+}
+
+TEST_F(CaptureServiceTest, AStreamWithoutOutputIsNotStarted) {
+  fake::screenCapture().outputError = "No more outputs.";
+  EXPECT_EQ(startFailure(), "No more outputs.");
+  EXPECT_THAT(fake::screenCapture().calls, ElementsAre("content on screen", "stream", "output"));
+}
+
+TEST_F(CaptureServiceTest, AStreamThatDoesNotStartIsNotStopped) {
+  fake::screenCapture().start.error = "Failed to start.";
+  EXPECT_EQ(startFailure(), "Failed to start.");
+  EXPECT_THAT(fake::screenCapture().calls, ElementsAre("content on screen", "stream", "output", "start"));
+}
+
+TEST_F(CaptureServiceTest, ContentThatNeverComesIsGivenUp) {
+  fake::screenCapture().content.comes = false;
+  const std::jthread giving = giveUpAfter(1);
+  EXPECT_EQ(contentFailure(), "The system does not answer.");
+}
+
+TEST_F(CaptureServiceTest, AStartThatNeverEndsIsGivenUpAndStopped) {
+  fake::screenCapture().start.comes = false;
+  fake::screenCapture().stop.comes = false;
+  const std::jthread giving = giveUpAfter(4);
+  EXPECT_EQ(startFailure(), "The system does not answer.");
+  EXPECT_EQ(fake::screenCapture().calls.back(), "stop");
+}
+
+TEST_F(CaptureServiceTest, OnceGivenUpNothingIsWaitedFor) {
+  service_.giveUp();
+  fake::screenCapture().content.comes = false;
+  EXPECT_EQ(contentFailure(), "The system does not answer.");
+}
+
+TEST_F(CaptureServiceTest, AnswersThatComeTooLateFindNobody) {
+  fake::screenCapture().content.comes = false;
+  {
+    SystemCaptureService service;
+    service.giveUp();
+    EXPECT_TRUE(std::holds_alternative<CaptureFailure>(service.shareableContent()));
+  }
+  fake::answerHeldBack();
+  fake::finishAnswers();
+}
+
+TEST_F(CaptureServiceTest, AStartThatEndsTooLateFindsNobody) {
+  fake::screenCapture().start.comes = false;
+  {
+    const std::jthread giving = giveUpAfter(4);
+    startFailure();
+  }
+  fake::answerHeldBack();
+  fake::finishAnswers();
+}
+
+}  // namespace
+}  // namespace orvel

@@ -1,0 +1,4 @@
+#pragma once
+
+#import "SCShareableContent.h"
+#import "SCStream.h"
