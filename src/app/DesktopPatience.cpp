@@ -2,11 +2,7 @@
 
 #include "platform/Platform.hpp"
 
-#include <chrono>
-#include <condition_variable>
 #include <cstdlib>
-#include <mutex>
-#include <stop_token>
 
 namespace orvel {
 namespace {
@@ -14,28 +10,33 @@ namespace {
 constexpr std::chrono::seconds untilParting{3};
 constexpr std::chrono::seconds untilTheProcessEnds{2};
 
-/// Whether it has come to its end within `limit`.
-bool endsWithin(std::chrono::seconds limit, const std::stop_token& ended) {
-  std::mutex mutex;
-  std::unique_lock lock(mutex);
-  std::condition_variable_any changed;
-  return changed.wait_for(lock, ended, limit, [&] { return ended.stop_requested(); });
-}
-
-void waitForEnd(const std::stop_token& ended, Platform& platform, int exitCode) {
-  if (endsWithin(untilParting, ended)) return;
-  platform.giveUp();
-  if (!endsWithin(untilTheProcessEnds, ended)) std::_Exit(exitCode);
-}
-
 }  // namespace
 
+DesktopPatience::~DesktopPatience() {
+  {
+    const std::lock_guard lock(mutex_);
+    hasEnded_ = true;
+  }
+  changed_.notify_all();
+  if (wait_.joinable()) wait_.join();
+}
+
 void DesktopPatience::begin(int exitCode) {
-  wait_.withLock([this, exitCode](std::optional<std::jthread>& wait) {
-    if (wait) return;
-    wait.emplace(
-        [&platform = platform_, exitCode](const std::stop_token& ended) { waitForEnd(ended, platform, exitCode); });
-  });
+  const std::lock_guard lock(mutex_);
+  if (wait_.joinable()) return;
+  wait_ = std::thread([this, exitCode] { waitForEnd(exitCode); });
+}
+
+void DesktopPatience::waitForEnd(int exitCode) {
+  if (endsWithin(untilParting)) return;
+  platform_.giveUp();
+  if (!endsWithin(untilTheProcessEnds)) std::_Exit(exitCode);
+}
+
+/// Whether the program has come to its end within `limit`.
+bool DesktopPatience::endsWithin(std::chrono::seconds limit) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, limit, [this] { return hasEnded_; });
 }
 
 }  // namespace orvel

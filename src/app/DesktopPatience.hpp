@@ -1,8 +1,8 @@
 #pragma once
 
-#include "base/Guarded.hpp"
-
-#include <optional>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 
 namespace orvel {
@@ -17,13 +17,22 @@ class DesktopPatience {
  public:
   /// `platform` must outlive it.
   explicit DesktopPatience(Platform& platform) : platform_(platform) {}
+  ~DesktopPatience();
+  DesktopPatience(const DesktopPatience&) = delete;
+  DesktopPatience& operator=(const DesktopPatience&) = delete;
 
   /// The program ends from now on, with that exit code. Harmless the second time.
   void begin(int exitCode);
 
  private:
+  void waitForEnd(int exitCode);
+  bool endsWithin(std::chrono::seconds limit);
+
   Platform& platform_;
-  Guarded<std::optional<std::jthread>> wait_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool hasEnded_ = false;
+  std::thread wait_;
 };
 
 }  // namespace orvel

@@ -17,7 +17,7 @@ struct SerialQueue::State {
 
   WorkerThreads& threads;
   std::mutex mutex;
-  std::condition_variable_any changed;
+  std::condition_variable changed;
   std::multimap<Moment, Task> tasks;  // equal moments keep the order of posting
   bool draining = false;
 };
@@ -43,12 +43,13 @@ void SerialQueue::postAfter(Seconds delay, Task task) {
 }
 
 void SerialQueue::drain(State& state) {
-  const std::stop_token stop = state.threads.stopToken();
+  StopSignal& stop = state.threads.stopSignal();
+  const StopSignal::Waiter waiter(stop, state.mutex, state.changed);
   std::unique_lock lock(state.mutex);
-  while (!state.tasks.empty() && !stop.stop_requested()) {
+  while (!state.tasks.empty() && !stop.isGiven()) {
     const Moment due = state.tasks.begin()->first;
     if (due > std::chrono::steady_clock::now()) {
-      state.changed.wait_until(lock, stop, due, [&] { return state.tasks.begin()->first < due; });
+      state.changed.wait_until(lock, due, [&] { return stop.isGiven() || state.tasks.begin()->first < due; });
       continue;
     }
     Task task = std::move(state.tasks.extract(state.tasks.begin()).mapped());
@@ -58,7 +59,7 @@ void SerialQueue::drain(State& state) {
     lock.lock();
   }
   std::multimap<Moment, Task> dropped;
-  if (stop.stop_requested()) dropped.swap(state.tasks);
+  if (stop.isGiven()) dropped.swap(state.tasks);
   state.draining = false;
   lock.unlock();  // what tasks held on to may post as it goes
 }

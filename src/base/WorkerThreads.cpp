@@ -23,14 +23,14 @@ std::unique_ptr<Executor> WorkerThreads::makeSerialQueue() {
 }
 
 void WorkerThreads::finish() {
-  stop_.request_stop();
+  stop_.give();
   std::unique_lock lock(mutex_);
   ended_.wait(lock, [this] { return running_ == 0; });
 }
 
 void WorkerThreads::run(Task body) {
   const std::lock_guard lock(mutex_);
-  if (stop_.stop_requested()) return;
+  if (stop_.isGiven()) return;
   if (running_ < mostThreads && startThread(body)) {
     ++running_;
   } else {
@@ -56,7 +56,7 @@ void WorkerThreads::work(Task body) {
 
 Task WorkerThreads::nextOrEnd() {
   const std::lock_guard lock(mutex_);
-  if (!waiting_.empty() && !stop_.stop_requested()) {
+  if (!waiting_.empty() && !stop_.isGiven()) {
     Task next = std::move(waiting_.front());
     waiting_.pop_front();
     return next;

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "base/Executor.hpp"
+#include "base/StopSignal.hpp"
 
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <mutex>
-#include <stop_token>
 
 namespace orvel {
 
@@ -31,14 +31,14 @@ class WorkerThreads final : public QueueFactory {
   void run(Task body);
 
   /// Says when to end early.
-  std::stop_token stopToken() const { return stop_.get_token(); }
+  StopSignal& stopSignal() { return stop_; }
 
  private:
   bool startThread(const Task& body);
   void work(Task body);
   Task nextOrEnd();
 
-  std::stop_source stop_;
+  StopSignal stop_;
   std::mutex mutex_;
   std::condition_variable ended_;
   std::size_t running_ = 0;

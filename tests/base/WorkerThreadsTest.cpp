@@ -30,14 +30,13 @@ TEST(WorkerThreads, TasksPostedByManyThreadsAllRun) {
   WorkerThreads threads;
   const auto queue = threads.makeSerialQueue();
   int count = 0;
-  {
-    std::vector<std::jthread> posters;
-    for (int poster = 0; poster < 4; ++poster) {
-      posters.emplace_back([&] {
-        for (int task = 0; task < 500; ++task) queue->post([&count] { ++count; });
-      });
-    }
+  std::vector<std::thread> posters;
+  for (int poster = 0; poster < 4; ++poster) {
+    posters.emplace_back([&] {
+      for (int task = 0; task < 500; ++task) queue->post([&count] { ++count; });
+    });
   }
+  for (std::thread& poster : posters) poster.join();
   std::promise<void> done;
   queue->post([&] { done.set_value(); });
   done.get_future().wait();
@@ -84,11 +83,11 @@ TEST(WorkerThreads, FinishWaitsForTheRunningTaskAndDropsTheRest) {
   queue->post([&] { dropped = false; });
   queue->postAfter(Seconds(3600), [&] { dropped = false; });
   begun.get_future().wait();
-  std::jthread finisher([&] {
+  std::thread finisher([&] {
     threads.finish();
     EXPECT_TRUE(ended);
   });
-  while (!threads.stopToken().stop_requested()) std::this_thread::yield();
+  while (!threads.stopSignal().isGiven()) std::this_thread::yield();
   release.set_value();
   finisher.join();
   EXPECT_TRUE(dropped);
