@@ -38,4 +38,5 @@ set(ORVEL_MACOS_SOURCES
     capture/FrameOffers.mm
     capture/OrvelStreamOutput.mm
     capture/SampleFrame.mm
+    SystemSocketTuner.cpp
 )

@@ -1,0 +1,72 @@
+#include "platform/macos/SystemSocketTuner.hpp"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <optional>
+
+namespace orvel {
+namespace {
+
+constexpr int probeInterval = 4;
+constexpr int probeCount = 4;
+constexpr double slowestPace = 1000;    // bytes a second
+constexpr double longestSpell = 32767;  // seconds; the kernel counts milliseconds in 32 bits
+
+std::optional<tcp_connection_info> knowledgeOf(int socket) {
+  tcp_connection_info info{};
+  socklen_t size = sizeof info;
+  if (getsockopt(socket, IPPROTO_TCP, TCP_CONNECTION_INFO, &info, &size) != 0) return std::nullopt;
+  return info;
+}
+
+bool setOption(int socket, int level, int name, int value) {
+  return setsockopt(socket, level, name, &value, sizeof value) == 0;
+}
+
+/// At least one, as none stands for no limit at all.
+int wholeSeconds(Seconds spell) {
+  return static_cast<int>(std::ceil(std::clamp(spell.count(), 1.0, longestSpell)));
+}
+
+}  // namespace
+
+bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
+  if (!(idle > Seconds(0))) return false;
+  return setOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1) &&
+         setOption(socket, IPPROTO_TCP, TCP_KEEPALIVE, wholeSeconds(idle)) &&
+         setOption(socket, IPPROTO_TCP, TCP_KEEPINTVL, probeInterval) &&
+         setOption(socket, IPPROTO_TCP, TCP_KEEPCNT, probeCount);
+}
+
+// The limit counts from the first repetition and is looked at with each further one, so a vanished peer may be given up
+// late; by then the probes have ended the connection. A peer that has no room is not sent repetitions, but asked for
+// room, which it answers: it is not given up.
+Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
+  const auto known = knowledgeOf(socket);
+  if (!known || known->tcpi_snd_sbbytes == 0) return Delivery::done;
+  setOption(socket, IPPROTO_TCP, TCP_RXT_CONNDROPTIME, wholeSeconds(patience));
+  return Delivery::pending;
+}
+
+Backlog SystemSocketTuner::backlog(int socket) {
+  const auto known = knowledgeOf(socket);
+  if (!known) return {};
+  return backlogAt({.unacknowledged = known->tcpi_snd_sbbytes,
+                    .window = std::min(known->tcpi_snd_cwnd, known->tcpi_snd_wnd),
+                    .trip = known->tcpi_srtt});
+}
+
+Backlog SystemSocketTuner::backlogAt(const Pace& pace) {
+  // As much as fits into one way and back is on that way, not here.
+  const std::uint32_t waiting = pace.unacknowledged - std::min(pace.unacknowledged, pace.window);
+  const Seconds trip = std::chrono::milliseconds(std::max(pace.trip, 1u));
+  const double bytesPerSecond = std::max(pace.window / trip.count(), slowestPace);
+  return {.bytes = pace.unacknowledged, .time = Seconds(waiting / bytesPerSecond)};
+}
+
+}  // namespace orvel
