@@ -1,12 +1,12 @@
 #include "platform/linux/SystemAdvertiser.hpp"
 
+#include "platform/ServiceName.hpp"
 #include "platform/linux/OwnedDescriptor.hpp"
 #include "platform/linux/SocketFileWatch.hpp"
 
 #include <avahi-client/client.h>
 #include <avahi-client/publish.h>
 #include <avahi-common/alternative.h>
-#include <avahi-common/domain.h>
 #include <avahi-common/error.h>
 #include <avahi-common/malloc.h>
 #include <avahi-common/simple-watch.h>
@@ -16,11 +16,9 @@
 
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace orvel {
@@ -28,9 +26,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::size_t longestName = AVAHI_LABEL_MAX - 1;
 constexpr int nameAttempts = 100;
-constexpr milliseconds longestFarewell(1000);
 
 /// A bus that has just made its socket does not listen yet; one that does not answer after these will not soon.
 constexpr std::array retryDelays = {milliseconds(50), milliseconds(200), milliseconds(1000), milliseconds(5000),
@@ -51,14 +47,6 @@ std::string systemBusSocket() {
   if (start == std::string_view::npos) return {};
   const std::string_view path = address.substr(start + prefix.size());
   return std::string(path.substr(0, path.find_first_of(",;")));
-}
-
-/// As much of `name` as an announcement can hold, in whole characters.
-std::string fittingName(const std::string& name) {
-  if (name.size() <= longestName) return name;
-  std::size_t end = longestName;
-  while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
-  return name.substr(0, end);
 }
 
 }  // namespace
@@ -173,7 +161,7 @@ void SystemAdvertiser::Announcer::ordersCame() {
   } else if (client_ == nullptr) {
     connect();
   } else {
-    name_ = fittingName(service_->name);
+    name_ = fittingServiceName(service_->name);
     clientChanged(avahi_client_get_state(client_));
   }
 }
@@ -191,7 +179,7 @@ void SystemAdvertiser::Announcer::retryCame() {
 
 void SystemAdvertiser::Announcer::connect() {
   disconnect();
-  name_ = fittingName(service_->name);
+  name_ = fittingServiceName(service_->name);
   // Watched from before the attempt, so that no moment is left out.
   busSocket_.start();
   int error = 0;
@@ -290,45 +278,23 @@ void SystemAdvertiser::Announcer::takeAnotherName() {
 
 SystemAdvertiser::SystemAdvertiser() : orders_(std::make_shared<Orders>()) {}
 
+// Calls to a bus or daemon that has been stopped end after half a minute only.
 SystemAdvertiser::~SystemAdvertiser() {
   orders_->finish();
-  worker_.withLock([](Worker& worker) {
-    if (!worker.thread.joinable()) return;
-    // Calls to a bus or daemon that has been stopped end after half a minute only; the thread holds all that it needs.
-    if (worker.ended.wait_for(longestFarewell) == std::future_status::ready) {
-      worker.thread.join();
-    } else {
-      worker.thread.detach();
-    }
-  });
 }
 
 void SystemAdvertiser::advertise(const std::string& name, const std::string& type, std::uint16_t port) {
   orders_->announce(Service{name, type, port});
-  worker_.withLock([this](Worker& worker) {
-    if (!worker.thread.joinable()) startThread(worker);
+  thread_.withLock([this](LeavableThread& thread) {
+    thread.start([orders = orders_] {
+      pthread_setname_np(pthread_self(), "orvel.mdns");
+      Announcer(*orders).run();
+    });
   });
 }
 
 void SystemAdvertiser::withdraw() {
   orders_->announce(std::nullopt);
-}
-
-void SystemAdvertiser::startThread(Worker& worker) const {
-  std::packaged_task<void()> work([orders = orders_] { Announcer(*orders).run(); });
-  worker.ended = work.get_future();
-  // Signals are for the main thread.
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  try {
-    worker.thread = std::thread(std::move(work));
-    pthread_setname_np(worker.thread.native_handle(), "orvel.mdns");
-  } catch (const std::system_error&) {
-    // Without a thread nothing is announced until the next call.
-  }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 }  // namespace orvel

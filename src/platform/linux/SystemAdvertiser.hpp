@@ -1,12 +1,11 @@
 #pragma once
 
 #include "base/Guarded.hpp"
+#include "platform/LeavableThread.hpp"
 #include "session/Advertiser.hpp"
 
-#include <future>
 #include <memory>
 #include <string>
-#include <thread>
 
 namespace orvel {
 
@@ -29,15 +28,9 @@ class SystemAdvertiser final : public Advertiser {
  private:
   class Orders;
   class Announcer;
-  struct Worker {
-    std::thread thread;
-    std::future<void> ended;
-  };
-
-  void startThread(Worker& worker) const;
 
   const std::shared_ptr<Orders> orders_;
-  Guarded<Worker> worker_;
+  Guarded<LeavableThread> thread_;
 };
 
 }  // namespace orvel
