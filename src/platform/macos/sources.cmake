@@ -12,6 +12,7 @@ set(ORVEL_MACOS_SOURCES
     SystemLoginItemService.mm
     SystemMachine.cpp
     SystemPreferences.mm
+    SystemAdvertiser.cpp
     SystemScreenRecordingAccess.cpp
     SystemTrustCheck.mm
     events/SystemDefined.mm
@@ -39,4 +40,6 @@ set(ORVEL_MACOS_SOURCES
     capture/OrvelStreamOutput.mm
     capture/SampleFrame.mm
     SystemSocketTuner.cpp
+    bonjour/BonjourRegistration.cpp
+    bonjour/WakeUpPipe.cpp
 )

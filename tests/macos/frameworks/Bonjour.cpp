@@ -1,0 +1,110 @@
+#include "frameworks/Bonjour.hpp"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <thread>
+
+namespace {
+
+constexpr DNSServiceErrorType serviceNotRunning = -65563;
+
+}  // namespace
+
+struct _DNSServiceRef_t {
+  DNSServiceRegisterReply reply = nullptr;
+  void* context = nullptr;
+  std::array<int, 2> ends{-1, -1};  // ours and the daemon's
+  const std::thread::id thread = std::this_thread::get_id();
+};
+
+namespace fake {
+namespace {
+
+void note(DNSServiceRef reference, int looks) {
+  bonjour().change([&](Bonjour::Books& books) {
+    books.looks += looks;
+    if (reference->thread != std::this_thread::get_id()) ++books.strangers;
+  });
+}
+
+}  // namespace
+
+Bonjour::Books Bonjour::books() {
+  return books_.withLock([](const Books& books) { return books; });
+}
+
+void Bonjour::change(const std::function<void(Books&)>& how) {
+  books_.withLock([&](Books& books) { how(books); });
+}
+
+void Bonjour::answer(DNSServiceErrorType error) {
+  change([&](Books& books) { write(books.living.at(0)->ends[1], &error, sizeof error); });
+}
+
+void Bonjour::die() {
+  change([](Books& books) { shutdown(books.living.at(0)->ends[1], SHUT_RDWR); });
+}
+
+Bonjour& bonjour() {
+  static Bonjour bonjour;
+  return bonjour;
+}
+
+}  // namespace fake
+
+extern "C" {
+
+DNSServiceErrorType DNSServiceRegister(DNSServiceRef* sdRef, DNSServiceFlags flags, uint32_t interfaceIndex,
+                                       const char* name, const char* regtype, const char* domain, const char* host,
+                                       uint16_t port, uint16_t txtLen, const void* txtRecord,
+                                       DNSServiceRegisterReply callBack, void* context) {
+  const auto delay = fake::bonjour().books().delay;
+  if (delay) delay();
+  DNSServiceErrorType refusal = kDNSServiceErr_NoError;
+  fake::bonjour().change([&](fake::Bonjour::Books& books) {
+    books.requests.push_back({.flags = flags,
+                              .interfaceIndex = interfaceIndex,
+                              .name = name,
+                              .type = regtype,
+                              .hasDomainOrHost = domain != nullptr || host != nullptr,
+                              .port = port,
+                              .hasText = txtLen != 0 || txtRecord != nullptr});
+    if (books.refusals.empty()) return;
+    refusal = books.refusals.front();
+    if (books.refusals.size() > 1) books.refusals.pop_front();
+  });
+  if (refusal != kDNSServiceErr_NoError) {
+    // The library has freed it by then, but does not take it back.
+    *sdRef = reinterpret_cast<DNSServiceRef>(1);
+    return refusal;
+  }
+  *sdRef = new _DNSServiceRef_t{.reply = callBack, .context = context};
+  socketpair(AF_UNIX, SOCK_STREAM, 0, (*sdRef)->ends.data());
+  fake::bonjour().change([&](fake::Bonjour::Books& books) { books.living.push_back(*sdRef); });
+  return kDNSServiceErr_NoError;
+}
+
+int DNSServiceRefSockFD(DNSServiceRef sdRef) {
+  fake::note(sdRef, 1);
+  return sdRef->ends[0];
+}
+
+DNSServiceErrorType DNSServiceProcessResult(DNSServiceRef sdRef) {
+  fake::note(sdRef, 0);
+  DNSServiceErrorType error = 0;
+  if (read(sdRef->ends[0], &error, sizeof error) != sizeof error) return serviceNotRunning;
+  sdRef->reply(sdRef, 0, error, "name", "type", "local.", sdRef->context);
+  return kDNSServiceErr_NoError;
+}
+
+void DNSServiceRefDeallocate(DNSServiceRef sdRef) {
+  fake::note(sdRef, 0);
+  fake::bonjour().change([&](fake::Bonjour::Books& books) { std::erase(books.living, sdRef); });
+  for (const int end : sdRef->ends) close(end);
+  delete sdRef;
+}
+
+}  // extern "C"
