@@ -36,7 +36,7 @@ class PanelWindow final : public QDialog {
   void place(const Rect& icon);
 
   /// Shows it.
-  void open();
+  void open() override;
 
   /// The state of the host has changed.
   void refresh();
