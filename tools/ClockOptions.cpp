@@ -1,5 +1,6 @@
 #include "tools/ClockOptions.hpp"
 
+#include "tools/DecimalNumber.hpp"
 #include "tools/TimeStrip.hpp"
 
 #include <algorithm>
@@ -14,12 +15,10 @@ constexpr int smallestBlock = 8;
 constexpr int longestSide = 16384;
 
 /// Takes a number off the front of `text`.
-template <class Number>
-bool takeNumber(std::string_view& text, Number& number, Number least, Number most) {
+bool takeNumber(std::string_view& text, int& number, int least, int most) {
   const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc()) return false;
   text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
-  // A comparison that also refuses what is not a number.
   return number >= least && number <= most;
 }
 
@@ -30,7 +29,10 @@ bool takeLetter(std::string_view& text, char letter) {
 }
 
 bool isNumber(std::string_view text, double& number, double least, double most) {
-  return takeNumber(text, number, least, most) && text.empty();
+  const auto value = decimalNumber(text);
+  if (!value || *value < least || *value > most) return false;
+  number = *value;
+  return true;
 }
 
 /// A size and a place as the desktop's programs take them: 960x540+0+0.

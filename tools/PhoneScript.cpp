@@ -1,6 +1,7 @@
 #include "tools/PhoneScript.hpp"
 
 #include "base/UTF8.hpp"
+#include "tools/DecimalNumber.hpp"
 #include "tools/MediaNames.hpp"
 
 #include <algorithm>
@@ -21,7 +22,12 @@ constexpr const char* seconds = "seconds (0 to 86400)";
 constexpr double longestWait = 24 * 60 * 60;
 constexpr int longestDragPart = 10;
 
-template <class Number>
+template <std::floating_point Number>
+std::optional<Number> numberIn(std::string_view word) {
+  return decimalNumber(word);
+}
+
+template <std::integral Number>
 std::optional<Number> numberIn(std::string_view word) {
   Number number{};
   const char* const end = word.data() + word.size();
@@ -54,7 +60,6 @@ class WordReader {
     const auto word = argument(what);
     if (!word) return {};
     const auto value = numberIn<Number>(*word);
-    // A comparison that also refuses what is not a number.
     if (value && *value >= least && *value <= most) return *value;
     return refuse<Number>(*word, what);
   }
