@@ -2,44 +2,42 @@
 set(ORVEL_MACOS_SOURCES
     ../posix/HostName.cpp
     ../posix/NetworkInterfaces.cpp
-    CFText.cpp
-    SystemAccessibilityTree.cpp
-    SystemDisplays.cpp
-    SystemEventPoster.cpp
-    FoundationText.mm
-    IconDrawer.mm
-    SystemApplicationBundles.mm
-    SystemLoginItemService.mm
-    SystemMachine.cpp
-    SystemPreferences.mm
-    SystemAdvertiser.cpp
-    SystemScreenRecordingAccess.cpp
-    SystemTrustCheck.mm
-    events/SystemDefined.mm
-    events/TextPieces.cpp
-    SystemWorkspace.mm
-    MacPlatform.cpp
-    OpenFiles.cpp
-    SystemActivity.mm
-    SystemAppearance.mm
-    SystemForeground.mm
-    SystemInstance.cpp
-    SystemPressWatch.mm
-    SystemScreenRecordingAccess.cpp
-    SystemStatusItem.mm
-    WindowServer.cpp
-    instance/InstancePort.cpp
-    instance/ReopenRequests.mm
-    SystemCaptureService.mm
-    SystemJPEGEncoder.mm
-    SystemScreenRecordingAccess.cpp
+    bonjour/BonjourRegistration.cpp
+    bonjour/WakeUpPipe.cpp
     capture/DisplayContent.mm
     capture/DisplayStream.mm
     capture/Failure.mm
     capture/FrameOffers.mm
     capture/OrvelStreamOutput.mm
     capture/SampleFrame.mm
+    CFText.cpp
+    events/SystemDefined.mm
+    events/TextPieces.cpp
+    FoundationText.mm
+    IconDrawer.mm
+    instance/InstancePort.cpp
+    instance/ReopenRequests.mm
+    MacPlatform.cpp
+    OpenFiles.cpp
+    SystemAccessibilityTree.cpp
+    SystemActivity.mm
+    SystemAdvertiser.cpp
+    SystemAppearance.mm
+    SystemApplicationBundles.mm
+    SystemCaptureService.mm
+    SystemDisplays.cpp
+    SystemEventPoster.cpp
+    SystemForeground.mm
+    SystemInstance.cpp
+    SystemJPEGEncoder.mm
+    SystemLoginItemService.mm
+    SystemMachine.cpp
+    SystemPreferences.mm
+    SystemPressWatch.mm
+    SystemScreenRecordingAccess.cpp
     SystemSocketTuner.cpp
-    bonjour/BonjourRegistration.cpp
-    bonjour/WakeUpPipe.cpp
+    SystemStatusItem.mm
+    SystemTrustCheck.mm
+    SystemWorkspace.mm
+    WindowServer.cpp
 )

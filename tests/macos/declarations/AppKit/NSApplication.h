@@ -1,5 +1,7 @@
 #pragma once
 
+#import "NSRunningApplication.h"
+
 #import <Foundation/Foundation.h>
 
 #pragma clang assume_nonnull begin
@@ -11,13 +13,6 @@ MAC_EXTERN NSAppearanceName const NSAppearanceNameDarkAqua MAC_SINCE(10.14);
 @interface NSAppearance : NSObject
 - (nullable NSAppearanceName)bestMatchFromAppearancesWithNames:(NSArray<NSAppearanceName>*)names MAC_SINCE(10.14);
 @end
-
-typedef NSInteger NSApplicationActivationPolicy;
-enum : NSApplicationActivationPolicy {
-  NSApplicationActivationPolicyRegular = 0,
-  NSApplicationActivationPolicyAccessory = 1,
-  NSApplicationActivationPolicyProhibited = 2,
-};
 
 @interface NSApplication : NSObject
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;

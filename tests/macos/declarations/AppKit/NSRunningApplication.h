@@ -1,5 +1,7 @@
 #pragma once
 
+#import <Foundation/Foundation.h>
+
 #include <sys/types.h>
 
 #pragma clang assume_nonnull begin
