@@ -14,7 +14,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 const FakeComputer::Icon pngBytes = {1, 2, 3};
-constexpr const char* pngText = "AQID";
 
 struct ClientSessionRequestsTest : SessionFixture {
   void SetUp() override { openAuthenticated(); }
