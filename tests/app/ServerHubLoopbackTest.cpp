@@ -161,7 +161,7 @@ TEST_F(ServerHubLoopbackTest, PhonesThatCannotBeTakenAreTakenLater) {
   make(freePort());
   startAndWaitFor([](const HubState& next) { return next.isRunning; });
   // The socket is made while there is a descriptor for it, and connected when there is none for the other end.
-  const int phone = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int phone = socket(AF_INET, SOCK_STREAM, 0);
   ASSERT_GE(phone, 0);
   rlimit before{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);

@@ -13,6 +13,22 @@
 namespace orvel {
 namespace {
 
+#ifdef MSG_NOSIGNAL
+constexpr int sendOptions = MSG_NOSIGNAL | MSG_DONTWAIT;
+#else
+constexpr int sendOptions = MSG_DONTWAIT;
+#endif
+
+/// That a peer is gone is an error and not a signal, where that is said of the socket and not of what is sent.
+void forgoSignals(int socket) {
+#ifdef SO_NOSIGPIPE
+  constexpr int yes = 1;
+  setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &yes, sizeof yes);
+#else
+  static_cast<void>(socket);
+#endif
+}
+
 constexpr std::array<char, 4> mask = {0x12, 0x34, 0x56, 0x78};
 constexpr std::uint8_t finalBit = 0x80;
 constexpr std::uint8_t maskBit = 0x80;
@@ -72,6 +88,7 @@ std::string bytesOf(const RawHandshake& handshake) {
 
 RawWebSocket::RawWebSocket(std::uint16_t port, std::optional<int> receiveBuffer)
     : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+  forgoSignals(socket_);
   if (receiveBuffer) setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &*receiveBuffer, sizeof(int));
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -96,7 +113,7 @@ bool RawWebSocket::open() {
 bool RawWebSocket::send(std::string_view bytes, Limit limit) {
   while (!bytes.empty()) {
     if (!waitUntil(POLLOUT, std::chrono::steady_clock::now() + limit)) return false;
-    const ssize_t count = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    const ssize_t count = ::send(socket_, bytes.data(), bytes.size(), sendOptions);
     if (count < 0 && errno != EAGAIN) return false;
     if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
   }
@@ -146,7 +163,7 @@ bool RawWebSocket::waitUntilSocketIsGone(Limit limit) {
   constexpr Limit pause{20};
   const Moment deadline = std::chrono::steady_clock::now() + limit;
   while (std::chrono::steady_clock::now() < deadline) {
-    if (::send(socket_, "x", 1, MSG_NOSIGNAL | MSG_DONTWAIT) < 0 && errno != EAGAIN) return true;
+    if (::send(socket_, "x", 1, sendOptions) < 0 && errno != EAGAIN) return true;
     // Only the errors that are reported unasked: the reset that answers the byte.
     waitUntil(0, std::chrono::steady_clock::now() + pause);
   }
