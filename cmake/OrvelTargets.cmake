@@ -17,10 +17,15 @@ if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND 
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL Release)
   # What a program that reads from the network is built with wherever people install it.
-  target_compile_options(orvel_flags INTERFACE -fPIE -fstack-protector-strong -fstack-clash-protection
-                                               -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
+  target_compile_options(orvel_flags INTERFACE -fPIE -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
                                                -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
-  target_link_options(orvel_flags INTERFACE -pie -Wl,-z,relro,-z,now,--as-needed)
+  if(APPLE)
+    # Its linker makes all programs like that, and has no such options.
+    target_link_options(orvel_flags INTERFACE -Wl,-dead_strip)
+  else()
+    target_compile_options(orvel_flags INTERFACE -fstack-clash-protection)
+    target_link_options(orvel_flags INTERFACE -pie -Wl,-z,relro,-z,now,--as-needed)
+  endif()
 endif()
 if(ORVEL_WARNINGS_AS_ERRORS)
   target_compile_options(orvel_flags INTERFACE -Werror)
