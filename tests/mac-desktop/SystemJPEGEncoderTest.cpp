@@ -1,7 +1,7 @@
 #include "platform/macos/CFPointer.hpp"
 #include "platform/macos/SystemJPEGEncoder.hpp"
 
-#include <CoreVideo/CoreVideo.h>
+#include <CoreVideo/CVPixelBuffer.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
