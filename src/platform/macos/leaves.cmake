@@ -4,8 +4,8 @@ include(${CMAKE_CURRENT_LIST_DIR}/sources.cmake)
 set(sources ${ORVEL_MACOS_SOURCES})
 list(TRANSFORM sources PREPEND macos/)
 
-set(frameworks AppKit ApplicationServices CoreFoundation CoreGraphics CoreImage CoreMedia CoreVideo Foundation ImageIO
-               ScreenCaptureKit ServiceManagement SystemConfiguration)
+set(frameworks AppKit ApplicationServices CoreFoundation CoreGraphics CoreImage CoreMedia CoreServices CoreVideo Foundation
+               ImageIO ScreenCaptureKit ServiceManagement SystemConfiguration)
 list(TRANSFORM frameworks REPLACE "(.+)" "-framework \\1")
 
 orvel_room(platform
