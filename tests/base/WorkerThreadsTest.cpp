@@ -49,11 +49,14 @@ TEST(WorkerThreads, ADelayedTaskWaitsAndLetsOthersPass) {
   std::vector<int> order;
   std::promise<void> done;
   const auto start = std::chrono::steady_clock::now();
-  queue->postAfter(Seconds(0.03), [&] {
-    order.push_back(2);
-    done.set_value();
+  // From the queue itself, so that both are posted before either can run.
+  queue->post([&] {
+    queue->postAfter(Seconds(0.03), [&] {
+      order.push_back(2);
+      done.set_value();
+    });
+    queue->post([&] { order.push_back(1); });
   });
-  queue->post([&] { order.push_back(1); });
   done.get_future().wait();
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
   EXPECT_EQ(order, (std::vector{1, 2}));
