@@ -1,7 +1,6 @@
 #pragma once
 
 #import <Foundation/Foundation.h>
-
 #include <sys/types.h>
 
 #pragma clang assume_nonnull begin

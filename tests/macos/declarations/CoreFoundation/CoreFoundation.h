@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Annotations.h"
+#include "Annotations.h"
 
 #include <stdbool.h>
 #include <stddef.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Annotations.h"
+#include "Annotations.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
@@ -152,9 +152,9 @@ typedef NSString* NSNotificationName;
 
 #pragma clang assume_nonnull end
 
-#import "NSFileManager.h"
-#import "NSPathUtilities.h"
-#import "NSUserDefaults.h"
 #import "NSAppleEventManager.h"
+#import "NSFileManager.h"
 #import "NSKeyValueObserving.h"
+#import "NSPathUtilities.h"
 #import "NSProcessInfo.h"
+#import "NSUserDefaults.h"
