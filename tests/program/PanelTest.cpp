@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 
 namespace orvel {
@@ -340,10 +341,14 @@ struct HangingTrayTest : PanelFixture, testing::WithParamInterface<int> {};
 TEST_P(HangingTrayTest, DoesNotHoldUpTheEnd) {
   const StatusNotifierStandIn watcher(bus, "(<true>,)", GetParam());
   host.emplace(desktop, bus.environment());
-  ASSERT_TRUE(host->waitUntilListening());
   ASSERT_TRUE(watcher.waitForQuestions(GetParam() + 1));
-  auto phone = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
-  ASSERT_TRUE(phone);
+  // It may hang before it could say that it listens.
+  std::optional<phone::PhoneClient> phone;
+  ASSERT_TRUE(eventually([&] {
+    auto connected = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
+    if (connected) phone.emplace(std::move(*connected));
+    return phone.has_value();
+  }));
   host->process().signal(SIGTERM);
   EXPECT_TRUE(isDisconnected(*phone));
   EXPECT_EQ(host->process().waitForExit(), 0) << host->process().output();
