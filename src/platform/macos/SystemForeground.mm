@@ -9,14 +9,6 @@ NSWindow* windowOf(std::uintptr_t window) {
   return ((__bridge NSView*)reinterpret_cast<void*>(window)).window;
 }
 
-void activate() {
-  if (@available(macOS 14.0, *)) {
-    [NSApp activate];
-  } else {
-    [NSApp activateIgnoringOtherApps:YES];
-  }
-}
-
 }  // namespace
 
 bool SystemForeground::becomeAccessory() {
@@ -35,7 +27,9 @@ void SystemForeground::keepOutOfList(std::uintptr_t window) {
 }
 
 void SystemForeground::bring(std::uintptr_t window, const std::string&) {
-  activate();
+  // The newer call, from macOS 14 on, is a mere request: the system refuses it when nothing was clicked in this program,
+  // as when another start of it asks for the panel, and the panel would stay without the keyboard.
+  [NSApp activateIgnoringOtherApps:YES];
   [windowOf(window) makeKeyAndOrderFront:nil];
 }
 
