@@ -66,6 +66,13 @@ TEST_F(StatusItemTest, ShowsAnotherSymbol) {
   EXPECT_TRUE([button().image isTemplate]);
 }
 
+TEST_F(StatusItemTest, TakesNoSymbolBeforeItIsShown) {
+  icon_->setSymbol(Symbol::cursorArrowRays);
+  EXPECT_EQ(fake::statusBar().item, nil);
+  show();
+  EXPECT_EQ(fake::symbolOf(button().image), "cursorarrow");
+}
+
 TEST_F(StatusItemTest, IsSeenByItsNameWhereTheSymbolIsUnknown) {
   fake::unknownSymbol() = "cursorarrow.rays";
   show();

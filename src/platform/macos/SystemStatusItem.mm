@@ -72,6 +72,7 @@ void SystemStatusItem::show(Symbol symbol, Handlers handlers) {
 }
 
 void SystemStatusItem::setSymbol(Symbol symbol) {
+  if (!shown_) return;
   NSStatusBarButton* const button = shown_->item.button;
   NSImage* const image = imageOf(symbol);
   button.image = image;
