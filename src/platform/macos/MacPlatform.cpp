@@ -1,6 +1,7 @@
 #include "platform/macos/MacPlatform.hpp"
 
 #include "platform/macos/OpenFiles.hpp"
+#include "platform/macos/UserLanguage.hpp"
 #include "platform/macos/WindowServer.hpp"
 
 #include <cstdlib>
@@ -26,6 +27,7 @@ std::vector<std::string> prepareToolkit() {
 
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   OpenFiles::allowMany();
+  UserLanguage::apply();
   return std::make_unique<MacPlatform>();
 }
 

@@ -11,7 +11,7 @@ list(TRANSFORM frameworks REPLACE "(.+)" "-framework \\1")
 orvel_room(platform
   SOURCES ${sources}
   USES base input catalog mirror ui session
-  LINKS ${frameworks})
+  LINKS ICU::uc ${frameworks})
 
 # All in one language, as the system's headers are read differently in the other.
 get_target_property(sources orvel_platform SOURCES)

@@ -39,5 +39,6 @@ set(ORVEL_MACOS_SOURCES
     SystemStatusItem.mm
     SystemTrustCheck.mm
     SystemWorkspace.mm
+    UserLanguage.mm
     WindowServer.cpp
 )

@@ -155,6 +155,7 @@ typedef NSString* NSNotificationName;
 #import "NSAppleEventManager.h"
 #import "NSFileManager.h"
 #import "NSKeyValueObserving.h"
+#import "NSLocale.h"
 #import "NSPathUtilities.h"
 #import "NSProcessInfo.h"
 #import "NSUserDefaults.h"
