@@ -127,8 +127,9 @@ TEST_F(EventPosterTest, EventsOfAllKindsKeepTheirOrderOnAnyThread) {
   std::thread([&] {
     results = postAll();
     results.push_back(type(u"a"));
+    results.push_back(poster_.pointerLocation().has_value());
   }).join();
-  EXPECT_THAT(results, ElementsAre(true, true, true, true, true, true));
+  EXPECT_THAT(results, ElementsAre(true, true, true, true, true, true, true));
   std::vector<std::uint32_t> types;
   for (const QuartzEvent& event : posted_) types.push_back(event.type);
   EXPECT_THAT(types, ElementsAre(5, 1, 22, 11, 14, 10, 11));

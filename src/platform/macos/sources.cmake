@@ -19,14 +19,14 @@ set(ORVEL_MACOS_SOURCES
     instance/ReopenRequests.mm
     MacPlatform.cpp
     OpenFiles.cpp
-    SystemAccessibilityTree.cpp
+    SystemAccessibilityTree.mm
     SystemActivity.mm
     SystemAdvertiser.cpp
     SystemAppearance.mm
     SystemApplicationBundles.mm
     SystemCaptureService.mm
     SystemDisplays.cpp
-    SystemEventPoster.cpp
+    SystemEventPoster.mm
     SystemForeground.mm
     SystemInstance.cpp
     SystemJPEGEncoder.mm

@@ -75,6 +75,8 @@ AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float seconds) {
 AXError AXUIElementCopyElementAtPosition(AXUIElementRef application, float x, float y, AXUIElementRef* element) {
   auto& state = fake::accessibility();
   if (!isEverything(application)) return kAXErrorIllegalArgument;
+  // As any of the system's functions may, without a word about it.
+  objectivec::text("for the pool");
   state.searches.emplace_back(x, y);
   if (state.searchFailure) return *state.searchFailure;
   if (!state.isNothingThere) *element = makeElement(false);

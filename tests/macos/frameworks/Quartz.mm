@@ -1,6 +1,7 @@
 #include "frameworks/Quartz.hpp"
 
 #include "frameworks/QuartzEventObject.hpp"
+#include "runtime/Foundation.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,6 +27,11 @@ fake::QuartzEvent& eventOf(CGEventRef reference) {
   // A message, so that an event that has gone is noticed.
   if (![object isKindOfClass:QuartzEventObject.class]) std::abort();
   return object->event_;
+}
+
+// As any of the system's functions may, without a word about it.
+void leaveToPool() {
+  objectivec::text("for the pool");
 }
 
 CGEventRef owned(QuartzEventObject* object) {
@@ -84,6 +90,7 @@ CGEventRef CGEventCreateScrollWheelEvent2(CGEventSourceRef, CGScrollEventUnit un
 }
 
 CGPoint CGEventGetLocation(CGEventRef event) {
+  leaveToPool();
   const auto& position = eventOf(event).position;
   return {position[0], position[1]};
 }
@@ -103,6 +110,7 @@ void CGEventKeyboardSetUnicodeString(CGEventRef event, UniCharCount length, cons
 void CGEventPost(CGEventTapLocation tap, CGEventRef event) {
   fake::QuartzEvent posted = eventOf(event);
   posted.tap = tap;
+  leaveToPool();
   if (hasPosition(posted.type)) fake::quartz().pointer = posted.position;
   fake::quartz().posted.push_back(posted);
 }

@@ -57,12 +57,14 @@ SystemAccessibilityTree::SystemAccessibilityTree() : everything_(AXUIElementCrea
 }
 
 std::optional<AccessibleElement> SystemAccessibilityTree::elementAt(Point position) {
-  AXUIElementRef found = nullptr;
-  const AXError error = AXUIElementCopyElementAtPosition(everything_.get(), static_cast<float>(position.x),
-                                                         static_cast<float>(position.y), &found);
-  const CFPointer<AXUIElementRef> element(found);
-  if (error != kAXErrorSuccess || !element) return std::nullopt;
-  return askWhatItIs(element.get());
+  @autoreleasepool {
+    AXUIElementRef found = nullptr;
+    const AXError error = AXUIElementCopyElementAtPosition(everything_.get(), static_cast<float>(position.x),
+                                                           static_cast<float>(position.y), &found);
+    const CFPointer<AXUIElementRef> element(found);
+    if (error != kAXErrorSuccess || !element) return std::nullopt;
+    return askWhatItIs(element.get());
+  }
 }
 
 }  // namespace orvel

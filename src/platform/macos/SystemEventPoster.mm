@@ -1,0 +1,109 @@
+#include "platform/macos/SystemEventPoster.hpp"
+
+#include "platform/macos/CFPointer.hpp"
+#include "platform/macos/events/SystemDefined.hpp"
+#include "platform/macos/events/TextPieces.hpp"
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+using Event = CFPointer<CGEventRef>;
+
+constexpr CGKeyCode keyOfText = 0;
+constexpr CGEventFlags noModifiers = 0;
+constexpr std::uint32_t wheels = 2;
+
+bool isMotion(MouseEventType type) {
+  return type == MouseEventType::moved || type == MouseEventType::leftDragged || type == MouseEventType::rightDragged;
+}
+
+bool send(const Event& event) {
+  if (event) CGEventPost(kCGHIDEventTap, event.get());
+  return event != nullptr;
+}
+
+Event makeText(const std::u16string& text, bool down) {
+  Event event(CGEventCreateKeyboardEvent(nullptr, keyOfText, down));
+  if (!event) return event;
+  // A new event has the modifiers that are held down, with which programs would take the text for a shortcut.
+  CGEventSetFlags(event.get(), noModifiers);
+  CGEventKeyboardSetUnicodeString(event.get(), text.size(), reinterpret_cast<const UniChar*>(text.data()));
+  return event;
+}
+
+}  // namespace
+
+// The threads that post live as long as the program and have no pool, and what the system leaves to one is its own
+// affair.
+bool SystemEventPoster::post(const MouseEvent& event) {
+  @autoreleasepool {
+    const Event made(CGEventCreateMouseEvent(nullptr, static_cast<CGEventType>(event.type),
+                                             {.x = event.position.x, .y = event.position.y},
+                                             static_cast<CGMouseButton>(event.buttonCode)));
+    if (!made) return false;
+    if (isMotion(event.type)) {
+      CGEventSetIntegerValueField(made.get(), kCGMouseEventDeltaX, event.deltaX);
+      CGEventSetIntegerValueField(made.get(), kCGMouseEventDeltaY, event.deltaY);
+    } else {
+      CGEventSetIntegerValueField(made.get(), kCGMouseEventClickState, event.clickState);
+    }
+    return send(made);
+  }
+}
+
+bool SystemEventPoster::post(const ScrollEvent& event) {
+  @autoreleasepool {
+    return send(
+        Event(CGEventCreateScrollWheelEvent2(nullptr, kCGScrollEventUnitPixel, wheels, event.wheel1, event.wheel2, 0)));
+  }
+}
+
+bool SystemEventPoster::post(const KeyEvent& event) {
+  @autoreleasepool {
+    const Event made(CGEventCreateKeyboardEvent(nullptr, event.keyCode, event.down));
+    if (!made) return false;
+    CGEventSetFlags(made.get(), static_cast<CGEventFlags>(event.flags));
+    return send(made);
+  }
+}
+
+bool SystemEventPoster::post(const SystemDefinedEvent& event) {
+  @autoreleasepool {
+    return send(makeSystemDefined(event));
+  }
+}
+
+bool SystemEventPoster::post(const TextEvent& event) {
+  @autoreleasepool {
+    const auto pieces = textPieces(event.text);
+    if (pieces.empty()) return false;
+    std::vector<Event> events;
+    for (std::size_t at = 0; event.down && at < pieces.size(); ++at) {
+      if (at > 0) events.push_back(makeText(pieces[at - 1], false));
+      events.push_back(makeText(pieces[at], true));
+    }
+    if (!event.down) events.push_back(makeText(pieces.back(), false));
+    // All of the text or nothing of it.
+    if (std::find(events.begin(), events.end(), nullptr) != events.end()) return false;
+    return std::all_of(events.begin(), events.end(), send);
+  }
+}
+
+std::optional<Point> SystemEventPoster::pointerLocation() {
+  @autoreleasepool {
+    const Event blank(CGEventCreate(nullptr));
+    if (!blank) return std::nullopt;
+    const CGPoint location = CGEventGetLocation(blank.get());
+    return Point{location.x, location.y};
+  }
+}
+
+}  // namespace orvel
