@@ -27,8 +27,8 @@ void SystemForeground::keepOutOfList(std::uintptr_t window) {
 }
 
 void SystemForeground::bring(std::uintptr_t window, const std::string&) {
-  // The newer call, from macOS 14 on, is a mere request: the system refuses it when nothing was clicked in this program,
-  // as when another start of it asks for the panel, and the panel would stay without the keyboard.
+  // The newer call, from macOS 14 on, is a mere request: the system refuses it when nothing was clicked in this
+  // program, as when another start of it asks for the panel, and the panel would stay without the keyboard.
   [NSApp activateIgnoringOtherApps:YES];
   [windowOf(window) makeKeyAndOrderFront:nil];
 }

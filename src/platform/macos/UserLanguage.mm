@@ -3,7 +3,6 @@
 #include "platform/macos/FoundationText.hpp"
 
 #import <Foundation/Foundation.h>
-
 #include <unicode/locid.h>
 
 namespace orvel {
