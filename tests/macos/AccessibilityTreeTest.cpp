@@ -1,13 +1,15 @@
 #include "MacTest.hpp"
 #include "frameworks/Accessibility.hpp"
 #include "platform/macos/SystemAccessibilityTree.hpp"
+#include "runtime/Dispatch.hpp"
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <future>
 #include <map>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 
 namespace orvel {
@@ -43,8 +45,21 @@ TEST_F(AccessibilityTreeTest, AnElementTellsItsRoleAndItsPlace) {
   EXPECT_THAT(fake::accessibility().searches, ElementsAre(std::pair(100.25F, -50.0F)));
 }
 
-TEST_F(AccessibilityTreeTest, AnyThreadMayAsk) {
-  std::thread([this] { EXPECT_TRUE(tree_->elementAt({})); }).join();
+TEST_F(AccessibilityTreeTest, TheMainThreadAsksForAnyOther) {
+  auto element = std::async(std::launch::async, [this] { return tree_->elementAt({3, 4}); });
+  while (element.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) dispatch::turnMainQueue();
+  const auto found = element.get();
+  ASSERT_TRUE(found);
+  EXPECT_EQ(found->role, "AXButton");
+  EXPECT_THAT(fake::accessibility().searches, ElementsAre(std::pair(3.0F, 4.0F)));
+  EXPECT_FALSE(fake::accessibility().isAskedElsewhere) << "our own windows would answer there, too";
+}
+
+TEST_F(AccessibilityTreeTest, ABusyMainThreadIsNotWaitedForAndAsksNothingLater) {
+  EXPECT_FALSE(std::async(std::launch::async, [this] { return tree_->elementAt({}); }).get());
+  tree_.reset();
+  EXPECT_EQ(dispatch::turnMainQueue(), 1);
+  EXPECT_THAT(fake::accessibility().searches, IsEmpty());
 }
 
 TEST_F(AccessibilityTreeTest, NoProgramIsWaitedForLongerThanAQuarterOfASecond) {

@@ -5,12 +5,17 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <memory>
+#include <type_traits>
+
 namespace orvel {
+
+class Patience;
 
 /// The user interface of all programs, by the system's accessibility. A program that does not answer within a quarter
 /// of a second is asked no further.
 ///
-/// Threads: `elementAt` one at a time.
+/// Threads: `elementAt` one at a time. The main thread does the asking, and is waited for half a second at most.
 class SystemAccessibilityTree final : public AccessibilityTree {
  public:
   SystemAccessibilityTree();
@@ -18,7 +23,8 @@ class SystemAccessibilityTree final : public AccessibilityTree {
   std::optional<AccessibleElement> elementAt(Point position) override;
 
  private:
-  const CFPointer<AXUIElementRef> everything_;
+  const std::shared_ptr<std::remove_pointer_t<AXUIElementRef>> everything_;
+  const std::shared_ptr<Patience> patience_;
 };
 
 }  // namespace orvel

@@ -1,8 +1,14 @@
 #include "platform/macos/SystemAccessibilityTree.hpp"
 
 #include "platform/macos/CFText.hpp"
+#include "platform/macos/capture/Answer.hpp"
+#include "platform/macos/capture/Patience.hpp"
+
+#import <Foundation/Foundation.h>
+#import <dispatch/dispatch.h>
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 
 namespace orvel {
@@ -11,6 +17,7 @@ namespace {
 using Value = CFPointer<CFTypeRef>;
 
 constexpr float patience = 0.25F;  // seconds
+constexpr std::chrono::milliseconds longestWait{500};
 
 std::optional<std::string> text(const Value& value) {
   if (!value || CFGetTypeID(value.get()) != CFStringGetTypeID()) return std::nullopt;
@@ -49,21 +56,35 @@ std::optional<AccessibleElement> askWhatItIs(AXUIElementRef element) {
   return AccessibleElement{.role = text(values[0]), .position = point(values[1]), .size = size(values[2])};
 }
 
+std::optional<AccessibleElement> find(AXUIElementRef everything, Point position) {
+  AXUIElementRef found = nullptr;
+  const AXError error = AXUIElementCopyElementAtPosition(everything, static_cast<float>(position.x),
+                                                         static_cast<float>(position.y), &found);
+  const CFPointer<AXUIElementRef> element(found);
+  if (error != kAXErrorSuccess || !element) return std::nullopt;
+  return askWhatItIs(element.get());
+}
+
 }  // namespace
 
-SystemAccessibilityTree::SystemAccessibilityTree() : everything_(AXUIElementCreateSystemWide()) {
+SystemAccessibilityTree::SystemAccessibilityTree()
+    : everything_(CFPointer<AXUIElementRef>(AXUIElementCreateSystemWide())), patience_(std::make_shared<Patience>()) {
   // Holds for every element that this program asks, as the element for everything stands for them all.
   AXUIElementSetMessagingTimeout(everything_.get(), patience);
 }
 
+// Other programs are asked by messages, but our own windows on the very thread that asks, and they are the main
+// thread's.
 std::optional<AccessibleElement> SystemAccessibilityTree::elementAt(Point position) {
   @autoreleasepool {
-    AXUIElementRef found = nullptr;
-    const AXError error = AXUIElementCopyElementAtPosition(everything_.get(), static_cast<float>(position.x),
-                                                           static_cast<float>(position.y), &found);
-    const CFPointer<AXUIElementRef> element(found);
-    if (error != kAXErrorSuccess || !element) return std::nullopt;
-    return askWhatItIs(element.get());
+    if (NSThread.isMainThread) return find(everything_.get(), position);
+    const auto answer = std::make_shared<Answer<std::optional<AccessibleElement>>>(patience_);
+    const std::weak_ptr waiting = answer;
+    const auto everything = everything_;
+    dispatch_async(dispatch_get_main_queue(), ^{
+      if (const auto asker = waiting.lock()) asker->give(find(everything.get(), position));
+    });
+    return answer->await(longestWait).value_or(std::nullopt);
   }
 }
 

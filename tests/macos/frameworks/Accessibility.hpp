@@ -21,6 +21,7 @@ struct Accessibility {
   std::map<std::string, Attribute> attributes;  ///< What is not in here has no value.
   std::vector<float> timeouts;                  ///< Those that were set for everything.
   std::vector<std::pair<float, float>> searches;
+  bool isAskedElsewhere = false;       ///< On another thread than the main one, which is wrong for windows of our own.
   std::vector<std::string> questions;  ///< The attributes that were asked for.
 };
 

@@ -75,8 +75,7 @@ AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float seconds) {
 AXError AXUIElementCopyElementAtPosition(AXUIElementRef application, float x, float y, AXUIElementRef* element) {
   auto& state = fake::accessibility();
   if (!isEverything(application)) return kAXErrorIllegalArgument;
-  // As any of the system's functions may, without a word about it.
-  objectivec::text("for the pool");
+  if (!NSThread.isMainThread) state.isAskedElsewhere = true;
   state.searches.emplace_back(x, y);
   if (state.searchFailure) return *state.searchFailure;
   if (!state.isNothingThere) *element = makeElement(false);
@@ -86,6 +85,7 @@ AXError AXUIElementCopyElementAtPosition(AXUIElementRef application, float x, fl
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value) {
   auto& state = fake::accessibility();
   if (isEverything(element)) return kAXErrorAttributeUnsupported;
+  if (!NSThread.isMainThread) state.isAskedElsewhere = true;
   const std::string name = ((__bridge NSString*)attribute).UTF8String;
   state.questions.push_back(name);
   const auto found = state.attributes.find(name);

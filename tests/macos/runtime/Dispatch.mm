@@ -2,6 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
+#include <unistd.h>
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -169,6 +171,13 @@ void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block
 }
 
 }  // extern "C"
+
+@implementation NSThread
+/// The first one, as the tests run there.
++ (BOOL)isMainThread {
+  return gettid() == getpid();
+}
+@end
 
 namespace dispatch {
 

@@ -158,4 +158,5 @@ typedef NSString* NSNotificationName;
 #import "NSLocale.h"
 #import "NSPathUtilities.h"
 #import "NSProcessInfo.h"
+#import "NSThread.h"
 #import "NSUserDefaults.h"
