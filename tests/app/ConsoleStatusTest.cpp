@@ -16,7 +16,7 @@ struct ConsoleStatusTest : testing::Test {
   }
 
   std::string address = "10.0.0.2:8787";
-  const HubState idle;
+  const HubState idle{};
   const HubState running{.isRunning = true};
 };
 

@@ -86,7 +86,7 @@ TEST_F(ScreenMirrorTest, CapturesTheFirstDisplayAtTheSizeItSays) {
 TEST_F(ScreenMirrorTest, NeverScalesUp) {
   for (const std::int64_t width : {std::int64_t{1000}, std::int64_t{1001}, std::numeric_limits<std::int64_t>::max()}) {
     start(width);
-    EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(1000, 800))) << width;
+    EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{1000, 800})) << width;
   }
 }
 
