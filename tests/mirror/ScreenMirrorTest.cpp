@@ -94,26 +94,26 @@ TEST_F(ScreenMirrorTest, IsNeverSmallerThan320By240InEitherDirection) {
   for (const std::int64_t width :
        {std::int64_t{1}, std::int64_t{0}, std::int64_t{-900}, std::numeric_limits<std::int64_t>::min()}) {
     start(width);
-    EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(320, 240))) << width;
+    EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{320, 240})) << width;
   }
   screen.displays = {{1920, 400}};
   start(900);
-  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(900, 240)));
+  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{900, 240}));
   screen.displays = {{400, 1920}};
   start(200);
-  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(320, 960)));
+  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{320, 960}));
   screen.displays = {{100, 50}};
   start(900);
-  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(320, 240)));
+  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{320, 240}));
 }
 
 TEST_F(ScreenMirrorTest, RoundsSizesHalfAwayFromZeroAndNotToEven) {
   screen.displays = {{1000, 501}};
   start(500);
-  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(500, 251)));
+  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{500, 251}));
   screen.displays = {{1920, 1080}};
   start(901);
-  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size(901, 507)));
+  EXPECT_EQ(outcomes.back(), ScreenMirror::Outcome(Size{901, 507}));
 }
 
 TEST_F(ScreenMirrorTest, FramesASecondAreWithin1To30) {
