@@ -1,7 +1,6 @@
 #include "runtime/Dispatch.hpp"
 
 #import <Foundation/Foundation.h>
-
 #include <unistd.h>
 
 #include <condition_variable>
