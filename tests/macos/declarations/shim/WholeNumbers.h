@@ -1,5 +1,5 @@
-// Whole numbers of 64 bits as a Mac has them, `long long`, where the C library at hand has `long`: another type, which is
-// the one of size_t there.
+// Whole numbers of 64 bits as a Mac has them, `long long`, where the C library at hand has `long`: another type, which
+// is the one of size_t there.
 #pragma once
 
 typedef __INT64_TYPE__ int64_t;
