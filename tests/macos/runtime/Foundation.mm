@@ -4,6 +4,8 @@
 
 #import <Foundation/Foundation.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -139,6 +141,15 @@ __asm__(".globl __CFConstantStringClassReference\n"
 }
 @end
 
+// Nothing cannot be in a collection: a Mac throws what ends the program.
+static void expectObjects(const id* objects, NSUInteger count) {
+  for (NSUInteger at = 0; at < count; ++at) {
+    if (objects[at] != nil) continue;
+    std::fputs("objective-c: nil put into a collection\n", stderr);
+    std::abort();
+  }
+}
+
 @implementation NSNull
 + (NSNull*)null {
   static NSNull* null = [[NSNull alloc] init];
@@ -155,6 +166,7 @@ __asm__(".globl __CFConstantStringClassReference\n"
   return [[self alloc] init];
 }
 + (instancetype)arrayWithObjects:(const id[])objects count:(NSUInteger)count {
+  expectObjects(objects, count);
   NSArray* array = [[self alloc] init];
   array->objects_.assign(objects, objects + count);
   return array;
@@ -184,6 +196,7 @@ __asm__(".globl __CFConstantStringClassReference\n"
   return [[self alloc] init];
 }
 - (void)addObject:(id)object {
+  expectObjects(&object, 1);
   objects_.push_back(object);
   ++changes_;
 }
@@ -195,6 +208,8 @@ __asm__(".globl __CFConstantStringClassReference\n"
   unsigned long changes_;
 }
 + (instancetype)dictionaryWithObjects:(const id[])objects forKeys:(const id<NSCopying>[])keys count:(NSUInteger)count {
+  expectObjects(objects, count);
+  expectObjects(keys, count);
   NSDictionary* dictionary = [[self alloc] init];
   dictionary->keys_.assign(keys, keys + count);
   dictionary->values_.assign(objects, objects + count);

@@ -17,6 +17,12 @@
 #include <unordered_map>
 #include <vector>
 
+#if __has_feature(address_sanitizer)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(place, size) (static_cast<void>(place), static_cast<void>(size))
+#endif
+
 // The compiler names these; their layout is the published one of blocks and of the modern runtime.
 extern "C" {
 void* _NSConcreteStackBlock[32];
@@ -117,7 +123,9 @@ extern "C" Category* const __stop_objc_catlist[] __attribute__((weak));
   std::abort();
 }
 
-/// Everything that the runtime knows, behind one lock that a method may take again while it runs.
+/// Everything that the runtime knows, behind one lock that a method may take again while it runs. What the classes have
+/// is known from the start and needs no lock: one would put threads in an order that they do not have on a Mac, and
+/// hide from the thread sanitizer what they share.
 class Registry {
  public:
   static Registry& shared() {
@@ -237,27 +245,21 @@ std::map<std::string, int> objectivec::livingObjects() {
 extern "C" {
 
 Implementation methodForMessage(void* object, Selector selector) {
-  Registry& registry = Registry::shared();
-  const std::lock_guard guard(registry.lock());
   if (isBlock(object)) fail("a message to a block", selector);
   if (!isEternal(object)) expectAlive(object, "a message to an object that has gone", selector);
-  const Implementation found = registry.find(static_cast<Object*>(object)->isa, selector);
+  const Implementation found = Registry::shared().find(static_cast<Object*>(object)->isa, selector);
   if (found == nullptr) fail("unrecognized selector", nameOf(object), selector);
   return found;
 }
 
 Implementation methodForSuperMessage(const Super* super, Selector selector) {
-  Registry& registry = Registry::shared();
-  const std::lock_guard guard(registry.lock());
-  const Implementation found = registry.find(super->type->parent, selector);
+  const Implementation found = Registry::shared().find(super->type->parent, selector);
   if (found == nullptr) fail("unrecognized selector of a parent", super->type->facts->name, selector);
   return found;
 }
 
 bool objectResponds(void* object, Selector selector) {
-  Registry& registry = Registry::shared();
-  const std::lock_guard guard(registry.lock());
-  return registry.find(static_cast<Object*>(object)->isa, selector) != nullptr;
+  return Registry::shared().find(static_cast<Object*>(object)->isa, selector) != nullptr;
 }
 
 bool objectIsKindOf(void* object, void* type) {
@@ -285,6 +287,9 @@ void endObject(void* object) {
   const std::lock_guard guard(registry.lock());
   --registry.living[nameOf(object)];
   headerOf(object).isAlive = false;
+  // What it had must not be looked at either, which needs no message.
+  const std::size_t size = static_cast<Object*>(object)->isa->facts->size;
+  ASAN_POISON_MEMORY_REGION(static_cast<Object*>(object) + 1, size - sizeof(Object));
   registry.gone.emplace_back(reinterpret_cast<std::uint8_t*>(&headerOf(object)));
 }
 
@@ -297,8 +302,17 @@ void* objc_retain(void* object) {
   if (isBlock(object)) return isOnStack(object) ? object : _Block_copy(object);
   if (isEternal(object)) return object;
   expectAlive(object, "a reference to an object that has gone");
-  ++headerOf(object).references;
+  headerOf(object).references.fetch_add(1, std::memory_order_relaxed);
   return object;
+}
+
+/// Gives back one reference of several, without the lock.
+static bool giveBackOneOfSeveral(std::atomic<std::int64_t>& references) {
+  std::int64_t count = references;
+  while (count > 1) {
+    if (references.compare_exchange_weak(count, count - 1, std::memory_order_acq_rel)) return true;
+  }
+  return false;
 }
 
 void objc_release(void* object) {
@@ -306,6 +320,7 @@ void objc_release(void* object) {
   if (isBlock(object)) return _Block_release(object);
   if (isEternal(object)) return;
   expectAlive(object, "a reference too many given back");
+  if (giveBackOneOfSeveral(headerOf(object).references)) return;
   Registry& registry = Registry::shared();
   Implementation end = nullptr;
   {
@@ -373,7 +388,11 @@ void* objc_initWeak(void** place, void* object) {
   Registry& registry = Registry::shared();
   const std::lock_guard guard(registry.lock());
   *place = object;
-  if (object != nullptr) registry.weakPlaces[object].insert(place);
+  if (object == nullptr) return object;
+  if (isBlock(object)) fail("a weak reference to a block", "");
+  if (isEternal(object)) return object;
+  expectAlive(object, "a weak reference to an object that has gone");
+  registry.weakPlaces[object].insert(place);
   return object;
 }
 
@@ -420,13 +439,15 @@ void objc_setProperty_nonatomic(void* object, Selector selector, void* value, lo
   objc_setProperty_atomic(object, selector, value, offset);
 }
 
-// Nothing here changes once it was made, so that a copy is one more reference; a block is copied by taking one.
+// Of what is an object here nothing changes once it was made, so that a copy is one more reference.
 void objc_setProperty_atomic_copy(void* object, Selector selector, void* value, long offset) {
-  objc_setProperty_atomic(object, selector, value, offset);
+  void* const copy = value != nullptr && isBlock(value) ? _Block_copy(value) : objc_retain(value);
+  objc_setProperty_atomic(object, selector, copy, offset);
+  objc_release(copy);
 }
 
 void objc_setProperty_nonatomic_copy(void* object, Selector selector, void* value, long offset) {
-  objc_setProperty_atomic(object, selector, value, offset);
+  objc_setProperty_atomic_copy(object, selector, value, offset);
 }
 
 void objc_copyStruct(void* to, const void* from, long size, bool, bool) {
