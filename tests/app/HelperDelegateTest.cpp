@@ -39,6 +39,16 @@ TEST_F(HelperDelegateTest, LaunchingLeavesTheIconAsItsOnlyPlaceOnTheDesktop) {
   EXPECT_EQ(foreground.becameAccessory, 1);
 }
 
+TEST_F(HelperDelegateTest, NothingIsDoneBeforeItsPlaceIsClear) {
+  foreground.whenAccessory = [&] {
+    EXPECT_FALSE(gate.cachedTrust());
+    clock.runDue();
+    EXPECT_FALSE(hub->state().isRunning);
+  };
+  delegate.applicationDidFinishLaunching();
+  EXPECT_TRUE(gate.cachedTrust());
+}
+
 TEST_F(HelperDelegateTest, AProgramThatComesToTheFrontHasThePermissionReadAgain) {
   desktop.trusted = false;
   delegate.applicationDidFinishLaunching();

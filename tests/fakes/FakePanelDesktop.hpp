@@ -46,12 +46,16 @@ class FakeAppearance final : public Appearance {
 /// Records which windows came to the front by which token.
 class FakeForeground final : public Foreground {
  public:
-  bool becomeAccessory() override { return ++becameAccessory > 0; }
+  bool becomeAccessory() override {
+    if (whenAccessory) whenAccessory();
+    return ++becameAccessory > 0;
+  }
   void keepOutOfList(std::uintptr_t) override { ++keptOut; }
   void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }
   void finishStart(const std::string& token) override { finished.push_back(token); }
 
   int becameAccessory = 0;
+  std::function<void()> whenAccessory;
   int keptOut = 0;
   std::vector<std::string> brought;
   std::vector<std::string> finished;
