@@ -1,8 +1,10 @@
 #include "MacTest.hpp"
 #include "frameworks/Bonjour.hpp"
 #include "platform/macos/SystemAdvertiser.hpp"
+#include "platform/macos/bonjour/WakeUpPipe.hpp"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 
 #include <chrono>
 #include <functional>
@@ -10,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace orvel {
 namespace {
@@ -138,6 +141,16 @@ TEST_F(AdvertiserTest, WhatIsRefusedIsTriedMoreAndMoreRarely) {
   EXPECT_EQ(requests(), 3u);
 }
 
+TEST_F(AdvertiserTest, WhatIsAskedForAnewIsTriedSoonAgain) {
+  refuse({notRunning});
+  advertise();
+  ASSERT_TRUE(eventually([] { return requests() == 3; }));
+  const auto start = std::chrono::steady_clock::now();
+  advertise();
+  EXPECT_TRUE(eventually([] { return requests() == 6; }));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(1000)) << "at once, after 50 and after 200 ms";
+}
+
 TEST_F(AdvertiserTest, ARefusalThatComesLaterIsOneToo) {
   advertise();
   ASSERT_TRUE(isAnnounced(1));
@@ -174,6 +187,14 @@ TEST_F(AdvertiserTest, ALongNameIsCutBetweenCharacters) {
   advertiser_->advertise(name, "_orvel._tcp", 8787);
   ASSERT_TRUE(isAnnounced(1));
   EXPECT_EQ(fake::bonjour().books().requests[0].name, expected);
+}
+
+TEST(WakeUpPipe, IsClosedAtTheEndAndForOtherPrograms) {
+  std::optional<WakeUpPipe> pipe(std::in_place);
+  const int end = pipe->descriptor();
+  EXPECT_EQ(fcntl(end, F_GETFD), FD_CLOEXEC);
+  pipe.reset();
+  EXPECT_EQ(fcntl(end, F_GETFD), -1);
 }
 
 TEST_F(AdvertiserTest, ItEndsQuicklyWhileItWaitsToTryAgain) {

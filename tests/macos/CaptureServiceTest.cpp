@@ -1,3 +1,4 @@
+#include "BareThread.hpp"
 #include "CaptureTest.hpp"
 #include "platform/macos/SystemCaptureService.hpp"
 
@@ -84,6 +85,14 @@ TEST_F(CaptureServiceTest, AStreamIsMadeAsAgreed) {
 TEST_F(CaptureServiceTest, AStreamIsStartedAndStoppedInOrder) {
   { const auto stream = start(); }
   EXPECT_THAT(fake::screenCapture().calls, ElementsAre("content on screen", "stream", "output", "start", "stop"));
+}
+
+TEST_F(CaptureServiceTest, ItWorksOnAThreadWithoutAPool) {
+  onBareThread([this] {
+    EXPECT_EQ(content()->displays().size(), 2u);
+    { const auto stream = start(); }
+    EXPECT_EQ(fake::screenCapture().calls.back(), "stop");
+  });
 }
 
 TEST_F(CaptureServiceTest, AStreamWithoutOutputIsNotStarted) {

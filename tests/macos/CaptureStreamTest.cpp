@@ -238,6 +238,14 @@ TEST_F(CaptureStreamTest, AFrameIsOfferedAgainAfterOneInterval) {
   EXPECT_THAT(passed_, IsEmpty());
 }
 
+TEST_F(CaptureStreamTest, TheIntervalCountsFromWhenTheFrameWasOffered) {
+  answers_ = {FrameAnswer::again};
+  whileSeeing_ = [] { dispatch::spend(0.02); };
+  deliver(1);
+  letTimePass();
+  EXPECT_THAT(passed_, ElementsAre(testing::DoubleNear(0.03, 1e-6)));
+}
+
 TEST_F(CaptureStreamTest, AFrameMayHaveToBeOfferedOften) {
   answers_ = {FrameAnswer::again, FrameAnswer::again};
   deliver(1);
@@ -317,6 +325,23 @@ TEST_F(CaptureStreamTest, ASystemThatDoesNotAnswerHoldsUpNoEnd) {
   EXPECT_LT(std::chrono::steady_clock::now() - begun, 5s);
   EXPECT_EQ(fake::screenCapture().calls.back(), "stop");
   fake::answerHeldBack();
+  fake::finishAnswers();
+}
+
+TEST_F(CaptureStreamTest, ItsEndWaitsAMomentForThatOfTheCapture) {
+  constexpr auto moment = 300ms;
+  fake::screenCapture().stop.comes = false;
+  std::atomic<bool> hasAnswered = false;
+  std::thread answering([&] {
+    while (fake::callCount() < 5) std::this_thread::yield();
+    std::this_thread::sleep_for(50ms);
+    hasAnswered = true;
+    fake::answerHeldBack();
+  });
+  const auto begun = std::chrono::steady_clock::now();
+  stream_.reset();
+  EXPECT_TRUE(hasAnswered || std::chrono::steady_clock::now() - begun >= moment);
+  answering.join();
   fake::finishAnswers();
 }
 

@@ -74,6 +74,13 @@ TEST_F(DisplaysTest, ADisplayThatGoesWhileTheyAreReadIsNone) {
   EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds));
 }
 
+TEST_F(DisplaysTest, ADisplayThatComesWhileTheyAreReadHasToWait) {
+  fake::displayList().active = {builtIn};
+  fake::displayList().whenCounted = [] { fake::displayList().active = {builtIn, external}; };
+  const SystemDisplays displays;
+  EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds));
+}
+
 TEST_F(DisplaysTest, AChangeWhileTheyAreReadIsToldAfterwards) {
   std::vector<fake::DisplayList::Watcher> told;
   fake::displayList().whenCounted = [&] {

@@ -52,6 +52,12 @@ TEST_F(TextPiecesTest, ACharacterThatIsTooLongIsSplitBetweenItsParts) {
       << "the twentieth unit is the first half of a pair";
 }
 
+TEST_F(TextPiecesTest, ACharacterThatJustFitsIsOnePieceAndNoEmptyOne) {
+  const std::u16string marks = u"e" + repeated(u"\u0301", 19);
+  EXPECT_THAT(textPieces(marks), ElementsAre(marks));
+  EXPECT_THAT(textPieces(marks + u"a"), ElementsAre(marks, u"a"));
+}
+
 TEST_F(TextPiecesTest, WhatIsNoTextHasNoPieces) {
   EXPECT_THAT(textPieces(u""), IsEmpty());
   EXPECT_THAT(textPieces(std::u16string(1, char16_t{0xd83d})), IsEmpty());

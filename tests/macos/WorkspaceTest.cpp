@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const fake::Program editor = {
-    .process = 40, .identifier = "org.example.editor", .name = "Editor", .path = "/Applications/Editor.app"};
+    .process = 98765, .identifier = "org.example.editor", .name = "Editor", .path = "/Applications/Editor.app"};
 
 class WorkspaceTest : public MacTest {
  protected:
@@ -44,7 +44,7 @@ TEST_F(WorkspaceTest, TellsOfRunningProgramsInItsOrder) {
   onBareThread([&] {
     const auto applications = workspace_->runningApplications();
     ASSERT_EQ(applications.size(), 2u);
-    EXPECT_EQ(applications[0].instance, 40u);
+    EXPECT_EQ(applications[0].instance, 98765u);
     EXPECT_EQ(applications[0].identifier, "org.example.editor");
     EXPECT_EQ(applications[0].name, "Editor");
     EXPECT_EQ(applications[0].location, "/Applications/Editor.app");
@@ -77,7 +77,7 @@ TEST_F(WorkspaceTest, KnowsWhereBundlesAre) {
 TEST_F(WorkspaceTest, ActivatesWithAllWindows) {
   const RunningApplication application = running(editor);
   onBareThread([&] { workspace_->activate(application); });
-  EXPECT_THAT(calls(), ElementsAre("activate 40 with 1"));
+  EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1"));
 }
 
 TEST_F(WorkspaceTest, WhatMayNotBeActivatedIsOpenedWithoutASecondInstance) {
@@ -85,7 +85,7 @@ TEST_F(WorkspaceTest, WhatMayNotBeActivatedIsOpenedWithoutASecondInstance) {
   program.refusesActivation = true;
   const RunningApplication application = running(program);
   onBareThread([&] { workspace_->activate(application); });
-  EXPECT_THAT(calls(), ElementsAre("activate 40 with 1", "open /Applications/Editor.app in front"));
+  EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1", "open /Applications/Editor.app in front"));
 }
 
 TEST_F(WorkspaceTest, ARefusedProgramWithoutABundleStaysWhereItIs) {
@@ -116,7 +116,7 @@ TEST_F(WorkspaceTest, AnotherProgramThatGotItsNumberIsLeftAlone) {
 TEST_F(WorkspaceTest, TerminatesPolitely) {
   const RunningApplication application = running(editor);
   onBareThread([&] { workspace_->terminate(application); });
-  EXPECT_THAT(calls(), ElementsAre("terminate 40"));
+  EXPECT_THAT(calls(), ElementsAre("terminate 98765"));
 }
 
 TEST_F(WorkspaceTest, OpensInFront) {

@@ -25,7 +25,8 @@ __kindof NSApplication* NSApp = nil;
 @implementation NamedAppearance
 - (NSAppearanceName)bestMatchFromAppearancesWithNames:(NSArray<NSAppearanceName>*)names {
   for (NSAppearanceName name in names) {
-    if (name_ == name.UTF8String) return name;
+    // The same text, but not the same object.
+    if (name_ == name.UTF8String) return objectivec::text(name_);
   }
   return nil;
 }

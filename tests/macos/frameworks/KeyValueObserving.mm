@@ -28,6 +28,8 @@ std::vector<Observation>& observations() {
             options:(NSKeyValueObservingOptions)options
             context:(void*)context {
   observations().push_back({self, observer, keyPath.UTF8String, context});
+  if ((options & NSKeyValueObservingOptionInitial) == 0) return;
+  [observer observeValueForKeyPath:keyPath ofObject:self change:nil context:context];
 }
 - (void)removeObserver:(NSObject*)observer forKeyPath:(NSString*)keyPath context:(void*)context {
   const Observation wanted{self, observer, keyPath.UTF8String, context};

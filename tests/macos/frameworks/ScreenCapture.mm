@@ -27,7 +27,9 @@ Service& service() {
   return *service;
 }
 
+/// Leaves something in the caller's pool, too, as the system may.
 void record(const std::string& call) {
+  (void)[NSArray array];
   const std::lock_guard guard(service().mutex);
   fake::screenCapture().calls.push_back(call);
 }
@@ -256,10 +258,16 @@ std::size_t callCount() {
 
 void failStream(const std::string& description) {
   std::thread([description] {
+    // What is called has no pool but its own.
+    SCStream* stream = nil;
+    NSError* error = nil;
+    id<SCStreamDelegate> delegate = nil;
     @autoreleasepool {
-      SCStream* stream = newestStream();
-      if (stream != nil) [stream->delegate_ stream:stream didStopWithError:errorOf(description)];
+      stream = newestStream();
+      error = errorOf(description);
+      if (stream != nil) delegate = stream->delegate_;
     }
+    [delegate stream:stream didStopWithError:error];
   }).join();
 }
 

@@ -14,6 +14,9 @@ int turnMainQueue();
 /// Waits until the queue has run what it was given before.
 void finish(dispatch_queue_t queue);
 
+/// Lets so much time pass that nobody notices, as when a thread is busy.
+void spend(double seconds);
+
 /// Has all that waits for its time fall due, as soon as it may, and returns how long it would have waited, in seconds.
 std::vector<double> letTimePass();
 

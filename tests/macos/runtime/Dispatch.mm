@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -90,6 +91,9 @@ struct Delayed {
   dispatch_block_t block;
 };
 
+/// What the system's clock says, in nanoseconds. Not zero, which stands for the present.
+std::atomic<dispatch_time_t> now = NSEC_PER_SEC;
+
 struct Delays {
   std::mutex mutex;
   std::vector<Delayed> waiting;
@@ -161,7 +165,7 @@ void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_bl
 }
 
 dispatch_time_t dispatch_time(dispatch_time_t when, int64_t nanoseconds) {
-  return when + static_cast<dispatch_time_t>(nanoseconds);
+  return (when == DISPATCH_TIME_NOW ? now.load() : when) + static_cast<dispatch_time_t>(nanoseconds);
 }
 
 void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) {
@@ -180,6 +184,10 @@ void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block
 
 namespace dispatch {
 
+void spend(double seconds) {
+  now += static_cast<dispatch_time_t>(seconds * NSEC_PER_SEC);
+}
+
 std::vector<double> letTimePass() {
   std::vector<Delayed> due;
   {
@@ -188,7 +196,7 @@ std::vector<double> letTimePass() {
   }
   std::vector<double> seconds;
   for (const Delayed& each : due) {
-    seconds.push_back(static_cast<double>(each.when) / NSEC_PER_SEC);
+    seconds.push_back(static_cast<double>(each.when - now) / NSEC_PER_SEC);
     dispatch_async(each.queue, each.block);
   }
   return seconds;
