@@ -54,6 +54,12 @@ TEST_F(ActivityTest, OneFollowsTheOther) {
   activity_->end();
 }
 
+TEST_F(ActivityTest, HasAReasonThatCanBeRead) {
+  activity_->begin("one");
+  EXPECT_FALSE(activity_->begin("\xff"));
+  EXPECT_THAT(fake::activities(), ElementsAre(fake::BegunActivity{wanted, "one"}));
+}
+
 TEST_F(ActivityTest, EndsWithTheProgram) {
   activity_->begin("one");
   activity_.reset();

@@ -2,7 +2,9 @@
 #include "frameworks/EventMonitor.hpp"
 #include "platform/macos/SystemPressWatch.hpp"
 
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace orvel {
 namespace {
@@ -48,6 +50,13 @@ TEST_F(PressWatchTest, WhoIsToldMayEndIt) {
   fake::sendToMonitors(NSEventMaskLeftMouseDown);
   EXPECT_EQ(presses_, 100);
   EXPECT_EQ(fake::monitorCount(), 0U);
+}
+
+TEST_F(PressWatchTest, KeepsNothingOnceItHasEnded) {
+  const auto kept = std::make_shared<int>();
+  watch_->begin([kept] {});
+  watch_->end();
+  EXPECT_EQ(kept.use_count(), 1);
 }
 
 TEST_F(PressWatchTest, BeginsAnew) {
