@@ -1,8 +1,8 @@
 #include "platform/macos/SystemAccessibilityTree.hpp"
 
+#include "platform/macos/Answer.hpp"
 #include "platform/macos/CFText.hpp"
-#include "platform/macos/capture/Answer.hpp"
-#include "platform/macos/capture/Patience.hpp"
+#include "platform/macos/Patience.hpp"
 
 #import <Foundation/Foundation.h>
 #import <dispatch/dispatch.h>

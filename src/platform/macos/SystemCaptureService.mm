@@ -1,9 +1,9 @@
 #include "platform/macos/SystemCaptureService.hpp"
 
-#include "platform/macos/capture/Answer.hpp"
+#include "platform/macos/Answer.hpp"
+#include "platform/macos/Patience.hpp"
 #include "platform/macos/capture/DisplayContent.hpp"
 #include "platform/macos/capture/Failure.hpp"
-#include "platform/macos/capture/Patience.hpp"
 
 #import <ScreenCaptureKit/ScreenCaptureKit.h>
 

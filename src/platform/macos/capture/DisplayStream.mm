@@ -1,6 +1,6 @@
 #include "platform/macos/capture/DisplayStream.hpp"
 
-#include "platform/macos/capture/Answer.hpp"
+#include "platform/macos/Answer.hpp"
 #include "platform/macos/capture/Failure.hpp"
 #include "platform/macos/capture/FrameOffers.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/macos/capture/Patience.hpp"
+#include "platform/macos/Patience.hpp"
 
 #include <chrono>
 #include <memory>
