@@ -2,11 +2,13 @@
 
 #import <AppKit/AppKit.h>
 
+#include <bit>
+
 namespace orvel {
 namespace {
 
 NSWindow* windowOf(std::uintptr_t window) {
-  return ((__bridge NSView*)reinterpret_cast<void*>(window)).window;
+  return ((__bridge NSView*)std::bit_cast<void*>(window)).window;
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ bool SystemTrustCheck::openSettings() {
   @autoreleasepool {
     NSURL* pane =
         [NSURL URLWithString:@"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"];
-    return [NSWorkspace.sharedWorkspace openURL:pane];
+    return pane != nil && [NSWorkspace.sharedWorkspace openURL:pane];
   }
 }
 

@@ -4,8 +4,6 @@
 
 #import <AppKit/AppKit.h>
 
-#include <utility>
-
 namespace orvel {
 namespace {
 
@@ -31,14 +29,15 @@ void openInFront(NSURL* location) {
   [NSWorkspace.sharedWorkspace openApplicationAtURL:location configuration:configuration completionHandler:nil];
 }
 
-/// Takes the handler by value, for a block that captures a reference does not keep what that refers to.
-id<NSObject> observe(std::function<void()> handler) {
+id<NSObject> observe(const std::function<void()>& handler) {
+  // A block that captures a reference does not keep what that refers to.
+  const std::function<void()> kept = handler;
   return
       [NSWorkspace.sharedWorkspace.notificationCenter addObserverForName:NSWorkspaceDidActivateApplicationNotification
                                                                   object:nil
                                                                    queue:nil
                                                               usingBlock:^(NSNotification*) {
-                                                                handler();
+                                                                kept();
                                                               }];
 }
 
@@ -46,7 +45,7 @@ id<NSObject> observe(std::function<void()> handler) {
 
 /// Has the handler called as long as it lives.
 struct SystemWorkspace::Observation {
-  explicit Observation(std::function<void()> handler) : token(observe(std::move(handler))) {}
+  explicit Observation(const std::function<void()>& handler) : token(observe(handler)) {}
   ~Observation() {
     @autoreleasepool {
       [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:token];
@@ -64,7 +63,7 @@ SystemWorkspace::~SystemWorkspace() = default;
 
 void SystemWorkspace::observeActivation(std::function<void()> handler) {
   @autoreleasepool {
-    observation_ = std::make_unique<Observation>(std::move(handler));
+    observation_ = std::make_unique<Observation>(handler);
   }
 }
 

@@ -35,7 +35,7 @@ class FrameOffers final : public std::enable_shared_from_this<FrameOffers> {
   void resume();
 
   /// The stream has ended by itself. Returns at once.
-  void stop(std::string reason);
+  void stop(const std::string& reason);
 
   /// From its return on, no handler runs; it waits for one that does. Not for handlers. Returns whether the stream has
   /// not ended by itself before.
