@@ -128,12 +128,13 @@ TEST_F(WorkspaceTest, OpensInFront) {
 }
 
 TEST_F(WorkspaceTest, TellsWhenAnotherProgramComesToTheFront) {
-  int count = 0;
-  workspace_->observeActivation([&count] { ++count; });
-  EXPECT_EQ(count, 0);
+  const auto count = std::make_shared<int>(0);
+  // What it holds is on the heap, and gone when it is not kept.
+  workspace_->observeActivation([count] { ++*count; });
+  EXPECT_EQ(*count, 0);
   fake::bringAnotherToFront();
   fake::bringAnotherToFront();
-  EXPECT_EQ(count, 2);
+  EXPECT_EQ(*count, 2);
 }
 
 TEST_F(WorkspaceTest, TheObserverEndsWithTheWorkspace) {
