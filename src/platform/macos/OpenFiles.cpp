@@ -1,7 +1,5 @@
 #include "platform/macos/OpenFiles.hpp"
 
-#include <sys/resource.h>
-
 #include <algorithm>
 
 namespace orvel {
@@ -15,10 +13,12 @@ constexpr rlim_t most = 10240;
 void OpenFiles::allowMany() {
   rlimit limit{};
   if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
-  const rlim_t wanted = std::min(limit.rlim_max, most);
-  if (limit.rlim_cur >= wanted) return;
-  limit.rlim_cur = wanted;
+  limit.rlim_cur = enough(limit);
   setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+rlim_t OpenFiles::enough(const rlimit& limit) {
+  return std::max(limit.rlim_cur, std::min(limit.rlim_max, most));
 }
 
 }  // namespace orvel
