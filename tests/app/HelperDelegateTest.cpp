@@ -13,14 +13,34 @@
 namespace orvel {
 namespace {
 
+/// Does something of the test's first when a port is asked for.
+class WatchedNetwork final : public Network {
+ public:
+  explicit WatchedNetwork(FakeNetwork& network) : network_(network) {}
+
+  std::unique_ptr<Listener> makeListener(const ListenerOptions& options) override {
+    if (whenAsked) whenAsked();
+    return network_.makeListener(options);
+  }
+
+  std::function<void()> whenAsked;
+
+ private:
+  FakeNetwork& network_;
+};
+
 struct HelperDelegateTest : testing::Test, SessionWorld {
   FakeNetwork network{clock};
+  WatchedNetwork watchedNetwork{network};
   FakeExecutor mainThread{clock};
   RecordingAdvertiser advertiser;
   PermissionGate gate{desktop};
   SessionServices fresh = servicesUnder(gate);
-  std::shared_ptr<ServerHub> hub = ServerHub::make(
-      {.advertiser = advertiser, .clock = clock, .mainThread = mainThread, .network = network, .services = fresh});
+  std::shared_ptr<ServerHub> hub = ServerHub::make({.advertiser = advertiser,
+                                                    .clock = clock,
+                                                    .mainThread = mainThread,
+                                                    .network = watchedNetwork,
+                                                    .services = fresh});
   FakeForeground foreground;
   HelperDelegate delegate{
       {.foreground = foreground, .hub = hub, .mainThread = mainThread, .permission = gate, .workspace = computer}};
@@ -47,6 +67,19 @@ TEST_F(HelperDelegateTest, NothingIsDoneBeforeItsPlaceIsClear) {
   };
   delegate.applicationDidFinishLaunching();
   EXPECT_TRUE(gate.cachedTrust());
+}
+
+TEST_F(HelperDelegateTest, ThePermissionIsReadBeforeAPhoneCanConnect) {
+  bool wasTrusted = false;
+  watchedNetwork.whenAsked = [&] { wasTrusted = gate.cachedTrust(); };
+  delegate.applicationDidFinishLaunching();
+  EXPECT_TRUE(wasTrusted);
+}
+
+TEST_F(HelperDelegateTest, OtherProgramsAreWatchedOnlyOnceThePortIsAskedFor) {
+  watchedNetwork.whenAsked = [&] { EXPECT_FALSE(computer.activationHandler); };
+  delegate.applicationDidFinishLaunching();
+  EXPECT_TRUE(computer.activationHandler);
 }
 
 TEST_F(HelperDelegateTest, AProgramThatComesToTheFrontHasThePermissionReadAgain) {
