@@ -5,6 +5,12 @@
 
 namespace orvel::bench {
 
+/// How long or how often something is measured: `brief` where the build only shows that the benchmarks still measure.
+template <class Value>
+constexpr Value extent(Value whole, Value brief) {
+  return ORVEL_BRIEF_BENCH ? brief : whole;
+}
+
 /// What a benchmark found: whether it is within its limit, and that limit in words.
 struct Verdict {
   bool isWithinLimit = false;

@@ -34,7 +34,7 @@ namespace fs = std::filesystem;
 constexpr int entryCount = 2000;
 constexpr int iconCount = 40;
 constexpr double iconSize = 56;
-constexpr int rounds = 15;
+constexpr int rounds = extent(15, 2);
 constexpr double longestSnapshot = 0.150;
 constexpr double longestIcons = 0.200;
 

@@ -53,8 +53,10 @@ std::string hostToken(const VirtualDesktop& desktop) {
   const std::string said = runHost(desktop, "--pair");
   const std::size_t start = said.find(label);
   if (start == std::string::npos) throw std::runtime_error("the host tells no code");
-  std::string token = said.substr(start + label.size());
-  std::erase_if(token, [](char sign) { return sign == '-' || sign == ' ' || sign == '\n'; });
+  // A QR code may follow on the lines below.
+  const std::size_t begin = start + label.size();
+  std::string token = said.substr(begin, said.find('\n', begin) - begin);
+  std::erase_if(token, [](char sign) { return sign == '-' || sign == ' '; });
   return token;
 }
 

@@ -23,13 +23,13 @@
 namespace orvel::bench {
 namespace {
 
-constexpr int starts = 10;
+constexpr int starts = extent(10, 2);
 constexpr double longestStart = 0.1;
 
 constexpr std::size_t fewPhones = 100;
-constexpr std::size_t manyPhones = 1000;
+constexpr std::size_t manyPhones = extent(1000, 200);
 constexpr double mostMemoryPerPhone = 8.0;
-constexpr std::chrono::milliseconds settlingTime{3000};
+constexpr std::chrono::milliseconds settlingTime{extent(3000, 500)};
 constexpr rlim_t descriptorsNeeded = manyPhones + 100;
 
 bool measureStart(const VirtualDesktop& desktop) {

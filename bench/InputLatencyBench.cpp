@@ -26,7 +26,7 @@ namespace {
 using Microseconds = std::chrono::duration<double, std::micro>;
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr int inputsOfEachKind = 2500;
+constexpr int inputsOfEachKind = extent(2500, 200);
 constexpr Microseconds shortestPause{2000};
 constexpr Microseconds longestPause{4000};
 constexpr Microseconds limit{1000};

@@ -33,12 +33,12 @@ using Millis = std::chrono::duration<double, std::milli>;
 using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::array frameRates = {12, 30};
-constexpr int rounds = 3;
-constexpr Seconds roundTime{2.5};
-constexpr Seconds drawingTime{1.5};
+constexpr int rounds = extent(3, 1);
+constexpr Seconds roundTime{extent(2.5, 1.0)};
+constexpr Seconds drawingTime{extent(1.5, 0.5)};
 constexpr int warmingFrames = 10;
 constexpr int framesForSize = 12;
-constexpr Seconds stillTime{5};
+constexpr Seconds stillTime{extent(5, 1)};
 constexpr Seconds settlingTime{1};
 
 constexpr double largestRatio = 0.30;

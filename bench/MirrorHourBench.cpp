@@ -13,10 +13,10 @@
 namespace orvel::bench {
 namespace {
 
-constexpr int framesOfAnHour = 30 * 3600;
-constexpr int warmingFrames = 10'000;
-constexpr int framesOfSamples = 10'000;
-constexpr int framesBetweenSamples = 1'000;
+constexpr int framesOfAnHour = extent(30 * 3600, 3000);
+constexpr int warmingFrames = extent(10'000, 500);
+constexpr int framesOfSamples = extent(10'000, 500);
+constexpr int framesBetweenSamples = extent(1'000, 100);
 constexpr double mostGrowth = 512;  // KiB
 
 /// What the memory was while some frames were sent, in KiB. Frames on their way are in it, so it is never quite still.

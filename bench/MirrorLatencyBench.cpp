@@ -24,7 +24,7 @@ namespace {
 using Millis = std::chrono::duration<double, std::milli>;
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr int changes = 300;
+constexpr int changes = extent(300, 20);
 constexpr Millis shortestPause{70};
 constexpr Millis longestPause{150};
 constexpr double goldenRatio = 0.6180339887498949;

@@ -25,9 +25,9 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr int fewOpenings = 10;
-constexpr int manyOpenings = 200;
-constexpr int openingsBetweenLooks = 50;
+constexpr int fewOpenings = extent(10, 2);
+constexpr int manyOpenings = extent(200, 4);
+constexpr int openingsBetweenLooks = extent(50, 2);
 constexpr double mostMemory = 40;
 constexpr std::int64_t mostGrowth = 512;
 constexpr int timersOfOpenPanel = 2;

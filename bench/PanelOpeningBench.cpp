@@ -19,7 +19,7 @@
 namespace orvel::bench {
 namespace {
 
-constexpr int rounds = 10;
+constexpr int rounds = extent(10, 2);
 constexpr double longestStart = 0.25;
 constexpr double longestOpening = 0.1;
 

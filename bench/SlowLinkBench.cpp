@@ -27,8 +27,8 @@ using std::chrono::steady_clock;
 constexpr std::uint16_t plainPort = 8788;
 constexpr phone::MirrorWish wish{.width = 900, .fps = 30, .quality = 0.45};
 constexpr phone::Seconds limit{10};
-constexpr std::chrono::seconds warmUp{4};
-constexpr std::chrono::seconds measured{12};
+constexpr std::chrono::seconds warmUp{extent(4, 2)};
+constexpr std::chrono::seconds measured{extent(12, 3)};
 constexpr std::chrono::milliseconds betweenQuestions{230};
 
 // 5 Mbit a second, and 20 ms each way: a good while of a poor wireless network.
@@ -110,6 +110,7 @@ Record watch(phone::PhoneClient& client) {
       bytes += static_cast<double>(frame.jpeg().size());
     }
   }
+  if (record.ages.count() < 2) throw std::runtime_error("no pictures were to be had");
   const auto frames = static_cast<double>(record.ages.count() - 1);
   record.bytesPerFrame = bytes / frames;
   record.framesPerSecond = frames / std::chrono::duration<double>(last - first).count();

@@ -26,7 +26,7 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::size_t pageLength = 2000;
-constexpr int pages = 10;
+constexpr int pages = extent(10, 2);
 constexpr phone::Seconds phonePatience{10};
 constexpr Milliseconds limit{1000};
 constexpr std::uint8_t letterA = 38;

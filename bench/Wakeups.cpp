@@ -1,5 +1,6 @@
 #include "bench/Wakeups.hpp"
 
+#include "bench/Bench.hpp"
 #include "bench/ProcessRecord.hpp"
 
 #include <chrono>
@@ -14,9 +15,9 @@ namespace {
 using std::chrono::milliseconds;
 
 /// Longer than the ten seconds after which the host would have given up the connection that has shown it to be there.
-constexpr milliseconds calmingTime{11000};
+constexpr milliseconds calmingTime{extent(11000, 500)};
 constexpr milliseconds slice{100};
-constexpr int slices = 150;
+constexpr int slices = extent(150, 10);
 constexpr int permissionTicks = 10;
 
 std::int64_t sleepsIn(const std::map<pid_t, ThreadRecord>& threads) {
