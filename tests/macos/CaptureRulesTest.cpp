@@ -94,6 +94,13 @@ TEST_F(CaptureRulesTest, TheFirstDisplayIsScaledToTheWidth) {
   EXPECT_EQ(wish().height, 400u);
 }
 
+TEST_F(CaptureRulesTest, TheMainDisplayIsCapturedAlthoughItIsTheSecond) {
+  fake::displayList().main = 2;
+  start(5000);
+  EXPECT_EQ(size(), (Size{640, 480}));
+  EXPECT_EQ(wish().display, 1u);
+}
+
 TEST_F(CaptureRulesTest, FramesAreNeverTooSmall) {
   start(1);
   EXPECT_EQ(size(), (Size{320, 240}));

@@ -43,10 +43,27 @@ class CaptureServiceTest : public CaptureTest {
   SystemCaptureService service_;
 };
 
-TEST_F(CaptureServiceTest, DisplaysAreThoseOfTheSystemInItsOrder) {
-  fake::screenCapture().displays = {{1440, 900}, {2560, 1440}};
-  EXPECT_THAT(content()->displays(), ElementsAre(Size{1440, 900}, Size{2560, 1440}));
+TEST_F(CaptureServiceTest, DisplaysAreThoseOfTheSystemWithTheMainOneFirst) {
+  fake::displayList().main = 7;
+  fake::screenCapture().displays = {{2560, 1440, 9}, {800, 600, 3}, {1440, 900, 7}};
+  EXPECT_THAT(content()->displays(), ElementsAre(Size{1440, 900}, Size{2560, 1440}, Size{800, 600}));
   EXPECT_THAT(fake::screenCapture().calls, ElementsAre("content on screen"));
+}
+
+TEST_F(CaptureServiceTest, TheDisplayThatIsCapturedIsTheOneOfItsNumber) {
+  fake::displayList().main = 7;
+  fake::screenCapture().displays = {{2560, 1440, 9}, {1440, 900, 7}};
+  { const auto stream = start(0); }
+  { const auto stream = start(1); }
+  ASSERT_EQ(fake::screenCapture().wishes.size(), 2u);
+  EXPECT_EQ(fake::screenCapture().wishes[0].display, 1u);
+  EXPECT_EQ(fake::screenCapture().wishes[1].display, 0u);
+}
+
+TEST_F(CaptureServiceTest, AMainDisplayThatCannotBeCapturedLeavesTheirOrder) {
+  fake::displayList().main = 8;
+  fake::screenCapture().displays = {{2560, 1440, 9}, {1440, 900, 7}};
+  EXPECT_THAT(content()->displays(), ElementsAre(Size{2560, 1440}, Size{1440, 900}));
 }
 
 TEST_F(CaptureServiceTest, ThereMayBeNoDisplay) {

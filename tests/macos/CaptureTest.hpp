@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MacTest.hpp"
+#include "frameworks/DisplayList.hpp"
 #include "frameworks/ImageCoding.hpp"
 #include "frameworks/ScreenCapture.hpp"
 #include "runtime/Dispatch.hpp"
@@ -14,6 +15,7 @@ class CaptureTest : public MacTest {
     MacTest::SetUp();
     fake::screenCapture() = {};
     fake::imageCoding() = {};
+    fake::displayList() = {};
   }
 
   void TearDown() override {

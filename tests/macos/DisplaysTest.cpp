@@ -33,6 +33,22 @@ TEST_F(DisplaysTest, AreTheActiveOnesWithTheMainDisplayAmongThem) {
   EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds, externalBounds));
 }
 
+TEST_F(DisplaysTest, TheMainDisplayComesFirstWhateverTheOrderOfTheSystem) {
+  fake::displayList().active = {external, builtIn};
+  fake::displayList().main = builtIn.id;
+  const SystemDisplays displays;
+  EXPECT_EQ(displays.layout()->main, builtInBounds);
+  EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds, externalBounds));
+}
+
+TEST_F(DisplaysTest, TheOthersKeepTheirOrder) {
+  constexpr fake::Display projector{.id = 3, .bounds = {{1440, 0}, {800, 600}}};
+  fake::displayList().active = {external, projector, builtIn};
+  fake::displayList().main = builtIn.id;
+  const SystemDisplays displays;
+  EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds, externalBounds, Rect{{1440, 0}, {800, 600}}));
+}
+
 TEST_F(DisplaysTest, TheSystemIsNotAskedForEachEvent) {
   const SystemDisplays displays;
   const int questions = fake::displayList().questions;

@@ -103,6 +103,13 @@ TEST_F(EventPosterTest, AKeyHasItsOwnModifiersOnly) {
   EXPECT_EQ(posted_[1].flags, 0u);
 }
 
+TEST_F(EventPosterTest, EveryModifierOfAKeyArrives) {
+  for (const std::uint64_t flag : {0x20000, 0x40000, 0x80000, 0x100000, 0x800000}) {
+    ASSERT_TRUE(poster_.post(KeyEvent{.keyCode = 8, .down = true, .flags = flag}));
+    EXPECT_EQ(posted_.back().flags, flag);
+  }
+}
+
 TEST_F(EventPosterTest, ASystemDefinedEventIsOneOfNoPlaceAndNoTime) {
   const SystemDefinedEvent event{.flags = 0xa00, .subtype = 8, .data1 = 0x100b00, .data2 = -1};
   ASSERT_TRUE(poster_.post(event));

@@ -101,6 +101,13 @@ TEST_F(InputRulesTest, AKeyHasTheModifiersOfItsFrame) {
                                    AllOf(isOfType(11), Field(&QuartzEvent::flags, 0))));
 }
 
+TEST_F(InputRulesTest, EachBitOfAFrameIsAModifierOfItsOwn) {
+  for (const std::uint8_t bit : {0x01, 0x02, 0x04, 0x08, 0x10}) send({4, 8, 0, 1, bit});
+  const auto hasFlags = [](std::uint64_t flags) { return Field(&QuartzEvent::flags, flags); };
+  EXPECT_THAT(posted_, ElementsAre(hasFlags(0x100000), hasFlags(0x20000), hasFlags(0x80000), hasFlags(0x40000),
+                                   hasFlags(0x800000)));
+}
+
 TEST_F(InputRulesTest, AMediaKeyGoesDownAndUp) {
   send({6, 16});
   const auto isSpecial = AllOf(isOfType(14), isAt(0, 0), Field(&QuartzEvent::flags, 0xa00),
@@ -131,6 +138,13 @@ TEST_F(InputRulesTest, MotionStopsAtTheEdgeOfAllDisplays) {
 TEST_F(InputRulesTest, AbsoluteMotionEndsOnTheEdgeOfTheMainDisplay) {
   send({9, 0xff, 0xff, 0xff, 0xff});
   EXPECT_THAT(posted_, ElementsAre(AllOf(isOfType(5), isAt(1440, 900), hasDeltas(0, 0))));
+}
+
+TEST_F(InputRulesTest, AbsoluteMotionMeansTheMainDisplayAlthoughItIsTheSecond) {
+  auto& list = fake::displayList();
+  list.become({{.id = 2, .bounds = {{1440, 0}, {800, 600}}}, {.id = 1, .bounds = {{0, 0}, {1440, 900}}}}, 1);
+  send({9, 0xff, 0xff, 0xff, 0xff});
+  EXPECT_THAT(posted_, ElementsAre(isAt(1440, 900)));
 }
 
 TEST_F(InputRulesTest, AHeldLeftButtonDrags) {

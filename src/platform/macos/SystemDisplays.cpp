@@ -2,6 +2,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -14,13 +15,15 @@ Rect boundsOf(CGDirectDisplayID display) {
   return {{bounds.origin.x, bounds.origin.y}, {bounds.size.width, bounds.size.height}};
 }
 
-std::vector<CGDirectDisplayID> activeDisplays() {
+/// The first is `main`, the others are in the order of the system.
+std::vector<CGDirectDisplayID> activeDisplays(CGDirectDisplayID main) {
   std::uint32_t count = 0;
   if (CGGetActiveDisplayList(0, nullptr, &count) != kCGErrorSuccess) return {};
   std::vector<CGDirectDisplayID> displays(count);
   if (CGGetActiveDisplayList(count, displays.data(), &count) != kCGErrorSuccess) return {};
   // One of them may have gone in between.
   displays.resize(count);
+  std::stable_partition(displays.begin(), displays.end(), [main](CGDirectDisplayID each) { return each == main; });
   return displays;
 }
 
@@ -47,8 +50,9 @@ std::shared_ptr<const DisplayLayout> SystemDisplays::layout() const {
 }
 
 void SystemDisplays::refresh() {
-  DisplayLayout layout{.main = boundsOf(CGMainDisplayID()), .screens = {}};
-  for (const CGDirectDisplayID display : activeDisplays()) layout.screens.push_back(boundsOf(display));
+  const CGDirectDisplayID main = CGMainDisplayID();
+  DisplayLayout layout{.main = boundsOf(main), .screens = {}};
+  for (const CGDirectDisplayID display : activeDisplays(main)) layout.screens.push_back(boundsOf(display));
   auto now = std::make_shared<const DisplayLayout>(std::move(layout));
   layout_.withLock([&](auto& known) { known = std::move(now); });
 }

@@ -21,10 +21,11 @@ DisplayList& displayList() {
   return list;
 }
 
-void DisplayList::become(std::vector<Display> displays) {
+void DisplayList::become(std::vector<Display> displays, std::optional<CGDirectDisplayID> newMain) {
   const auto before = active;
   tell(before, kCGDisplayBeginConfigurationFlag);
   active = std::move(displays);
+  main = newMain;
   tell(before, kCGDisplayRemoveFlag);
   tell(active, kCGDisplayAddFlag | kCGDisplayMovedFlag);
 }
@@ -34,8 +35,9 @@ void DisplayList::become(std::vector<Display> displays) {
 extern "C" {
 
 CGDirectDisplayID CGMainDisplayID() {
-  const auto& active = fake::displayList().active;
-  return active.empty() ? 0 : active.front().id;
+  const auto& list = fake::displayList();
+  if (list.main) return *list.main;
+  return list.active.empty() ? 0 : list.active.front().id;
 }
 
 CGRect CGDisplayBounds(CGDirectDisplayID id) {

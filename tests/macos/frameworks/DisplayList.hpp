@@ -3,6 +3,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -17,14 +18,15 @@ struct Display {
 struct DisplayList {
   using Watcher = std::pair<CGDisplayReconfigurationCallBack, void*>;
 
-  std::vector<Display> active;  ///< The first one is the main display.
+  std::vector<Display> active;            ///< In any order.
+  std::optional<CGDirectDisplayID> main;  ///< Otherwise the first one.
   bool isUnreadable = false;
   std::function<void()> whenCounted;  ///< What happens after somebody was told how many there are.
   int questions = 0;                  ///< How often somebody asked for the list or for bounds.
   std::vector<Watcher> watchers;
 
   /// Another set of displays: told before and after, once for each display.
-  void become(std::vector<Display> displays);
+  void become(std::vector<Display> displays, std::optional<CGDirectDisplayID> newMain = std::nullopt);
 };
 
 /// Tests set it anew.

@@ -54,9 +54,10 @@ struct ScreenCapture {
   struct Display {
     long width;
     long height;
+    std::uint32_t id = 0;
   };
 
-  std::vector<Display> displays = {{1000, 800}, {640, 480}};
+  std::vector<Display> displays = {{1000, 800, 1}, {640, 480, 2}};  ///< In any order.
   CaptureReply content;
   CaptureReply start;
   CaptureReply stop;

@@ -70,6 +70,9 @@ SCStreamFrameInfo const SCStreamFrameInfoStatus = @"SCStreamUpdateFrameStatus";
 @end
 
 @implementation SCDisplay
+- (CGDirectDisplayID)displayID {
+  return 0;
+}
 - (NSInteger)width {
   return 0;
 }
@@ -79,6 +82,9 @@ SCStreamFrameInfo const SCStreamFrameInfoStatus = @"SCStreamUpdateFrameStatus";
 @end
 
 @implementation FakeDisplay
+- (CGDirectDisplayID)displayID {
+  return facts_.id;
+}
 - (NSInteger)width {
   return facts_.width;
 }

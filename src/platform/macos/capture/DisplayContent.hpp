@@ -11,7 +11,7 @@ namespace orvel {
 
 class Patience;
 
-/// The displays that the system has at one moment. Threads: one at a time.
+/// The displays that the system has at one moment, the main one first. Threads: one at a time.
 class DisplayContent final : public ShareableContent {
  public:
   DisplayContent(SCShareableContent* content, std::shared_ptr<Patience> patience);

@@ -3,6 +3,8 @@
 #include "platform/macos/capture/DisplayStream.hpp"
 #include "platform/macos/capture/FrameOffers.hpp"
 
+#include <CoreGraphics/CoreGraphics.h>
+
 #include <utility>
 
 namespace orvel {
@@ -24,10 +26,23 @@ SCStreamConfiguration* described(const CaptureConfiguration& wanted) {
   return configuration;
 }
 
+/// The system promises no order, and the first display is the one that is captured.
+NSArray<SCDisplay*>* mainDisplayFirst(NSArray<SCDisplay*>* displays) {
+  const CGDirectDisplayID main = CGMainDisplayID();
+  NSMutableArray<SCDisplay*>* ordered = [NSMutableArray arrayWithCapacity:displays.count];
+  for (SCDisplay* each in displays) {
+    if (each.displayID == main) [ordered addObject:each];
+  }
+  for (SCDisplay* each in displays) {
+    if (each.displayID != main) [ordered addObject:each];
+  }
+  return ordered;
+}
+
 }  // namespace
 
 DisplayContent::DisplayContent(SCShareableContent* content, std::shared_ptr<Patience> patience)
-    : displays_(content.displays), patience_(std::move(patience)) {}
+    : displays_(mainDisplayFirst(content.displays)), patience_(std::move(patience)) {}
 
 std::vector<Size> DisplayContent::displays() const {
   @autoreleasepool {

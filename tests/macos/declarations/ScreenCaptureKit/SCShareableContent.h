@@ -6,6 +6,7 @@
 
 MAC_SINCE(12.3)
 @interface SCDisplay : NSObject
+@property(readonly) CGDirectDisplayID displayID;
 @property(readonly) NSInteger width;
 @property(readonly) NSInteger height;
 + (instancetype)new __attribute__((unavailable));
