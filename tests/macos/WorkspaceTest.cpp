@@ -2,6 +2,7 @@
 #include "MacTest.hpp"
 #include "frameworks/Workspace.hpp"
 #include "platform/macos/SystemWorkspace.hpp"
+#include "runtime/Dispatch.hpp"
 
 #include <gmock/gmock.h>
 
@@ -86,6 +87,48 @@ TEST_F(WorkspaceTest, WhatMayNotBeActivatedIsOpenedWithoutASecondInstance) {
   const RunningApplication application = running(program);
   onBareThread([&] { workspace_->activate(application); });
   EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1", "open /Applications/Editor.app in front"));
+}
+
+TEST_F(WorkspaceTest, WhatStaysBehindAlthoughTheSystemSaidYesIsOpenedWithoutASecondInstance) {
+  fake::Program program = editor;
+  program.ignoresActivation = true;
+  const RunningApplication application = running(program);
+  onBareThread([&] { workspace_->activate(application); });
+  EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1", "open /Applications/Editor.app in front"));
+  EXPECT_THAT(dispatch::timeouts(), ElementsAre(1));
+  EXPECT_EQ(fake::workspaceObservers(), 0u);
+}
+
+TEST_F(WorkspaceTest, WhatComesToTheFrontLateIsNotOpened) {
+  fake::Program program = editor;
+  program.comesLate = true;
+  const RunningApplication application = running(program);
+  dispatch::meanwhile([] { fake::comeToFront(98765); });
+  onBareThread([&] { workspace_->activate(application); });
+  EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1"));
+  EXPECT_THAT(dispatch::timeouts(), IsEmpty());
+  EXPECT_EQ(fake::workspaceObservers(), 0u);
+}
+
+TEST_F(WorkspaceTest, AnotherProgramThatComesToTheFrontMeanwhileDoesNotCount) {
+  fake::Program program = editor;
+  program.ignoresActivation = true;
+  const RunningApplication application = running(program);
+  fake::workspace().programs.push_back({.process = 5, .identifier = "org.example.other"});
+  dispatch::meanwhile([] { fake::comeToFront(5); });
+  onBareThread([&] { workspace_->activate(application); });
+  EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1", "open /Applications/Editor.app in front"));
+  dispatch::timeouts();
+}
+
+TEST_F(WorkspaceTest, WhatIsInFrontAlreadyIsNotWaitedFor) {
+  fake::Program program = editor;
+  program.ignoresActivation = true;
+  const RunningApplication application = running(program);
+  fake::workspace().front = 98765;
+  onBareThread([&] { workspace_->activate(application); });
+  EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1"));
+  EXPECT_THAT(dispatch::timeouts(), IsEmpty());
 }
 
 TEST_F(WorkspaceTest, ARefusedProgramWithoutABundleStaysWhereItIs) {

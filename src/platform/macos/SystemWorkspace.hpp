@@ -11,6 +11,7 @@ namespace orvel {
 /// changes while the main thread's loop turns.
 ///
 /// Threads: any, but for `observeActivation` and the end, which are the main thread's; the observer is called there.
+/// `activate` waits up to a second for the main thread to see the program in front, so it is not for that thread.
 class SystemWorkspace final : public Workspace {
  public:
   SystemWorkspace();

@@ -3,9 +3,15 @@
 #include "platform/macos/FoundationText.hpp"
 
 #import <AppKit/AppKit.h>
+#import <dispatch/dispatch.h>
+
+#include <cstdint>
 
 namespace orvel {
 namespace {
+
+/// Longer than a program takes to come to the front that the system lets.
+constexpr std::int64_t activationTimeout = NSEC_PER_SEC;
 
 RunningApplication describe(NSRunningApplication* program) {
   return {.instance = static_cast<std::uint64_t>(program.processIdentifier),
@@ -21,6 +27,32 @@ NSRunningApplication* find(const RunningApplication& application) {
   NSRunningApplication* program = [NSRunningApplication runningApplicationWithProcessIdentifier:process];
   const bool isSame = FoundationText::fromSystem(program.bundleIdentifier) == application.identifier;
   return isSame && !program.terminated ? program : nil;
+}
+
+/// Signals each time that the program with that number comes to the front.
+id<NSObject> observeFront(pid_t process, dispatch_semaphore_t arrived) {
+  NSNotificationCenter* center = NSWorkspace.sharedWorkspace.notificationCenter;
+  return [center addObserverForName:NSWorkspaceDidActivateApplicationNotification
+                             object:nil
+                              queue:nil
+                         usingBlock:^(NSNotification* notification) {
+                           NSRunningApplication* program = notification.userInfo[NSWorkspaceApplicationKey];
+                           if (program.processIdentifier == process) dispatch_semaphore_signal(arrived);
+                         }];
+}
+
+/// Whether the program is in front when this returns. The system may agree to activate it and do nothing, as it does
+/// for a program of the background that asks for it.
+bool bringToFront(NSRunningApplication* program) {
+  dispatch_semaphore_t arrived = dispatch_semaphore_create(0);
+  // First, so that it does not come in between.
+  const id<NSObject> observer = observeFront(program.processIdentifier, arrived);
+  const bool isAgreed = [program activateWithOptions:NSApplicationActivateAllWindows] != NO;
+  const bool isInFront =
+      isAgreed &&
+      (program.active || dispatch_semaphore_wait(arrived, dispatch_time(DISPATCH_TIME_NOW, activationTimeout)) == 0);
+  [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:observer];
+  return isInFront;
 }
 
 void openInFront(NSURL* location) {
@@ -92,8 +124,8 @@ std::optional<std::vector<std::uint8_t>> SystemWorkspace::icon(const std::string
 void SystemWorkspace::activate(const RunningApplication& application) {
   @autoreleasepool {
     NSRunningApplication* program = find(application);
-    if (program == nil || [program activateWithOptions:NSApplicationActivateAllWindows]) return;
-    // A program of the background may be refused that. To open what runs already is to bring it to the front.
+    if (program == nil || bringToFront(program)) return;
+    // To open what runs already is to bring it to the front, which a program of the background may always ask for.
     NSURL* location = program.bundleURL;
     if (location != nil) openInFront(location);
   }

@@ -9,6 +9,7 @@
 
 const NSNotificationName NSWorkspaceDidActivateApplicationNotification =
     @"NSWorkspaceDidActivateApplicationNotification";
+NSString* const NSWorkspaceApplicationKey = @"NSWorkspaceApplicationKey";
 
 namespace {
 
@@ -42,6 +43,9 @@ void note(const std::string& call) {
 - (BOOL)isTerminated {
   return program_.hasEnded;
 }
+- (BOOL)isActive {
+  return fake::workspace().front == program_.process;
+}
 - (NSApplicationActivationPolicy)activationPolicy {
   return static_cast<NSApplicationActivationPolicy>(program_.policy);
 }
@@ -59,7 +63,9 @@ void note(const std::string& call) {
 }
 - (BOOL)activateWithOptions:(NSApplicationActivationOptions)options {
   note("activate " + std::to_string(program_.process) + " with " + std::to_string(options));
-  return !program_.refusesActivation;
+  if (program_.refusesActivation) return NO;
+  if (!program_.ignoresActivation && !program_.comesLate) fake::workspace().front = program_.process;
+  return YES;
 }
 - (BOOL)activateFromApplication:(NSRunningApplication*)application options:(NSApplicationActivationOptions)options {
   return [self activateWithOptions:options];
@@ -130,6 +136,13 @@ Workspace& workspace() {
 void bringAnotherToFront() {
   objectivec::notify(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidActivateApplicationNotification,
                      @{});
+}
+
+void comeToFront(int process) {
+  workspace().front = process;
+  NSRunningApplication* program = [NSRunningApplication runningApplicationWithProcessIdentifier:process];
+  objectivec::notify(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidActivateApplicationNotification,
+                     @{NSWorkspaceApplicationKey : program});
 }
 
 std::size_t workspaceObservers() {

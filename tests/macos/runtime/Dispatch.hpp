@@ -2,6 +2,7 @@
 
 #import <dispatch/dispatch.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,13 @@ void spend(double seconds);
 
 /// Has all that waits for its time fall due, as soon as it may, and returns how long it would have waited, in seconds.
 std::vector<double> letTimePass();
+
+/// What happens while somebody waits for a semaphore, once. It is called in place of the waiting, which ends when it
+/// returns: with the signal that it gave, or else with the time that was to be waited.
+void meanwhile(std::function<void()> event);
+
+/// How long semaphores were waited for in vain since the last question, in seconds.
+std::vector<double> timeouts();
 
 /// What the queue was made with.
 std::string label(dispatch_queue_t queue);

@@ -8,6 +8,7 @@
 #include <deque>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 @interface QueueAttributes : NSObject <OS_dispatch_queue_attr> {
  @public
@@ -82,6 +83,14 @@ struct Lane {
 }
 @end
 
+@interface Semaphore : NSObject <OS_dispatch_semaphore> {
+ @public
+  std::atomic<intptr_t> signals_;
+}
+@end
+@implementation Semaphore
+@end
+
 namespace {
 
 /// A block that waits for its time. That stands still until a test lets it pass.
@@ -102,6 +111,17 @@ struct Delays {
 Delays& delays() {
   static auto* const delays = new Delays;
   return *delays;
+}
+
+/// What semaphores were waited for by the one thread that does at a time.
+struct Waits {
+  std::function<void()> meanwhile;
+  std::vector<double> timeouts;
+};
+
+Waits& waits() {
+  static Waits waits;
+  return waits;
 }
 
 Queue* makeQueue(const char* label) {
@@ -173,6 +193,30 @@ void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block
   delays().waiting.push_back({when, queue, block});
 }
 
+dispatch_semaphore_t dispatch_semaphore_create(intptr_t value) {
+  Semaphore* semaphore = [[Semaphore alloc] init];
+  semaphore->signals_ = value;
+  return semaphore;
+}
+
+intptr_t dispatch_semaphore_signal(dispatch_semaphore_t semaphore) {
+  return static_cast<Semaphore*>(semaphore)->signals_++ < 0 ? 1 : 0;
+}
+
+intptr_t dispatch_semaphore_wait(dispatch_semaphore_t waited, dispatch_time_t timeout) {
+  Semaphore* semaphore = static_cast<Semaphore*>(waited);
+  if (semaphore->signals_ == 0) {
+    if (const auto event = std::exchange(waits().meanwhile, {})) event();
+  }
+  if (semaphore->signals_ > 0) {
+    --semaphore->signals_;
+    return 0;
+  }
+  waits().timeouts.push_back(static_cast<double>(timeout - now) / NSEC_PER_SEC);
+  now = timeout;
+  return 49;
+}
+
 }  // extern "C"
 
 @implementation NSThread
@@ -200,6 +244,14 @@ std::vector<double> letTimePass() {
     dispatch_async(each.queue, each.block);
   }
   return seconds;
+}
+
+void meanwhile(std::function<void()> event) {
+  waits().meanwhile = std::move(event);
+}
+
+std::vector<double> timeouts() {
+  return std::exchange(waits().timeouts, {});
 }
 
 int turnMainQueue() {

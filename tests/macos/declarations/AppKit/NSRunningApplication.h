@@ -19,6 +19,7 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 MAC_SINCE(10.6)
 @interface NSRunningApplication : NSObject
 @property(readonly, getter=isTerminated) BOOL terminated;
+@property(readonly, getter=isActive) BOOL active;
 @property(readonly) NSApplicationActivationPolicy activationPolicy;
 @property(nullable, readonly, copy) NSString* localizedName;
 @property(nullable, readonly, copy) NSString* bundleIdentifier;

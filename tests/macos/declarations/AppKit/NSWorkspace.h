@@ -24,5 +24,7 @@ MAC_SINCE(10.15)
 @end
 
 MAC_EXTERN const NSNotificationName NSWorkspaceDidActivateApplicationNotification MAC_SINCE(10.6);
+/// Where the notification has its NSRunningApplication.
+MAC_EXTERN NSString* const NSWorkspaceApplicationKey MAC_SINCE(10.6);
 
 #pragma clang assume_nonnull end

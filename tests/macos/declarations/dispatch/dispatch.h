@@ -15,6 +15,9 @@ typedef NSObject<OS_dispatch_queue>* dispatch_queue_t;
 @protocol OS_dispatch_queue_attr <NSObject>
 @end
 typedef NSObject<OS_dispatch_queue_attr>* dispatch_queue_attr_t;
+@protocol OS_dispatch_semaphore <NSObject>
+@end
+typedef NSObject<OS_dispatch_semaphore>* dispatch_semaphore_t;
 typedef void (^dispatch_block_t)(void);
 typedef uint64_t dispatch_time_t;
 typedef unsigned int dispatch_qos_class_t;
@@ -35,5 +38,10 @@ MAC_EXTERN void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) M
 MAC_EXTERN void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block) MAC_SINCE(10.6);
 MAC_EXTERN dispatch_time_t dispatch_time(dispatch_time_t when, int64_t nanoseconds) MAC_SINCE(10.6);
 MAC_EXTERN void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) MAC_SINCE(10.6);
+MAC_EXTERN dispatch_semaphore_t dispatch_semaphore_create(intptr_t value) __attribute__((ns_returns_retained))
+MAC_SINCE(10.6);
+MAC_EXTERN intptr_t dispatch_semaphore_signal(dispatch_semaphore_t semaphore) MAC_SINCE(10.6);
+/// Zero when it was signalled, another number when the time is over.
+MAC_EXTERN intptr_t dispatch_semaphore_wait(dispatch_semaphore_t semaphore, dispatch_time_t timeout) MAC_SINCE(10.6);
 
 #pragma clang assume_nonnull end
