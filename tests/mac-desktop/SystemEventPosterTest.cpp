@@ -1,3 +1,4 @@
+#include "base/SystemClock.hpp"
 #include "platform/macos/SystemDisplays.hpp"
 #include "platform/macos/SystemEventPoster.hpp"
 #include "platform/macos/SystemTrustCheck.hpp"
@@ -18,7 +19,8 @@ bool isNear(const std::optional<Point>& place, Point wanted) {
 TEST(SystemEventPoster, MovesThePointer) {
   if (!SystemTrustCheck().isTrusted()) GTEST_SKIP() << "needs the permission Accessibility";
   const Point wanted = SystemDisplays().layout()->main.centre();
-  SystemEventPoster poster;
+  const SystemClock clock;
+  SystemEventPoster poster(clock);
   ASSERT_TRUE(poster.post(MouseEvent{.position = wanted}));
   poster.flush();
   for (int tries = 0; tries < 100 && !isNear(poster.pointerLocation(), wanted); ++tries) {

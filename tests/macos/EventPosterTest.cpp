@@ -1,4 +1,6 @@
 #include "MacTest.hpp"
+#include "fakes/FakeClock.hpp"
+#include "frameworks/PowerManagement.hpp"
 #include "frameworks/Quartz.hpp"
 #include "platform/macos/SystemEventPoster.hpp"
 
@@ -22,6 +24,7 @@ class EventPosterTest : public MacTest {
   void SetUp() override {
     MacTest::SetUp();
     fake::quartz() = {};
+    fake::powerManagement() = {};
   }
 
   /// One of each kind but text.
@@ -37,8 +40,13 @@ class EventPosterTest : public MacTest {
     return pressed && released;
   }
 
+  void moveTo(double x, double y) { ASSERT_TRUE(poster_.post(MouseEvent{.position = {x, y}})); }
+
+  std::size_t declarations() const { return fake::powerManagement().activities.size(); }
+
   std::vector<QuartzEvent>& posted_ = fake::quartz().posted;
-  SystemEventPoster poster_;
+  FakeClock clock_;
+  SystemEventPoster poster_{clock_};
 };
 
 QuartzEvent stroke(std::u16string text, bool down) {
@@ -158,6 +166,103 @@ TEST_F(EventPosterTest, ThePointerIsWhereABlankEventIs) {
 TEST_F(EventPosterTest, WithoutABlankEventThePointerIsNowhere) {
   fake::quartz().creationsLeft = 0;
   EXPECT_EQ(poster_.pointerLocation(), std::nullopt);
+}
+
+TEST_F(EventPosterTest, ThePointerIsWhereItWasPutAlthoughTheSystemIsBehind) {
+  fake::quartz().pointer = {100, 100};
+  fake::quartz().isSlow = true;
+  moveTo(200, 100);
+  moveTo(300, 150);
+  moveTo(310, 160);
+  for (int arrived = 0; arrived <= 3; ++arrived) {
+    EXPECT_EQ(poster_.pointerLocation(), (Point{310, 160})) << arrived;
+    fake::letPointerArrive(1);
+  }
+}
+
+TEST_F(EventPosterTest, ASlowPointerThatSomebodyElseMovesIsWhereTheyMovedIt) {
+  fake::quartz().pointer = {100, 100};
+  fake::quartz().isSlow = true;
+  moveTo(200, 100);
+  fake::quartz().pointer = {40, 60};
+  EXPECT_EQ(poster_.pointerLocation(), (Point{40, 60}));
+  fake::quartz().pointer = {100, 100};
+  EXPECT_EQ(poster_.pointerLocation(), (Point{100, 100})) << "back where it was before, by hand";
+}
+
+TEST_F(EventPosterTest, APointerThatNeverArrivesIsWhereTheSystemSays) {
+  fake::quartz().pointer = {100, 100};
+  fake::quartz().isSlow = true;
+  moveTo(200, 100);
+  clock_.advance(Seconds(0.19));
+  EXPECT_EQ(poster_.pointerLocation(), (Point{200, 100}));
+  clock_.advance(Seconds(0.02));
+  EXPECT_EQ(poster_.pointerLocation(), (Point{100, 100}));
+}
+
+TEST_F(EventPosterTest, APointerThatIsKeptOnTheDisplayIsWhereTheSystemSays) {
+  fake::quartz().isSlow = true;
+  moveTo(1440, 900);
+  fake::quartz().pointer = {1439.75, 899.75};
+  EXPECT_EQ(poster_.pointerLocation(), (Point{1439.75, 899.75}));
+}
+
+TEST_F(EventPosterTest, AThousandPlacesWithoutAQuestionStillEndAtTheLast) {
+  fake::quartz().isSlow = true;
+  for (int x = 1; x <= 1000; ++x) moveTo(10 * x, 0);
+  fake::letPointerArrive(990);
+  EXPECT_EQ(poster_.pointerLocation(), (Point{10'000, 0}));
+}
+
+TEST_F(EventPosterTest, ADisplayThatSleepsWakesForInputOfEveryKind) {
+  for (std::size_t kind = 0; kind < 6; ++kind) {
+    fake::powerManagement().displaySleeps = true;
+    clock_.advance(Seconds(5));
+    if (kind == 0) poster_.post(MouseEvent{});
+    if (kind == 1) poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = {}, .clickState = 1});
+    if (kind == 2) poster_.post(ScrollEvent{});
+    if (kind == 3) poster_.post(KeyEvent{});
+    if (kind == 4) poster_.post(SystemDefinedEvent{});
+    if (kind == 5) poster_.post(TextEvent{.text = u"a", .down = true});
+    EXPECT_FALSE(fake::powerManagement().displaySleeps) << kind;
+  }
+}
+
+TEST_F(EventPosterTest, TheSystemIsToldOfItsUserNowAndThenAndNotForEachEvent) {
+  for (int event = 0; event < 625; ++event) {
+    moveTo(event, 0);
+    clock_.advance(Seconds(0.008));
+  }
+  EXPECT_EQ(declarations(), 1u);
+  moveTo(0, 0);
+  EXPECT_EQ(declarations(), 2u);
+}
+
+TEST_F(EventPosterTest, TheActivityOfOneUserIsRenewed) {
+  for (int times = 0; times < 3; ++times) {
+    moveTo(0, 0);
+    clock_.advance(Seconds(60));
+  }
+  const auto activity = [](IOPMAssertionID renewed) {
+    return fake::UserActivity{"Orvel: input from a phone", kIOPMUserActiveLocal, renewed};
+  };
+  EXPECT_THAT(fake::powerManagement().activities, ElementsAre(activity(0), activity(101), activity(102)));
+}
+
+TEST_F(EventPosterTest, InputGoesOnWhenTheSystemTakesNoActivity) {
+  fake::powerManagement().fails = true;
+  moveTo(1, 1);
+  moveTo(2, 2);
+  EXPECT_THAT(posted_, SizeIs(2));
+  EXPECT_EQ(declarations(), 1u);
+  clock_.advance(Seconds(5));
+  moveTo(3, 3);
+  EXPECT_EQ(fake::powerManagement().activities.back().renewed, 0u);
+}
+
+TEST_F(EventPosterTest, ToAskWhereThePointerIsWakesNoDisplay) {
+  poster_.pointerLocation();
+  EXPECT_EQ(declarations(), 0u);
 }
 
 TEST_F(EventPosterTest, AShortTextIsOneStroke) {

@@ -3,6 +3,7 @@
 #include "frameworks/Accessibility.hpp"
 #include "frameworks/DisplayList.hpp"
 #include "frameworks/OpenedURLs.hpp"
+#include "frameworks/PowerManagement.hpp"
 #include "frameworks/Quartz.hpp"
 #include "frameworks/Trust.hpp"
 
@@ -32,6 +33,7 @@ class InputRulesTest : public MacTest {
     MacTest::SetUp();
     fake::quartz() = {};
     fake::quartz().pointer = {100, 100};
+    fake::powerManagement() = {};
     fake::displayList() = {};
     fake::displayList().active = {{.id = 1, .bounds = {{0, 0}, {1440, 900}}},
                                   {.id = 2, .bounds = {{1440, 0}, {800, 600}}}};
@@ -159,6 +161,41 @@ TEST_F(InputRulesTest, AHeldMiddleButtonDoesNotDrag) {
   send({1, 5, 0, 0, 0});
   mac_->clock.runDue();
   EXPECT_THAT(posted_, ElementsAre(AllOf(isOfType(25), Field(&QuartzEvent::button, 2)), isOfType(5)));
+}
+
+TEST_F(InputRulesTest, AClickIsWhereThePointerWasPutAlthoughItArrivesLate) {
+  fake::quartz().isSlow = true;
+  send({9, 0xff, 0x7f, 0, 0});
+  send({8, 0, 1});
+  ASSERT_THAT(posted_, SizeIs(3));
+  EXPECT_NEAR(posted_[0].position[0], 720, 1);
+  EXPECT_EQ(posted_[1].position, posted_[0].position);
+  EXPECT_EQ(posted_[2].position, posted_[0].position);
+}
+
+TEST_F(InputRulesTest, MotionAddsUpAlthoughThePointerArrivesLate) {
+  fake::quartz().isSlow = true;
+  for (int tick = 0; tick < 3; ++tick) {
+    send({1, 10, 0, 0, 0});
+    mac_->clock.advance(Seconds(0.008));
+  }
+  EXPECT_THAT(posted_, ElementsAre(isAt(110, 100), isAt(120, 100), isAt(130, 100)));
+}
+
+TEST_F(InputRulesTest, ADisplayThatSleepsWakesForAPhone) {
+  fake::powerManagement().displaySleeps = true;
+  send({1, 10, 0, 0, 0});
+  mac_->clock.runDue();
+  EXPECT_FALSE(fake::powerManagement().displaySleeps);
+}
+
+TEST_F(InputRulesTest, WithoutThePermissionNoDisplayWakes) {
+  fake::trust().isGranted = false;
+  mac_->permission.refresh();
+  fake::powerManagement().displaySleeps = true;
+  send({8, 0, 1});
+  mac_->clock.runDue();
+  EXPECT_TRUE(fake::powerManagement().displaySleeps);
 }
 
 TEST_F(InputRulesTest, ScrollIsBounded) {

@@ -17,6 +17,8 @@ namespace orvel {
 
 /// The leaves that input goes through.
 struct MacDesktop {
+  explicit MacDesktop(const Clock& clock) : events(clock) {}
+
   operator EventPoster&() { return events; }
   operator const Displays&() const { return displays; }
   operator TrustCheck&() { return trust; }
@@ -30,7 +32,7 @@ struct MacDesktop {
 struct MacSurroundings {
   FakeClock clock;
   FakeQueueFactory queues{clock};
-  MacDesktop desktop;
+  MacDesktop desktop{clock};
 };
 
 /// One session on the leaves of a Mac, and the phone's end of its connection.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/SystemClock.hpp"
 #include "platform/Platform.hpp"
 #include "platform/macos/SystemAccessibilityTree.hpp"
 #include "platform/macos/SystemActivity.hpp"
@@ -60,6 +61,7 @@ class MacPlatform final : public Platform {
   void giveUp() override { capture_.giveUp(); }
 
  private:
+  SystemClock clock_;
   SystemAccessibilityTree accessibility_;
   SystemActivity activity_;
   SystemAdvertiser advertiser_;
@@ -67,7 +69,7 @@ class MacPlatform final : public Platform {
   SystemApplicationBundles bundles_;
   SystemDisplays displays_;
   SystemJPEGEncoder encoder_;
-  SystemEventPoster events_;
+  SystemEventPoster events_{clock_};
   SystemForeground foreground_;
   SystemLoginItemService loginItem_;
   SystemMachine machine_;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "input/EventPoster.hpp"
+#include "platform/macos/events/PointerTrail.hpp"
+#include "platform/macos/events/UserActivity.hpp"
 
 namespace orvel {
 
@@ -9,9 +11,14 @@ namespace orvel {
 /// A text that is too long for one event goes out as several strokes, each released before the next is pressed: the
 /// press of the text is all of that but the last release, which is the release of the text.
 ///
+/// A display that sleeps wakes for it. The pointer is where it was put last, even while the system does not say so yet.
+///
 /// Threads: any.
 class SystemEventPoster final : public EventPoster {
  public:
+  /// The clock must outlive it.
+  explicit SystemEventPoster(const Clock& clock) : activity_(clock), trail_(clock) {}
+
   bool post(const MouseEvent& event) override;
   bool post(const ScrollEvent& event) override;
   bool post(const KeyEvent& event) override;
@@ -19,6 +26,10 @@ class SystemEventPoster final : public EventPoster {
   bool post(const TextEvent& event) override;
   std::optional<Point> pointerLocation() override;
   void flush() override {}
+
+ private:
+  UserActivity activity_;
+  PointerTrail trail_;
 };
 
 }  // namespace orvel

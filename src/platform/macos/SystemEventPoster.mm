@@ -39,12 +39,21 @@ Event makeText(const std::u16string& text, bool down) {
   return event;
 }
 
+/// Where the system says that the pointer is. It may not have handled what was just posted.
+std::optional<Point> reportedLocation() {
+  const Event blank(CGEventCreate(nullptr));
+  if (!blank) return std::nullopt;
+  const CGPoint location = CGEventGetLocation(blank.get());
+  return Point{location.x, location.y};
+}
+
 }  // namespace
 
 // The threads that post live as long as the program and have no pool, and what the system leaves to one is its own
 // affair.
 bool SystemEventPoster::post(const MouseEvent& event) {
   @autoreleasepool {
+    activity_.declare();
     const Event made(CGEventCreateMouseEvent(nullptr, static_cast<CGEventType>(event.type),
                                              {.x = event.position.x, .y = event.position.y},
                                              static_cast<CGMouseButton>(event.buttonCode)));
@@ -55,12 +64,17 @@ bool SystemEventPoster::post(const MouseEvent& event) {
     } else {
       CGEventSetIntegerValueField(made.get(), kCGMouseEventClickState, event.clickState);
     }
+    if (trail_.isCold()) {
+      if (const auto before = reportedLocation()) trail_.begin(*before);
+    }
+    trail_.put(event.position);
     return send(made);
   }
 }
 
 bool SystemEventPoster::post(const ScrollEvent& event) {
   @autoreleasepool {
+    activity_.declare();
     return send(
         Event(CGEventCreateScrollWheelEvent2(nullptr, kCGScrollEventUnitPixel, wheels, event.wheel1, event.wheel2, 0)));
   }
@@ -68,6 +82,7 @@ bool SystemEventPoster::post(const ScrollEvent& event) {
 
 bool SystemEventPoster::post(const KeyEvent& event) {
   @autoreleasepool {
+    activity_.declare();
     const Event made(CGEventCreateKeyboardEvent(nullptr, event.keyCode, event.down));
     if (!made) return false;
     CGEventSetFlags(made.get(), static_cast<CGEventFlags>(event.flags));
@@ -77,12 +92,14 @@ bool SystemEventPoster::post(const KeyEvent& event) {
 
 bool SystemEventPoster::post(const SystemDefinedEvent& event) {
   @autoreleasepool {
+    activity_.declare();
     return send(makeSystemDefined(event));
   }
 }
 
 bool SystemEventPoster::post(const TextEvent& event) {
   @autoreleasepool {
+    activity_.declare();
     const auto pieces = textPieces(event.text);
     if (pieces.empty()) return false;
     std::vector<Event> events;
@@ -99,10 +116,9 @@ bool SystemEventPoster::post(const TextEvent& event) {
 
 std::optional<Point> SystemEventPoster::pointerLocation() {
   @autoreleasepool {
-    const Event blank(CGEventCreate(nullptr));
-    if (!blank) return std::nullopt;
-    const CGPoint location = CGEventGetLocation(blank.get());
-    return Point{location.x, location.y};
+    const auto reported = reportedLocation();
+    if (!reported) return std::nullopt;
+    return trail_.resolve(*reported);
   }
 }
 

@@ -5,7 +5,7 @@ set(sources ${ORVEL_MACOS_SOURCES})
 list(TRANSFORM sources PREPEND macos/)
 
 set(frameworks AppKit ApplicationServices CoreFoundation CoreGraphics CoreImage CoreMedia CoreServices CoreVideo Foundation
-               ImageIO ScreenCaptureKit ServiceManagement SystemConfiguration)
+               IOKit ImageIO ScreenCaptureKit ServiceManagement SystemConfiguration)
 list(TRANSFORM frameworks REPLACE "(.+)" "-framework \\1")
 
 orvel_room(platform

@@ -11,8 +11,10 @@ set(ORVEL_MACOS_SOURCES
     capture/OrvelStreamOutput.mm
     capture/SampleFrame.mm
     CFText.cpp
+    events/PointerTrail.cpp
     events/SystemDefined.mm
     events/TextPieces.cpp
+    events/UserActivity.cpp
     FoundationText.mm
     IconDrawer.mm
     instance/InstancePort.cpp

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -36,11 +37,16 @@ struct QuartzEvent {
 struct Quartz {
   std::vector<QuartzEvent> posted;
   std::array<double, 2> pointer{};
+  bool isSlow = false;  ///< Whether the pointer moves only when `letPointerArrive` says so.
+  std::deque<std::array<double, 2>> pointerGoesTo;
   CGEventFlags heldModifiers = 0;    ///< What a new event has.
   std::optional<int> creationsLeft;  ///< How many more events can be made; nothing: any number.
 };
 
 /// Tests set it anew.
 Quartz& quartz();
+
+/// Moves the pointer to the next places that it was put to while it was slow.
+void letPointerArrive(int places);
 
 }  // namespace fake

@@ -47,6 +47,14 @@ Quartz& quartz() {
   return state;
 }
 
+void letPointerArrive(int places) {
+  auto& waiting = quartz().pointerGoesTo;
+  for (; places > 0 && !waiting.empty(); --places) {
+    quartz().pointer = waiting.front();
+    waiting.pop_front();
+  }
+}
+
 QuartzEventObject* makeQuartzEvent(std::uint32_t type) {
   if (quartz().creationsLeft && (*quartz().creationsLeft)-- <= 0) return nil;
   QuartzEventObject* made = [[QuartzEventObject alloc] init];
@@ -111,7 +119,8 @@ void CGEventPost(CGEventTapLocation tap, CGEventRef event) {
   fake::QuartzEvent posted = eventOf(event);
   posted.tap = tap;
   leaveToPool();
-  if (hasPosition(posted.type)) fake::quartz().pointer = posted.position;
+  if (hasPosition(posted.type)) fake::quartz().pointerGoesTo.push_back(posted.position);
+  if (!fake::quartz().isSlow) fake::letPointerArrive(1);
   fake::quartz().posted.push_back(posted);
 }
 
