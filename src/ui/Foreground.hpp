@@ -11,8 +11,8 @@ class Foreground {
   virtual ~Foreground() = default;
 
   /// Makes this program one that has no entry of its own where the desktop lists what runs: its icon is its only place.
-  /// Called before there is a window. False where the desktop lists windows and no programs.
-  virtual bool becomeAccessory() = 0;
+  /// Called before there is a window. Without effect where the desktop lists windows and no programs.
+  virtual void becomeAccessory() = 0;
 
   /// Keeps a window of the toolkit, which was not shown yet, out of the desktop's list of running programs.
   virtual void keepOutOfList(std::uintptr_t window) = 0;

@@ -46,9 +46,9 @@ class FakeAppearance final : public Appearance {
 /// Records which windows came to the front by which token.
 class FakeForeground final : public Foreground {
  public:
-  bool becomeAccessory() override {
+  void becomeAccessory() override {
     if (whenAccessory) whenAccessory();
-    return ++becameAccessory > 0;
+    ++becameAccessory;
   }
   void keepOutOfList(std::uintptr_t) override { ++keptOut; }
   void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }

@@ -24,7 +24,8 @@ class SystemForeground final : public Foreground {
  public:
   explicit SystemForeground(const X11Connection& connection);
 
-  bool becomeAccessory() override { return false; }
+  /// Desktops here list windows.
+  void becomeAccessory() override {}
   void keepOutOfList(std::uintptr_t window) override;
   void bring(std::uintptr_t window, const std::string& token) override;
   void finishStart(const std::string& token) override;

@@ -13,8 +13,8 @@ NSWindow* windowOf(std::uintptr_t window) {
 
 }  // namespace
 
-bool SystemForeground::becomeAccessory() {
-  return [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory] != NO;
+void SystemForeground::becomeAccessory() {
+  [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
 }
 
 void SystemForeground::keepOutOfList(std::uintptr_t window) {

@@ -10,7 +10,6 @@ namespace fake {
 
 struct Application {
   NSApplicationActivationPolicy policy = NSApplicationActivationPolicyRegular;
-  bool takesPolicy = true;
   std::vector<std::string> activations;             ///< By which message.
   std::string appearance = "NSAppearanceNameAqua";  ///< Empty when it has none.
 };

@@ -45,9 +45,8 @@ __kindof NSApplication* NSApp = nil;
   return appearance;
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
-  fake::Application& application = fake::application();
-  if (application.takesPolicy) application.policy = policy;
-  return application.takesPolicy;
+  fake::application().policy = policy;
+  return YES;
 }
 - (void)activate {
   fake::application().activations.push_back("activate");
