@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Clock.hpp"
+
 #include <cstdint>
 #include <string>
 
@@ -20,6 +22,10 @@ class Foreground {
   /// Gives a window of the toolkit, which is shown, the keyboard. `token` is the desktop's proof that the user wished
   /// it; empty when the wish reached us directly, by a click on our icon.
   virtual void bring(std::uintptr_t window, const std::string& token) = 0;
+
+  /// How long after `bring` the desktop may still take the keyboard back by itself and give it again. Zero where it
+  /// gives the keyboard for good.
+  virtual Seconds settlingTime() const = 0;
 
   /// Tells the desktop that the start which it had given `token` to is over, though no window came of it.
   virtual void finishStart(const std::string& token) = 0;

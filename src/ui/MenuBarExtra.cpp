@@ -78,17 +78,30 @@ void MenuBarExtra::iconActivated() {
 
 void MenuBarExtra::openPanel(const std::string& token) {
   if (!panel_) return openPanelAt(likelyIconPlace(), token);
-  parts_.foreground.bring(panel_->winId(), token);
+  bringPanel(token);
 }
 
 void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
   const auto kind = parts_.statusItem.isShown() ? PanelWindow::Kind::besideIcon : PanelWindow::Kind::normal;
-  panel_.reset(new PanelWindow(kind, parts_.host, parts_.loginItem, parts_.appearance, [this] { dismissPanel(); }));
+  panel_.reset(
+      new PanelWindow(kind, parts_.host, parts_.loginItem, parts_.appearance,
+                      {.dismissed = [this] { dismissPanel(); }, .deactivated = [this] { panelDeactivated(); }}));
   panel_->place(icon);
   if (kind == PanelWindow::Kind::besideIcon) parts_.foreground.keepOutOfList(panel_->winId());
   panel_->open();
   if (kind == PanelWindow::Kind::besideIcon) parts_.presses.begin([this] { dismissPanelUnlessPointedAt(); });
+  bringPanel(token);
+}
+
+void MenuBarExtra::bringPanel(const std::string& token) {
+  broughtAt_ = parts_.clock.now();
   parts_.foreground.bring(panel_->winId(), token);
+}
+
+void MenuBarExtra::panelDeactivated() {
+  // Not the user has done that, whose press elsewhere is heard of in any case.
+  if (parts_.clock.now() - broughtAt_ < parts_.foreground.settlingTime()) return;
+  dismissPanel();
 }
 
 void MenuBarExtra::dismissPanel() {

@@ -59,6 +59,8 @@ class MenuBarExtra {
   Symbol label() const;
   void iconActivated();
   void openPanelAt(const Rect& icon, const std::string& token);
+  void bringPanel(const std::string& token);
+  void panelDeactivated();
   void dismissPanel();
   void dismissPanelUnlessPointedAt();
   Rect likelyIconPlace() const;
@@ -67,6 +69,7 @@ class MenuBarExtra {
   Symbol shownLabel_;
   std::optional<Rect> lastClick_;
   std::optional<Seconds> dismissedAt_;
+  Seconds broughtAt_{0};
   std::unique_ptr<PanelWindow, DeleteLater> panel_;
 };
 

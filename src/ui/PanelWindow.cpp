@@ -36,11 +36,11 @@ Qt::WindowFlags flagsOf(PanelWindow::Kind kind) {
 }  // namespace
 
 PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
-                         std::function<void()> dismissed)
+                         Handlers handlers)
     : QDialog(nullptr, flagsOf(kind)),
       kind_(kind),
       appearance_(appearance),
-      dismissed_(std::move(dismissed)),
+      handlers_(std::move(handlers)),
       model_(host, loginItem),
       view_(new PanelView(model_, appearance, [this] { fit(); })),
       scroll_(new QScrollArea) {
@@ -114,18 +114,18 @@ bool PanelWindow::focusNextPrevChild(bool next) {
 }
 
 bool PanelWindow::event(QEvent* event) {
-  if (event->type() == QEvent::WindowDeactivate && kind_ == Kind::besideIcon) dismissed_();
+  if (event->type() == QEvent::WindowDeactivate && kind_ == Kind::besideIcon) handlers_.deactivated();
   return QDialog::event(event);
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {
   // A window that refuses would keep some desktops from ending the login.
   event->accept();
-  dismissed_();
+  handlers_.dismissed();
 }
 
 void PanelWindow::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape) return dismissed_();
+  if (event->key() == Qt::Key_Escape) return handlers_.dismissed();
   QScrollBar* bar = scroll_->verticalScrollBar();
   if (event->key() == Qt::Key_PageDown) return bar->triggerAction(QScrollBar::SliderPageStepAdd);
   if (event->key() == Qt::Key_PageUp) return bar->triggerAction(QScrollBar::SliderPageStepSub);

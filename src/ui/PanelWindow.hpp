@@ -24,10 +24,13 @@ class PanelWindow final : public QDialog {
  public:
   enum class Kind { besideIcon, normal };
 
-  /// `dismissed` is called when the user is done with it: a click elsewhere, Escape, or the close button of a normal
-  /// window. All must outlive it.
-  PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
-              std::function<void()> dismissed);
+  struct Handlers {
+    std::function<void()> dismissed;    ///< The user is done with it: Escape, or the close button of a normal window.
+    std::function<void()> deactivated;  ///< It has lost the keyboard. Not called for a normal window.
+  };
+
+  /// All must outlive it.
+  PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance, Handlers handlers);
 
   Kind kind() const { return kind_; }
 
@@ -57,7 +60,7 @@ class PanelWindow final : public QDialog {
 
   const Kind kind_;
   const Appearance& appearance_;
-  const std::function<void()> dismissed_;
+  const Handlers handlers_;
   PanelModel model_;
   PanelView* view_;
   QScrollArea* scroll_;

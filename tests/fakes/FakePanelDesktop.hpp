@@ -52,8 +52,10 @@ class FakeForeground final : public Foreground {
   }
   void keepOutOfList(std::uintptr_t) override { ++keptOut; }
   void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }
+  Seconds settlingTime() const override { return settles; }
   void finishStart(const std::string& token) override { finished.push_back(token); }
 
+  Seconds settles{0};
   int becameAccessory = 0;
   std::function<void()> whenAccessory;
   int keptOut = 0;

@@ -60,6 +60,10 @@ TEST_F(ForegroundTest, AWindowIsBroughtWithItsProgram) {
   EXPECT_EQ(window_->madeKey_, 1);
 }
 
+TEST_F(ForegroundTest, AnActivationMayBounceForAWhile) {
+  EXPECT_EQ(foreground_.settlingTime(), Seconds(0.5));
+}
+
 TEST_F(ForegroundTest, AViewWithoutAWindowIsLeftAlone) {
   view_->window_ = nil;
   foreground_.keepOutOfList(view());

@@ -118,6 +118,41 @@ TEST_F(MenuBarExtraTest, AClickElsewhereClosesIt) {
   EXPECT_EQ(panel(), nullptr);
 }
 
+TEST_F(MenuBarExtraTest, AnActivationThatBouncesDoesNotCloseIt) {
+  foreground.settles = Seconds(0.5);
+  icon.click();
+  clickElsewhere();
+  EXPECT_NE(panel(), nullptr);
+  send(QEvent(QEvent::WindowActivate));
+  clock.advance(Seconds(0.4));
+  clickElsewhere();
+  EXPECT_NE(panel(), nullptr);
+  clock.advance(Seconds(0.1));
+  clickElsewhere();
+  EXPECT_EQ(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, APanelThatIsBroughtAgainMayBounceAgain) {
+  foreground.settles = Seconds(0.5);
+  icon.click();
+  clock.advance(Seconds(60));
+  extra.openPanel("token");
+  clickElsewhere();
+  EXPECT_NE(panel(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, APressElsewhereOrEscapeClosesItWhileItsActivationSettles) {
+  foreground.settles = Seconds(0.5);
+  icon.click();
+  QCursor::setPos(panel()->geometry().bottomRight() + QPoint(5, 5));
+  presses.pressed();
+  EXPECT_EQ(panel(), nullptr);
+  clock.advance(Seconds(1));
+  icon.click();
+  pressEscape();
+  EXPECT_EQ(panel(), nullptr);
+}
+
 TEST_F(MenuBarExtraTest, APressElsewhereClosesItEvenWhereTheKeyboardStays) {
   EXPECT_FALSE(presses.pressed);
   icon.click();

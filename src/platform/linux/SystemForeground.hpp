@@ -28,6 +28,7 @@ class SystemForeground final : public Foreground {
   void becomeAccessory() override {}
   void keepOutOfList(std::uintptr_t window) override;
   void bring(std::uintptr_t window, const std::string& token) override;
+  Seconds settlingTime() const override { return {}; }
   void finishStart(const std::string& token) override;
 
   /// Takes an event of the server, and brings the window when that is possible now.

@@ -10,6 +10,9 @@ class SystemForeground final : public Foreground {
   void becomeAccessory() override;
   void keepOutOfList(std::uintptr_t window) override;
   void bring(std::uintptr_t window, const std::string& token) override;
+  /// An activation may bounce: the program that was active before is made active once more, and then this one again or
+  /// not at all.
+  Seconds settlingTime() const override { return Seconds(0.5); }
   /// A Mac does not wait for the end of a start, and gives no token to it.
   void finishStart(const std::string&) override {}
 };
