@@ -42,9 +42,9 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
   std::shared_ptr<const DisplayLayout> layout() const override { return layout_; }
 
   bool isTrusted() override { return true; }
-  std::string advice() const override { return {}; }
-  bool prompt() override { return false; }
-  bool openSettings() override { return false; }
+  PermissionNotice notice() const override { return {}; }
+  void prompt() override {}
+  void openSettings() override {}
 
  private:
   static constexpr Rect screen{{0, 0}, {1920, 1080}};

@@ -65,6 +65,6 @@ and see the screen.
 A phone is paired by scanning a code, and proves on every connection that it
 knows it. There is no account and no server in between.
 
-Orvel sits in the tray of an X11 desktop. On Wayland it reaches the programs
-that run in Xwayland.")
+Orvel sits in the tray of an X11 desktop. It does not work in Wayland sessions
+yet.")
 include(CPack)

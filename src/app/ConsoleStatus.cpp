@@ -14,14 +14,18 @@ std::string phonesConnected(std::size_t count) {
 
 }  // namespace
 
-ConsoleStatus::ConsoleStatus(std::ostream& out, std::function<std::string()> address)
-    : out_(out), address_(std::move(address)) {}
+ConsoleStatus::ConsoleStatus(std::ostream& out, std::function<std::string()> address,
+                             std::function<std::string()> obstacle)
+    : out_(out), address_(std::move(address)), obstacle_(std::move(obstacle)) {}
 
 void ConsoleStatus::show(const HubState& was, const HubState& next) {
   if (next.isRunning && !was.isRunning) {
     out_ << "Listening on " << address_()
          << "\nTo pair a phone: orvel --show opens the panel, orvel --pair prints what a phone needs\n";
   }
+  // Before it listens nothing is known of the permission.
+  const auto isObstructed = [](const HubState& state) { return state.isRunning && !state.accessibilityGranted; };
+  if (isObstructed(next) && !isObstructed(was)) out_ << obstacle_() << '\n';
   if (next.lastError && next.lastError != was.lastError) {
     out_ << *next.lastError << "\nTo try again, hit Restart in the panel: orvel --show opens it.\n";
   }

@@ -1,6 +1,7 @@
 #include "app/OrvelApp.hpp"
 
 #include "app/ServerHub.hpp"
+#include "input/TrustCheck.hpp"
 #include "platform/Platform.hpp"
 #include "session/Machine.hpp"
 #include "session/NetworkInfo.hpp"
@@ -78,7 +79,9 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
                      .loginItem = loginItem_,
                      .presses = platform.presses(),
                      .statusItem = platform.statusItem()}),
-      status_(std::cout, [&machine = platform.machine()] { return addressToShow(machine); }),
+      status_(
+          std::cout, [&machine = platform.machine()] { return addressToShow(machine); },
+          [&trust = platform.trust()] { return trust.notice().explanation; }),
       wakefulness_(platform.activity()),
       delegate_({.foreground = platform.foreground(),
                  .hub = hub_,

@@ -33,6 +33,12 @@ void printQRCode(const Machine& machine) {
   if (image) std::cout << '\n' << QRText::lines(*image, isatty(STDOUT_FILENO) != 0);
 }
 
+/// Last, and behind what is printed, as a desktop that hangs takes a moment.
+void sayObstacle() {
+  std::cout.flush();
+  if (const auto obstacle = inputObstacle()) std::cout << '\n' << *obstacle << '\n';
+}
+
 }  // namespace
 
 int printPairing() {
@@ -49,10 +55,12 @@ int printPairing() {
     std::cout << "Address: none, as this computer is not on a network. Connect it to the network that the phone is on, "
                  "then ask again.\nCode:    "
               << code << '\n';
+    sayObstacle();
     return 0;
   }
   std::cout << "Address: " << *address << " port " << ServerHub::defaultPort << "\nCode:    " << code << '\n';
   printQRCode(*machine);
+  sayObstacle();
   return 0;
 }
 

@@ -26,7 +26,7 @@ PanelState PanelService::state() const {
           .mirroring = hub.mirroring,
           .port = dependencies_.hub->port(),
           .address = NetworkInfo::localAddress(dependencies_.machine),
-          .permissionAdvice = dependencies_.trust.advice()};
+          .permission = dependencies_.trust.notice()};
 }
 
 PairingInvitation PanelService::invitation() {

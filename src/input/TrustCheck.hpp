@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include "base/PermissionNotice.hpp"
 
 namespace orvel {
 
@@ -12,14 +12,14 @@ class TrustCheck {
   /// Asks the desktop now.
   virtual bool isTrusted() = 0;
 
-  /// What its user can do here to give the permission, where that is not what macOS asks for; otherwise empty.
-  virtual std::string advice() const = 0;
+  /// Why it may not, and what its user can do about it. Means nothing while it may.
+  virtual PermissionNotice notice() const = 0;
 
-  /// Has the desktop ask the user for the permission. False where the desktop has no such question.
-  virtual bool prompt() = 0;
+  /// Has the desktop ask the user for the permission, where it has such a question.
+  virtual void prompt() = 0;
 
-  /// Opens the desktop's accessibility settings. False when it has none that we know of.
-  virtual bool openSettings() = 0;
+  /// Opens the desktop's settings where the permission is given, where it has them.
+  virtual void openSettings() = 0;
 };
 
 }  // namespace orvel

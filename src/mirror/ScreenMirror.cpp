@@ -41,10 +41,11 @@ double adapted(double quality, double requested, std::int64_t size) {
 
 }  // namespace
 
-std::string_view ScreenMirror::description(MirrorError error) {
+/// What the phone is told. The permission is the system's, and so are the words for it.
+std::string ScreenMirror::description(MirrorError error) const {
   switch (error) {
     case MirrorError::notPermitted:
-      return "Screen Recording is off for Orvel. Turn it on in Privacy & Security.";
+      return dependencies_.access.denial().onStart;
     case MirrorError::noDisplay:
       return "No display available to capture.";
   }
@@ -70,7 +71,7 @@ void ScreenMirror::start(std::int64_t maxWidth, std::int64_t fps, double quality
     state.workingQuality = state.requestedQuality;
   });
   if (!dependencies_.access.isGranted()) {
-    completion(std::string(description(MirrorError::notPermitted)));
+    completion(description(MirrorError::notPermitted));
     return;
   }
   dependencies_.queue.post(
@@ -89,7 +90,7 @@ ScreenMirror::Outcome ScreenMirror::startStream(std::int64_t maxWidth, std::int6
   if (const auto* failure = std::get_if<CaptureFailure>(&asked)) return failure->description;
   ShareableContent& content = *std::get<std::unique_ptr<ShareableContent>>(asked);
   const std::vector<Size> displays = content.displays();
-  if (displays.empty()) return std::string(description(MirrorError::noDisplay));
+  if (displays.empty()) return description(MirrorError::noDisplay);
   const CaptureConfiguration configuration = configurationFor(displays.front(), maxWidth, fps);
   auto started = content.start(0, configuration,
                                {.frame = [this](CapturedFrame& frame) { return frameCaptured(frame); },

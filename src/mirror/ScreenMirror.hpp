@@ -11,7 +11,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -53,9 +52,6 @@ class ScreenMirror {
   ScreenMirror(const ScreenMirror&) = delete;
   ScreenMirror& operator=(const ScreenMirror&) = delete;
 
-  /// What the phone is told of an error.
-  static std::string_view description(MirrorError error);
-
   /// Starts to capture the main display and returns at once. Frames are at most `maxWidth` pixels wide, never larger
   /// than the display and never smaller than 320 by 240; `fps` counts within 1 to 30, `quality` within 0.2 to 0.85.
   /// Whatever runs ends first. Calls `completion` once, before the first frame is delivered.
@@ -87,6 +83,7 @@ class ScreenMirror {
     bool forget();
   };
 
+  std::string description(MirrorError error) const;
   void begin(std::int64_t maxWidth, std::int64_t fps, const Completion& completion);
   Outcome startStream(std::int64_t maxWidth, std::int64_t fps);
   void adopt(std::unique_ptr<CaptureStream> stream);

@@ -8,8 +8,6 @@ namespace orvel {
 namespace {
 
 constexpr std::uint8_t frameMarker = 0x80;
-constexpr const char* permissionMissing =
-    "Screen Recording is off for Orvel. Turn it on in Privacy & Security on the Mac, then try again.";
 
 boost::json::object denial(const std::string& reason) {
   return {{"t", "mirrorDenied"}, {"reason", reason}};
@@ -19,7 +17,7 @@ boost::json::object denial(const std::string& reason) {
 
 void ClientSession::startMirror(std::int64_t width, std::int64_t fps, double quality) {
   if (!services_.recording.isGranted()) {
-    send(denial(permissionMissing));
+    send(denial(services_.recording.denial().onRequest));
     services_.recording.request();
     return;
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/PermissionNotice.hpp"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,7 +18,7 @@ struct PanelState {
   bool mirroring = false;
   std::uint16_t port = 0;
   std::optional<std::string> address{};  ///< Nothing while the computer is on no network.
-  std::string permissionAdvice{};        ///< What the platform has to say below the panel's own words; often nothing.
+  PermissionNotice permission{};         ///< What to say while `accessibilityGranted` is false.
 };
 
 /// What a phone needs to pair.
@@ -37,7 +39,7 @@ class PanelHost {
   /// Asks the desktop anew whether this program may post input.
   virtual void refreshPermission() = 0;
 
-  /// Has the desktop ask the user for the permission, and opens its settings.
+  /// Has the desktop ask the user for the permission, and opens its settings. For notices with an action.
   virtual void requestPermission() = 0;
 
   /// Listens anew, which disconnects every phone.

@@ -29,18 +29,15 @@ PanelBlock headerBlock(const PanelState& state) {
 }
 
 PanelBlock permissionBlock(const PanelState& state) {
-  PanelBlock block{
-      .kind = Kind::permission,
-      .rows = {
-          PanelText{.text = "Accessibility is off",
-                    .font = PanelFont::heading,
-                    .symbol = PanelSymbol{Symbol::exclamationMarkTriangleFill, PanelColor::orange}},
-          PanelText{.text = "macOS will not let Orvel move the cursor until you tick it under Privacy & Security → "
-                            "Accessibility.",
-                    .font = PanelFont::small}}};
-  if (!state.permissionAdvice.empty()) block.rows.emplace_back(smallText(state.permissionAdvice));
-  block.rows.emplace_back(
-      PanelButtons{.buttons = {{"Open Accessibility settings", PanelAction::openAccessibilitySettings}}});
+  PanelBlock block{.kind = Kind::permission,
+                   .rows = {PanelText{.text = state.permission.heading,
+                                      .font = PanelFont::heading,
+                                      .symbol = PanelSymbol{Symbol::exclamationMarkTriangleFill, PanelColor::orange}},
+                            PanelText{.text = state.permission.explanation, .font = PanelFont::small}}};
+  if (!state.permission.action.empty()) {
+    block.rows.emplace_back(
+        PanelButtons{.buttons = {{state.permission.action, PanelAction::openAccessibilitySettings}}});
+  }
   return block;
 }
 

@@ -62,7 +62,7 @@ TEST_F(PanelServiceTest, ShowsTheStateOfTheHub) {
   EXPECT_TRUE(state.mirroring);
   EXPECT_EQ(state.port, 8787);
   EXPECT_EQ(state.address, "10.0.0.2");
-  EXPECT_EQ(state.permissionAdvice, "Advice of the desktop.");
+  EXPECT_EQ(state.permission, desktop.notice());
 }
 
 TEST_F(PanelServiceTest, ShowsTheLastErrorAndTheLackOfANetwork) {

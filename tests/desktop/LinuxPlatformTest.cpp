@@ -41,8 +41,8 @@ TEST(LinuxPlatformTest, WithoutADesktopItSaysSo) {
   setenv("WAYLAND_DISPLAY", "wayland-0", 1);
   EXPECT_EQ(
       missingDesktop(),
-      "Orvel needs a desktop to work on: this Wayland session has no Xwayland, which it works through. Install it "
-      "(package xwayland), or log in to an X11 session.");
+      "Orvel needs a desktop to work on: it does not work on Wayland yet, and this is a Wayland session. Log in to "
+      "an X11 session.");
   setenv("DISPLAY", ":4095", 1);
   EXPECT_EQ(missingDesktop(), "Orvel needs a desktop to work on: no X display answers at \":4095\".");
   const auto missing = openAt(":4095");

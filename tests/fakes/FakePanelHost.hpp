@@ -21,8 +21,17 @@ class FakePanelHost final : public PanelHost {
   }
   void quit() override { asked.emplace_back("quit"); }
 
-  /// A host that listens, with the permission and without phones.
-  PanelState now{.isRunning = true, .accessibilityGranted = true, .port = 8787, .address = "192.168.1.23"};
+  /// A host that listens, with the permission and without phones. The words for a missing permission are those of
+  /// macOS.
+  PanelState now{
+      .isRunning = true,
+      .accessibilityGranted = true,
+      .port = 8787,
+      .address = "192.168.1.23",
+      .permission = {.heading = "Accessibility is off",
+                     .explanation = "macOS will not let Orvel move the cursor until you tick it under Privacy & "
+                                    "Security → Accessibility.",
+                     .action = "Open Accessibility settings"}};
   PairingInvitation offered{R"({"v":1,"host":"192.168.1.23","port":8787,"token":"ABCDEFGHJKLMNPQR","name":"desk"})",
                             "ABCD-EFGH-JKLM-NPQR"};
   std::vector<std::string> asked;

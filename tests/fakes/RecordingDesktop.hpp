@@ -50,15 +50,11 @@ class RecordingDesktop final : public EventPoster, public Displays, public Trust
   }
 
   bool isTrusted() override { return trusted; }
-  std::string advice() const override { return "Advice of the desktop."; }
-  bool prompt() override {
-    ++prompts;
-    return true;
+  PermissionNotice notice() const override {
+    return {.heading = "No input", .explanation = "Tick Orvel in the settings.", .action = "Open the settings"};
   }
-  bool openSettings() override {
-    ++settingsOpened;
-    return true;
-  }
+  void prompt() override { ++prompts; }
+  void openSettings() override { ++settingsOpened; }
 
   template <class Event>
   std::vector<Event> all() const {

@@ -38,10 +38,14 @@ class ScriptedFrame final : public CapturedFrame {
 class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess {
  public:
   bool isGranted() override { return granted && (!grantsLeft || (*grantsLeft)-- > 0); }
-  bool request() override {
+  Denial denial() const override {
+    return {
+        .onRequest = "Screen Recording is off for Orvel. Turn it on in Privacy & Security on the Mac, then try again.",
+        .onStart = "Screen Recording is off for Orvel. Turn it on in Privacy & Security."};
+  }
+  void request() override {
     if (whileAsking) whileAsking();
     ++requests;
-    return true;
   }
 
   std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> shareableContent() override {

@@ -23,8 +23,14 @@ TEST_F(ScreenRecordingAccessTest, IsWhatTheSystemSaysWithoutAskingTheUser) {
 }
 
 TEST_F(ScreenRecordingAccessTest, TheUserIsAskedOnRequest) {
-  EXPECT_TRUE(access_.request());
+  access_.request();
   EXPECT_EQ(fake::screenAccess().requests, 1);
+}
+
+TEST_F(ScreenRecordingAccessTest, ARefusalIsSaidInTheSystemsWords) {
+  EXPECT_EQ(access_.denial().onRequest,
+            "Screen Recording is off for Orvel. Turn it on in Privacy & Security on the Mac, then try again.");
+  EXPECT_EQ(access_.denial().onStart, "Screen Recording is off for Orvel. Turn it on in Privacy & Security.");
 }
 
 }  // namespace

@@ -368,28 +368,19 @@ struct NoPermissionTest : testing::Test {
   DesktopView view{desktop.display()};
 };
 
-TEST_F(NoPermissionTest, ThePanelExplainsWhatIsMissingAndOpensTheSettings) {
-  // Stands for the settings program of a desktop.
-  const auto settings = desktop.home() / "xfce4-accessibility-settings";
-  const auto opened = desktop.home() / "settings-opened";
-  std::ofstream(settings) << "#!/bin/sh\ntouch '" << opened.string() << "'\n";
-  std::filesystem::permissions(settings, std::filesystem::perms::owner_all);
-  auto environment = bus.environment();
-  environment["PATH"] = desktop.home().string() + ":/usr/bin:/bin";
-  environment["XDG_CURRENT_DESKTOP"] = "XFCE";
-  HostProcess host(desktop, environment, {});
+TEST_F(NoPermissionTest, ThePanelExplainsWhatIsMissingWithoutAButtonThatDoesNothing) {
+  HostProcess host(desktop, bus.environment(), {});
   ASSERT_TRUE(host.waitUntilListening());
   const AccessibleProgram panel(bus, host.process().pid());
   EXPECT_TRUE(panel.waitFor("label", "Waiting for permission").isShowing);
   EXPECT_THAT(panel.names("label"),
               testing::ElementsAre(
-                  "Orvel", "Waiting for permission", "Accessibility is off",
-                  "macOS will not let Orvel move the cursor until you tick it under Privacy & Security "
-                  "→ Accessibility.",
-                  testing::StartsWith("On Linux there is nothing to tick"), "Connected", "No phones right now"));
+                  "Orvel", "Waiting for permission", "The X server takes no input",
+                  "The X server does not let Orvel move the pointer: switch its XTEST extension on in the server's "
+                  "configuration, then log in again.",
+                  "Connected", "No phones right now"));
+  EXPECT_THAT(panel.names("push button"), testing::ElementsAre("Show code", "Restart", "New code", "Quit"));
   EXPECT_TRUE(view.photograph(ORVEL_SCREENSHOTS "/panel-permission.png"));
-  ASSERT_TRUE(panel.press("push button", "Open Accessibility settings"));
-  EXPECT_TRUE(PanelFixture::eventually([&] { return std::filesystem::exists(opened); }));
 }
 
 }  // namespace

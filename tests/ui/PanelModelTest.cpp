@@ -109,12 +109,18 @@ TEST_F(PanelModelTest, ThePermissionIsExplainedWhileItIsMissing) {
       .font = PanelFont::small};
   const PanelButtons button{.buttons = {{"Open Accessibility settings", PanelAction::openAccessibilitySettings}}};
   EXPECT_THAT(rows(Kind::permission), ElementsAre(PanelRow(heading), PanelRow(explanation), PanelRow(button)));
-  host.now.permissionAdvice = "Words of the platform.";
-  EXPECT_THAT(rows(Kind::permission),
-              ElementsAre(PanelRow(heading), PanelRow(explanation), PanelRow(smallSecondary("Words of the platform.")),
-                          PanelRow(button)));
   host.now.accessibilityGranted = true;
   EXPECT_THAT(rows(Kind::permission), testing::IsEmpty());
+}
+
+TEST_F(PanelModelTest, WherePermissionCannotBeAskedForThereIsNoButton) {
+  host.now.accessibilityGranted = false;
+  host.now.permission = {.heading = "No input", .explanation = "Words of the platform."};
+  const PanelText heading{.text = "No input",
+                          .font = PanelFont::heading,
+                          .symbol = PanelSymbol{Symbol::exclamationMarkTriangleFill, PanelColor::orange}};
+  const PanelText explanation{.text = "Words of the platform.", .font = PanelFont::small};
+  EXPECT_THAT(rows(Kind::permission), ElementsAre(PanelRow(heading), PanelRow(explanation)));
 }
 
 TEST_F(PanelModelTest, TheCodeIsHiddenAtFirstAndShownOnDemand) {

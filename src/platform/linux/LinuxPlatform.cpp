@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxPlatform.hpp"
 
+#include "platform/LeavableThread.hpp"
 #include "platform/linux/bus/TimeLimit.hpp"
 #include "platform/linux/bus/ToolkitBus.hpp"
 #include "platform/linux/files/ConfigurationFolders.hpp"
@@ -41,6 +42,15 @@ rlimit allowManyConnections() {
   limit.rlim_cur = std::min(limit.rlim_max, mostDescriptors);
   setrlimit(RLIMIT_NOFILE, &limit);
   return usual;
+}
+
+/// Nothing as well when no server answers.
+std::optional<std::string> inputObstacleAt(const std::string& display) {
+  const auto connection = X11Connection::open(display);
+  if (!connection) return std::nullopt;
+  SystemTrustCheck trust(*connection);
+  if (trust.isTrusted()) return std::nullopt;
+  return trust.notice().explanation;
 }
 
 /// The C library would learn from one large message to keep the memory of all that follow.
@@ -115,9 +125,7 @@ std::optional<std::string> missingDesktop() {
     return needsDesktop("no X display answers at \"" + display + "\".");
   }
   if (!variable("WAYLAND_DISPLAY").empty()) {
-    return needsDesktop(
-        "this Wayland session has no Xwayland, which it works through. Install it (package xwayland), or "
-        "log in to an X11 session.");
+    return needsDesktop("it does not work on Wayland yet, and this is a Wayland session. Log in to an X11 session.");
   }
   return needsDesktop(
       "there is none here, as neither DISPLAY nor WAYLAND_DISPLAY is set. Start it from the "
@@ -141,6 +149,23 @@ std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   auto platform = std::make_unique<LinuxPlatform>(std::move(connection), display, openFiles);
   if (!platform->listen()) return needsDesktop("the system has no thread left to follow it with.");
   return platform;
+}
+
+std::optional<std::string> inputObstacle() {
+  const std::string display = variable("DISPLAY");
+  if (display.empty() && !variable("WAYLAND_DISPLAY").empty()) return SystemTrustCheck::noticeOnWayland().explanation;
+  // Another computer's display, such as that of whoever has logged in from there, says nothing of this one.
+  if (!display.starts_with(':')) return std::nullopt;
+  const auto answer = std::make_shared<Guarded<std::optional<std::string>>>();
+  {
+    // The server may hang.
+    LeavableThread asking;
+    asking.start([display, answer] {
+      auto obstacle = inputObstacleAt(display);
+      answer->withLock([&](auto& known) { known = std::move(obstacle); });
+    });
+  }
+  return answer->withLock([](const auto& known) { return known; });
 }
 
 std::unique_ptr<Preferences> openPreferences() {

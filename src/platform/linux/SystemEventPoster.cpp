@@ -103,11 +103,11 @@ std::bitset<256> askRepeatingKeys(const X11Connection& connection) {
 SystemEventPoster::SystemEventPoster(X11Connection& connection, const SystemDisplays& displays)
     : connection_(connection),
       displays_(displays),
-      hasXTest_(connection.extension(xcb_test_id) != nullptr),
+      reachesDesktop_(connection.extension(xcb_test_id) != nullptr && !connection.isXwayland()),
       repeatingKeys_(askRepeatingKeys(connection)),
       typist_(connection, *this) {
   // Some window managers hold all other programs off while a window is dragged: the drag must reach them all the same.
-  if (hasXTest_) xcb_test_grab_control(connection_.get(), true);
+  if (reachesDesktop_) xcb_test_grab_control(connection_.get(), true);
 }
 
 // The queue is filled while the lock is held, in all of them: what the server gets must have the order of what is
@@ -221,7 +221,7 @@ bool SystemEventPoster::queueInOneGo(const std::vector<KeyChange>& changes, std:
 }
 
 bool SystemEventPoster::canPost() const {
-  return hasXTest_ && connection_.isAlive();
+  return reachesDesktop_ && connection_.isAlive();
 }
 
 void SystemEventPoster::turn(State& state, std::int64_t& remainder, std::int32_t pixels, std::uint8_t forward,
@@ -280,6 +280,7 @@ void SystemEventPoster::letGo(State& state, std::uint8_t keyCode) {
 }
 
 void SystemEventPoster::queue(State& state, std::uint8_t type, std::uint8_t detail, Position position) const {
+  if (!reachesDesktop_) return;
   xcb_test_fake_input(connection_.get(), type, detail, XCB_CURRENT_TIME, connection_.root(), position.x, position.y,
                       anyDevice);
   state.isUnflushed = true;

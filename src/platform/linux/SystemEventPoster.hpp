@@ -24,6 +24,8 @@ class X11Connection;
 ///
 /// Text is typed when its press is posted; its release is nothing.
 ///
+/// On Xwayland nothing is ever posted, nor sent to find out whether it could be: see `isXwayland`.
+///
 /// Threads: any. Only `pointerLocation` and text wait for the server. `handle` is for the thread of the connection.
 class SystemEventPoster final : public EventPoster, private KeyQueue {
  public:
@@ -85,7 +87,7 @@ class SystemEventPoster final : public EventPoster, private KeyQueue {
 
   X11Connection& connection_;
   const SystemDisplays& displays_;
-  const bool hasXTest_;
+  const bool reachesDesktop_;             // by XTEST
   const std::bitset<256> repeatingKeys_;  // by X key code
   Guarded<State> state_;
   Typist typist_;

@@ -15,7 +15,8 @@ class SystemScreenRecordingAccess final : public ScreenRecordingAccess {
   explicit SystemScreenRecordingAccess(const X11Connection& connection);
 
   bool isGranted() override;
-  bool request() override { return false; }
+  Denial denial() const override;
+  void request() override {}
 
  private:
   const X11Connection& connection_;

@@ -6,20 +6,26 @@ namespace orvel {
 
 class X11Connection;
 
-/// Input may be posted when the X server has XTEST and answers for it. X11 has no question to put to the user.
+/// Input may be posted when the X server has XTEST and is the desktop's own, not Xwayland. Nothing of that is for the
+/// user to permit: X11 has no such question, and no settings of a desktop change it.
 ///
-/// Threads: any. `isTrusted` waits for the server.
+/// Threads: any; making it waits for the server.
 class SystemTrustCheck final : public TrustCheck {
  public:
-  explicit SystemTrustCheck(X11Connection& connection);
+  explicit SystemTrustCheck(const X11Connection& connection);
+
+  /// What is said in a Wayland session, also in one without an X server.
+  static PermissionNotice noticeOnWayland();
 
   bool isTrusted() override;
-  std::string advice() const override;
-  bool prompt() override;
-  bool openSettings() override;
+  PermissionNotice notice() const override;
+  void prompt() override {}
+  void openSettings() override {}
 
  private:
-  X11Connection& connection_;
+  const X11Connection& connection_;
+  const bool hasXTest_;
+  const bool isXwayland_;
 };
 
 }  // namespace orvel

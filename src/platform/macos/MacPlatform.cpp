@@ -31,6 +31,11 @@ std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   return std::make_unique<MacPlatform>();
 }
 
+std::optional<std::string> inputObstacle() {
+  // What a terminal starts has the terminal's permissions, not those of the Orvel that runs.
+  return std::nullopt;
+}
+
 std::unique_ptr<Preferences> openPreferences() {
   return std::make_unique<SystemPreferences>();
 }

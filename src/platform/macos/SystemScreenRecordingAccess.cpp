@@ -8,9 +8,14 @@ bool SystemScreenRecordingAccess::isGranted() {
   return CGPreflightScreenCaptureAccess();
 }
 
-bool SystemScreenRecordingAccess::request() {
+ScreenRecordingAccess::Denial SystemScreenRecordingAccess::denial() const {
+  return {
+      .onRequest = "Screen Recording is off for Orvel. Turn it on in Privacy & Security on the Mac, then try again.",
+      .onStart = "Screen Recording is off for Orvel. Turn it on in Privacy & Security."};
+}
+
+void SystemScreenRecordingAccess::request() {
   CGRequestScreenCaptureAccess();
-  return true;
 }
 
 }  // namespace orvel

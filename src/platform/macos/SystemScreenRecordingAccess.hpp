@@ -8,7 +8,8 @@ namespace orvel {
 class SystemScreenRecordingAccess final : public ScreenRecordingAccess {
  public:
   bool isGranted() override;
-  bool request() override;
+  Denial denial() const override;
+  void request() override;
 };
 
 }  // namespace orvel

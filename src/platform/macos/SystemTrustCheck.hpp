@@ -8,9 +8,9 @@ namespace orvel {
 class SystemTrustCheck final : public TrustCheck {
  public:
   bool isTrusted() override;
-  std::string advice() const override { return {}; }
-  bool prompt() override;
-  bool openSettings() override;
+  PermissionNotice notice() const override;
+  void prompt() override;
+  void openSettings() override;
 };
 
 }  // namespace orvel

@@ -9,19 +9,25 @@ bool SystemTrustCheck::isTrusted() {
   return AXIsProcessTrusted() != 0;
 }
 
-bool SystemTrustCheck::prompt() {
+PermissionNotice SystemTrustCheck::notice() const {
+  return {.heading = "Accessibility is off",
+          .explanation =
+              "macOS will not let Orvel move the cursor until you tick it under Privacy & Security → Accessibility.",
+          .action = "Open Accessibility settings"};
+}
+
+void SystemTrustCheck::prompt() {
   @autoreleasepool {
     NSDictionary* options = @{(__bridge NSString*)kAXTrustedCheckOptionPrompt : @YES};
     AXIsProcessTrustedWithOptions((__bridge CFDictionaryRef)options);
-    return true;
   }
 }
 
-bool SystemTrustCheck::openSettings() {
+void SystemTrustCheck::openSettings() {
   @autoreleasepool {
     NSURL* pane =
         [NSURL URLWithString:@"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"];
-    return pane != nil && [NSWorkspace.sharedWorkspace openURL:pane];
+    if (pane != nil) [NSWorkspace.sharedWorkspace openURL:pane];
   }
 }
 

@@ -8,7 +8,6 @@ namespace fake {
 
 struct OpenedURLs {
   std::vector<std::string> all;
-  bool areRefused = false;
 };
 
 /// Tests set it anew.

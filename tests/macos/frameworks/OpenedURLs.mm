@@ -10,6 +10,6 @@ fake::OpenedURLs& fake::openedURLs() {
 @implementation NSWorkspace (Opening)
 - (BOOL)openURL:(NSURL*)url {
   fake::openedURLs().all.push_back(url.absoluteString.UTF8String);
-  return !fake::openedURLs().areRefused;
+  return YES;
 }
 @end

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/X11Connection.hpp"
 
+#include "platform/linux/x11/Xwayland.hpp"
+
 #include <sys/socket.h>
 
 #include <chrono>
@@ -108,6 +110,11 @@ bool X11Connection::isFarewell(const xcb_generic_event_t& event) const {
 const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& name) const {
   const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection_, &name);
   return reply != nullptr && reply->present ? reply : nullptr;
+}
+
+bool X11Connection::isXwayland() const {
+  std::call_once(askedForXwayland_, [this] { isXwayland_ = orvel::isXwayland(*this); });
+  return isXwayland_;
 }
 
 }  // namespace orvel

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <semaphore>
 #include <string>
 #include <thread>
@@ -60,6 +61,9 @@ class X11Connection {
   /// What the server has of an extension, or null. Asks the server only the first time.
   const xcb_query_extension_reply_t* extension(xcb_extension_t& name) const;
 
+  /// Whether the server is Xwayland, see there. Asks the server only the first time.
+  bool isXwayland() const;
+
   xcb_connection_t* get() const { return connection_; }
   xcb_window_t root() const { return root_; }
 
@@ -72,6 +76,8 @@ class X11Connection {
   xcb_connection_t* const connection_;
   const xcb_window_t root_;
   const xcb_window_t mailbox_;  // never shown; what is sent to it comes back to us
+  mutable std::once_flag askedForXwayland_;
+  mutable bool isXwayland_ = false;
   std::atomic<bool> stopping_ = false;
   std::binary_semaphore threadEnded_{0};
   std::thread thread_;
