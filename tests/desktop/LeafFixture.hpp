@@ -16,6 +16,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,8 @@ namespace orvel {
 /// The leaves of one X server, and the thread that serves them.
 class LeafSet {
  public:
-  explicit LeafSet(const VirtualDesktop& desktop) : connection_(X11Connection::open(desktop.display())) {
+  explicit LeafSet(const VirtualDesktop& desktop) : LeafSet(desktop.display()) {}
+  explicit LeafSet(const std::string& display) : connection_(X11Connection::open(display)) {
     connection_->listen({.event =
                              [this](const xcb_generic_event_t& event) {
                                displays.handle(event);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -34,9 +35,10 @@ bool isAccessibilityOn(const MessageBus& bus) {
 
 }  // namespace
 
-SessionBus::SessionBus(const VirtualDesktop& desktop)
-    : desktop_(desktop), address_("unix:path=" + (desktop.home() / "run/bus").string()) {
-  const auto services = desktop.home() / "run/dbus-1/services";
+SessionBus::SessionBus(const std::filesystem::path& home, ChildProcess::Environment environment)
+    : address_("unix:path=" + (home / "run/bus").string()), environment_(std::move(environment)) {
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = address_;
+  const auto services = home / "run/dbus-1/services";
   std::filesystem::create_directories(services);
   for (const std::string name : {"org.freedesktop.portal.Desktop", "org.freedesktop.portal.Documents"}) {
     std::ofstream(services / (name + ".service")) << "[D-BUS Service]\nName=" << name << "\nExec=/bin/false\n";
@@ -51,7 +53,7 @@ SessionBus::~SessionBus() {
 void SessionBus::start() {
   daemon_.emplace(ChildProcess::Program{
       .command = {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address", "--address", address_},
-      .environment = environment()});
+      .environment = environment_});
   if (!daemon_->waitForOutput("unix:path=")) throw std::runtime_error("no bus: " + daemon_->output());
 }
 
@@ -59,12 +61,6 @@ void SessionBus::stop() {
   if (!daemon_) return;
   for (const pid_t process : descendantsOf(daemon_->pid())) kill(process, SIGKILL);
   daemon_.reset();
-}
-
-ChildProcess::Environment SessionBus::environment() const {
-  auto environment = desktop_.environment();
-  environment["DBUS_SESSION_BUS_ADDRESS"] = address_;
-  return environment;
 }
 
 bool SessionBus::switchOnAccessibility() const {

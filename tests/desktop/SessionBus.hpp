@@ -3,6 +3,7 @@
 #include "desktop/ChildProcess.hpp"
 #include "desktop/VirtualDesktop.hpp"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -14,8 +15,12 @@ namespace orvel {
 /// Threads: one at a time; the thread that made it must live as long as the bus.
 class SessionBus {
  public:
-  /// Starts it. Throws when there is no bus. `desktop` must outlive it.
-  explicit SessionBus(const VirtualDesktop& desktop);
+  /// Starts it. Throws when there is no bus.
+  explicit SessionBus(const VirtualDesktop& desktop) : SessionBus(desktop.home(), desktop.environment()) {}
+
+  /// The same on another kind of desktop, with a home in which there is a folder `run`.
+  SessionBus(const std::filesystem::path& home, ChildProcess::Environment environment);
+
   ~SessionBus();
   SessionBus(const SessionBus&) = delete;
   SessionBus& operator=(const SessionBus&) = delete;
@@ -23,7 +28,7 @@ class SessionBus {
   const std::string& address() const { return address_; }
 
   /// What a program needs to be on this desktop and on this bus.
-  ChildProcess::Environment environment() const;
+  const ChildProcess::Environment& environment() const { return environment_; }
 
   /// Stops the bus and the services on it. `start` starts it again, at the same address.
   void stop();
@@ -40,8 +45,8 @@ class SessionBus {
   bool waitForAccessibility() const;
 
  private:
-  const VirtualDesktop& desktop_;
   const std::string address_;
+  ChildProcess::Environment environment_;
   std::optional<ChildProcess> daemon_;
 };
 

@@ -46,7 +46,7 @@ TEST(SystemTrustCheckOfALostServerTest, IsNotTrustedAndSaysSo) {
   EXPECT_EQ(leaves.trust.notice().action, "");
 }
 
-TEST(XwaylandTest, ServersThatDoNotSayItAreKnownByTheNamesOfTheirOutputs) {
+TEST(XwaylandOutputsTest, ServersThatDoNotSayItAreKnownByTheNamesOfTheirOutputs) {
   using Names = std::vector<std::string>;
   EXPECT_TRUE(areXwaylandOutputs(Names{"XWAYLAND0"}));
   EXPECT_TRUE(areXwaylandOutputs(Names{"XWAYLAND0", "XWAYLAND12"}));

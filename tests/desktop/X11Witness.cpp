@@ -1,6 +1,7 @@
 #include "desktop/X11Witness.hpp"
 
 #include <poll.h>
+#include <xcb/xtest.h>
 
 #include <array>
 #include <cstdlib>
@@ -106,6 +107,11 @@ std::pair<int, int> X11Witness::pointer() {
       xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, screen_->root), nullptr)};
   if (!reply) throw std::runtime_error("the server has gone");
   return {reply->root_x, reply->root_y};
+}
+
+void X11Witness::movePointer(std::int16_t x, std::int16_t y) {
+  xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, screen_->root, x, y, 0);
+  xcb_flush(connection_);
 }
 
 void X11Witness::setRootProperty(const std::string& name, std::uint32_t value) {

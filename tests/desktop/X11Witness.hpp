@@ -53,6 +53,9 @@ class X11Witness {
   /// Where the server has the pointer.
   std::pair<int, int> pointer();
 
+  /// Moves the server's pointer by XTEST, as any program may.
+  void movePointer(std::int16_t x, std::int16_t y);
+
   /// Sets a property of the root window, as a window manager does.
   void setRootProperty(const std::string& name, std::uint32_t value);
 

@@ -35,10 +35,14 @@ std::vector<std::string> commandWith(std::vector<std::string> options) {
 
 HostProcess::HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment,
                          const std::vector<std::string>& options)
-    : desktop_(desktop), process_({.command = commandWith(options), .environment = environment}) {}
+    : homeEnvironment_(desktop.environment()),
+      process_({.command = commandWith(options), .environment = environment}) {}
+
+HostProcess::HostProcess(const ChildProcess::Environment& environment, const std::vector<std::string>& options)
+    : homeEnvironment_(environment), process_({.command = commandWith(options), .environment = environment}) {}
 
 std::string HostProcess::code() const {
-  ChildProcess asked({.command = {ORVEL_PROGRAM, "--pair"}, .environment = desktop_.environment()});
+  ChildProcess asked({.command = {ORVEL_PROGRAM, "--pair"}, .environment = homeEnvironment_});
   asked.waitForExit();
   const std::string label = "Code:";
   const std::string& text = asked.output();

@@ -22,6 +22,9 @@ class HostProcess {
   HostProcess(const VirtualDesktop& desktop, const ChildProcess::Environment& environment,
               const std::vector<std::string>& options = {"--background"});
 
+  /// The same on another kind of desktop.
+  HostProcess(const ChildProcess::Environment& environment, const std::vector<std::string>& options);
+
   /// Whether phones can connect, in time.
   bool waitUntilListening() { return process_.waitForOutput("Listening on "); }
 
@@ -40,7 +43,7 @@ class HostProcess {
   Footprint footprint() const;
 
  private:
-  const VirtualDesktop& desktop_;
+  const ChildProcess::Environment homeEnvironment_;
   ChildProcess process_;
 };
 

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "desktop/ChildProcess.hpp"
+#include "desktop/SessionBus.hpp"
+#include "desktop/TemporaryFolder.hpp"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvel {
+
+/// A private Wayland desktop without a monitor, 1280 by 800, with Xwayland, a private home and message buses of its
+/// own. Its compositor runs in a process namespace, so that nothing that it starts outlives it.
+///
+/// Threads: one at a time; the thread that made it must live as long as the desktop.
+class WaylandDesktop {
+ public:
+  enum class Kind { sway, gnome };
+
+  static constexpr int width = 1280;
+  static constexpr int height = 800;
+
+  /// Starts it and waits until it shows windows. Throws, with what the compositor says, when it does not.
+  explicit WaylandDesktop(Kind kind);
+
+  const std::filesystem::path& home() const { return home_.path(); }
+
+  /// The name of its Xwayland for DISPLAY. It may need the cookie of `environment`.
+  const std::string& display() const { return display_; }
+
+  const SessionBus& bus() const { return bus_; }
+
+  /// What a program needs to be on this desktop and on its bus, and on no other.
+  ChildProcess::Environment environment() const;
+
+ private:
+  const std::filesystem::path& privateHome() const;
+  ChildProcess::Environment bareEnvironment() const;
+  void startSway();
+  void startSystemBus();
+  void startGnome();
+  void startCompositor(std::vector<std::string> command, const std::vector<std::string>& compositor,
+                       const ChildProcess::Environment& environment);
+  std::string textBetween(const std::string& before, const std::string& after);
+  [[noreturn]] void fail();
+
+  const Kind kind_;
+  TemporaryFolder home_;
+  SessionBus bus_;
+  std::optional<ChildProcess> systemBus_;
+  std::optional<ChildProcess> compositor_;
+  std::string display_;
+  std::string waylandDisplay_;
+  std::optional<std::string> cookie_;
+};
+
+}  // namespace orvel
