@@ -9,6 +9,7 @@
 #include "ui/StatusItem.hpp"
 #include "ui/ToolkitGeometry.hpp"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QEvent>
@@ -111,6 +112,8 @@ void MenuBarExtra::dismissPanel() {
 }
 
 void MenuBarExtra::dismissPanelUnlessPointedAt() {
+  // A menu of the panel's may reach beyond it.
+  if (QApplication::activePopupWidget() != nullptr) return;
   if (panel_ && !panel_->frameGeometry().contains(QCursor::pos())) dismissPanel();
 }
 

@@ -8,18 +8,18 @@ namespace {
 
 constexpr qsizetype longestName = 1024;
 
-/// On one line and of a length that can be read, without what has no shape.
-QString readable(const QString& name) {
+}  // namespace
+
+QString NameLabel::readable(const QString& name) {
   QString text = name.left(longestName).simplified();
   text.removeIf([](QChar character) { return character.category() == QChar::Other_Control; });
   return text;
 }
 
-}  // namespace
-
-NameLabel::NameLabel(const QString& name) {
+NameLabel::NameLabel(const QString& name, const QString& description) {
   setTextFormat(Qt::PlainText);
   setText(readable(name));
+  setAccessibleDescription(description);
   setToolTip(QStringLiteral("<span>%1</span>").arg(text().toHtmlEscaped()));
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }

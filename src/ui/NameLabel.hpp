@@ -9,7 +9,11 @@ namespace orvel {
 /// Threads: the main thread.
 class NameLabel final : public QLabel {
  public:
-  explicit NameLabel(const QString& name);
+  /// `description` is what screen readers say of whose name it is.
+  NameLabel(const QString& name, const QString& description);
+
+  /// On one line and of a length that can be read, without what has no shape.
+  static QString readable(const QString& name);
 
   QSize minimumSizeHint() const override;
 

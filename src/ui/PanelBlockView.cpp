@@ -1,9 +1,10 @@
 #include "ui/PanelBlockView.hpp"
 
 #include "ui/PanelLook.hpp"
+#include "ui/ToggleSwitch.hpp"
 
-#include <QFrame>
 #include <QLabel>
+#include <QPainter>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <iterator>
@@ -16,35 +17,24 @@ namespace {
 constexpr double sidePoints = 16;
 constexpr double edgePoints = 12;
 constexpr double rowGapPoints = 7;
-
-QVBoxLayout* tightLayout(QWidget* widget) {
-  auto* layout = new QVBoxLayout(widget);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(0);
-  return layout;
-}
-
-QFrame* divider(const QColor& color) {
-  auto* line = new QFrame;
-  line->setFixedHeight(1);
-  line->setAutoFillBackground(true);
-  QPalette palette;
-  palette.setColor(QPalette::Window, color);
-  line->setPalette(palette);
-  return line;
-}
+constexpr int dividerHeight = 1;
 
 }  // namespace
 
 PanelBlockView::PanelBlockView(PanelBlock::Kind kind, const PanelLook& look, const PanelRowMaker::Handlers& handlers)
-    : kind_(kind), make_(look, handlers), rows_(new QVBoxLayout) {
-  QVBoxLayout* outer = tightLayout(this);
-  if (kind != PanelBlock::Kind::header) outer->addWidget(divider(look.divider()));
+    : kind_(kind), make_(look, handlers), divider_(look.divider()), rows_(new QVBoxLayout(this)) {
   const int side = look.length(sidePoints);
   const int edge = look.length(edgePoints);
-  rows_->setContentsMargins(side, edge, side, edge);
+  const int above = kind == PanelBlock::Kind::header ? 0 : dividerHeight;
+  // The switch ends where the link and the texts do.
+  const int beyond = kind == PanelBlock::Kind::options ? ToggleSwitch::markRoom : 0;
+  rows_->setContentsMargins(side, edge + above, side - beyond, edge);
   rows_->setSpacing(look.length(rowGapPoints));
-  outer->addLayout(rows_);
+}
+
+void PanelBlockView::paintEvent(QPaintEvent*) {
+  // Not a widget: screen readers need not know of it.
+  if (kind_ != PanelBlock::Kind::header) QPainter(this).fillRect(0, 0, width(), dividerHeight, divider_);
 }
 
 bool PanelBlockView::shows(const std::vector<PanelRow>& rows) const {
@@ -64,8 +54,8 @@ void PanelBlockView::showRows(const std::vector<PanelRow>& rows) {
   shown_ = std::move(next);
   while (QLayoutItem* item = rows_->takeAt(0)) delete item;
   for (const Shown& shown : shown_) {
-    const bool isCode = std::holds_alternative<PanelQR>(shown.row);
-    rows_->addWidget(shown.widget, 0, isCode ? Qt::AlignHCenter : Qt::Alignment());
+    const bool isNarrow = std::holds_alternative<PanelQR>(shown.row) || std::holds_alternative<PanelFields>(shown.row);
+    rows_->addWidget(shown.widget, 0, isNarrow ? Qt::AlignHCenter : Qt::Alignment());
     shown.widget->show();
     // Screen readers go by this order.
     shown.widget->raise();

@@ -3,6 +3,7 @@
 #include "ui/PanelContent.hpp"
 #include "ui/PanelRowMaker.hpp"
 
+#include <QColor>
 #include <QWidget>
 #include <vector>
 
@@ -30,6 +31,9 @@ class PanelBlockView final : public QWidget {
   /// What the keyboard can reach, top to bottom.
   std::vector<QWidget*> controls() const;
 
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
  private:
   struct Shown {
     PanelRow row;
@@ -41,6 +45,7 @@ class PanelBlockView final : public QWidget {
 
   const PanelBlock::Kind kind_;
   const PanelRowMaker make_;
+  const QColor divider_;
   std::vector<Shown> shown_;
   std::vector<QWidget*> forgotten_;
   QVBoxLayout* const rows_;

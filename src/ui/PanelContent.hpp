@@ -66,10 +66,26 @@ struct PanelQR {
   friend bool operator==(const PanelQR&, const PanelQR&) = default;
 };
 
-/// A label, and a button that looks like a link at the end of its row.
+/// A text that can be selected and copied, in equally wide characters.
+struct PanelField {
+  std::string name;  ///< What screen readers call it.
+  std::string text;
+
+  friend bool operator==(const PanelField&, const PanelField&) = default;
+};
+
+/// Texts that belong together, in a box.
+struct PanelFields {
+  std::vector<PanelField> fields;
+
+  friend bool operator==(const PanelFields&, const PanelFields&) = default;
+};
+
+/// A label, and at the end of its row a button that looks like a link and shows or hides something.
 struct PanelLabel {
   std::string text;
   PanelButton link;
+  bool isExpanded = false;
 
   friend bool operator==(const PanelLabel&, const PanelLabel&) = default;
 };
@@ -89,7 +105,7 @@ struct PanelButtons {
   friend bool operator==(const PanelButtons&, const PanelButtons&) = default;
 };
 
-using PanelRow = std::variant<PanelStatus, PanelText, PanelQR, PanelLabel, PanelToggle, PanelButtons>;
+using PanelRow = std::variant<PanelStatus, PanelText, PanelQR, PanelFields, PanelLabel, PanelToggle, PanelButtons>;
 
 struct PanelBlock {
   enum class Kind { header, permission, pairing, connections, options, footer };

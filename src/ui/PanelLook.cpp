@@ -86,7 +86,7 @@ QColor PanelLook::color(PanelColor color) const {
     case PanelColor::red:
       return isDark_ ? QColor(0xff, 0x6b, 0x60) : QColor(0xcf, 0x12, 0x1d);
     case PanelColor::orange:
-      return isDark_ ? QColor(0xff, 0xa3, 0x2e) : QColor(0xe0, 0x78, 0x00);
+      return isDark_ ? QColor(0xff, 0xa3, 0x2e) : QColor(0xc8, 0x6a, 0x00);
     case PanelColor::green:
       return isDark_ ? QColor(0x36, 0xd0, 0x58) : QColor(0x22, 0x9f, 0x40);
   }
@@ -105,6 +105,14 @@ QColor PanelLook::frame() const {
   return isDark_ ? QColor(0x5a, 0x5a, 0x60) : QColor(0xb4, 0xb4, 0xba);
 }
 
+QColor PanelLook::outline() const {
+  return isDark_ ? QColor(0x8a, 0x8a, 0x90) : QColor(0x86, 0x86, 0x8c);
+}
+
+QColor PanelLook::switchOn() const {
+  return {0x22, 0x9f, 0x40};
+}
+
 QColor PanelLook::accent() const {
   return isDark_ ? QColor(0x5c, 0xaa, 0xff) : QColor(0x0a, 0x60, 0xd0);
 }
@@ -121,30 +129,33 @@ QPalette PanelLook::palette() const {
   palette.setColor(QPalette::Window, ground());
   palette.setColor(QPalette::Highlight, accent());
   palette.setColor(QPalette::Link, accent());
-  palette.setColor(QPalette::Disabled, QPalette::ButtonText, color(PanelColor::secondary));
   return palette;
 }
 
 QString PanelLook::styleSheet() const {
   const auto name = [](const QColor& color) { return color.name(); };
-  const QColor button = isDark_ ? QColor(0x46, 0x46, 0x4b) : QColor(0xff, 0xff, 0xff);
-  const QColor pressed = isDark_ ? QColor(0x38, 0x38, 0x3c) : QColor(0xe4, 0xe4, 0xe8);
+  const QColor button = isDark_ ? QColor(0x38, 0x38, 0x3c) : QColor(0xff, 0xff, 0xff);
+  const QColor pressed = isDark_ ? QColor(0x1e, 0x1e, 0x20) : QColor(0xe4, 0xe4, 0xe8);
   return QStringLiteral(
              "QPushButton{outline:none;color:%1;background:%2;border:1px solid %3;border-radius:%4px;padding:%5px %6px}"
              "QPushButton:hover{border-color:%7}QPushButton:pressed{background:%8}"
              "QPushButton:focus{border:2px solid %7;padding:%9px %10px}"
-             "QPushButton:disabled{color:%11}"
-             "QPushButton#link{color:%7;background:transparent;border:1px solid transparent;padding:1px 3px}"
+             "QPushButton#link{color:%7;background:transparent;border:none;border-radius:0;border-bottom:2px solid "
+             "transparent;padding:2px 0 0 0}"
              "QPushButton#link:hover{text-decoration:underline}"
-             "QPushButton#link:focus{border-color:%7}")
-      .arg(name(color(PanelColor::primary)), name(button), name(frame()))
+             "QPushButton#link:focus{border-bottom-color:%7}"
+             "QWidget#fields{background:%2;border:1px solid %11;border-radius:%4px}"
+             "QLineEdit{color:%1;background:transparent;border:1px solid transparent;border-radius:%5px;"
+             "selection-background-color:%7;selection-color:%12}"
+             "QLineEdit:focus{border-color:%7}")
+      .arg(name(color(PanelColor::primary)), name(button), name(outline()))
       .arg(length(5))
       .arg(length(3))
       .arg(length(10))
       .arg(name(accent()), name(pressed))
       .arg(length(3) - 1)
       .arg(length(10) - 1)
-      .arg(name(color(PanelColor::secondary)));
+      .arg(name(divider()), name(ground()));
 }
 
 QString PanelLook::scrollBarStyleSheet() const {
@@ -152,7 +163,7 @@ QString PanelLook::scrollBarStyleSheet() const {
              "QScrollBar{width:%1px;background:transparent}QScrollBar::handle{background:%2;border-radius:%3px;"
              "min-height:%4px}QScrollBar::add-line,QScrollBar::sub-line{height:0}")
       .arg(length(8))
-      .arg(frame().name())
+      .arg(outline().name())
       .arg(length(4))
       .arg(length(24));
 }

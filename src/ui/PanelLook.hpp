@@ -22,6 +22,11 @@ class PanelLook {
   QColor ground() const;
   QColor divider() const;
   QColor frame() const;
+
+  /// Of what can be pressed: at least three times as light or as dark as what is beside it.
+  QColor outline() const;
+  QColor switchOn() const;
+
   QColor accent() const;
 
   /// So many points, in the toolkit's units.

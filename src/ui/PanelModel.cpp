@@ -4,6 +4,7 @@
 #include "ui/PanelHost.hpp"
 #include "ui/QRMaker.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvel {
@@ -44,7 +45,8 @@ PanelBlock permissionBlock(const PanelState& state) {
 PanelBlock connectionsBlock(const PanelState& state, bool showingQR) {
   PanelBlock block{.kind = Kind::connections,
                    .rows = {PanelLabel{.text = "Connected",
-                                       .link = {showingQR ? "Hide code" : "Show code", PanelAction::toggleCode}}}};
+                                       .link = {showingQR ? "Hide code" : "Show code", PanelAction::toggleCode},
+                                       .isExpanded = showingQR}}};
   if (state.clients.empty()) block.rows.emplace_back(smallText("No phones right now"));
   for (const std::string& client : state.clients) {
     block.rows.emplace_back(PanelText{.text = client,
@@ -73,6 +75,27 @@ PanelBlock footerBlock() {
                                             {"New code", PanelAction::newCode},
                                             {"Quit", PanelAction::quit}},
                                 .areSmall = true}}};
+}
+
+/// Those that are in `now` more often than in `before`.
+std::vector<std::string> newcomers(std::vector<std::string> before, const std::vector<std::string>& now) {
+  std::vector<std::string> added;
+  for (const std::string& client : now) {
+    const auto known = std::ranges::find(before, client);
+    if (known == before.end()) {
+      added.push_back(client);
+    } else {
+      before.erase(known);
+    }
+  }
+  return added;
+}
+
+void addChanges(std::vector<std::string>& news, const PanelState& before, const PanelState& now) {
+  for (const std::string& client : newcomers(before.clients, now.clients)) news.push_back("Connected: " + client);
+  if (now.mirroring && !before.mirroring) news.emplace_back("Sharing your screen");
+  if (!now.mirroring && before.mirroring) news.emplace_back("No longer sharing your screen");
+  if (now.lastError && now.lastError != before.lastError) news.push_back(*now.lastError);
 }
 
 }  // namespace
@@ -113,10 +136,23 @@ PanelBlock PanelModel::pairingBlock(const PanelState& state) const {
     block.rows.emplace_back(PanelQR{.image = std::move(*image), .shownSide = shownQRSide});
   }
   block.rows.emplace_back(PanelText{.text = "Scan this in the app"});
-  block.rows.emplace_back(PanelText{.text = addressText(state), .font = PanelFont::monospaced});
-  block.rows.emplace_back(PanelText{.text = invitation.displayCode, .font = PanelFont::monospaced});
+  block.rows.emplace_back(PanelFields{.fields = {{.name = "Address", .text = addressText(state)},
+                                                 {.name = "Pairing code", .text = invitation.displayCode}}});
   block.rows.emplace_back(smallText("Or type those two into the app by hand."));
   return block;
+}
+
+std::vector<std::string> PanelModel::takeNews() {
+  std::vector<std::string> news;
+  if (replacedCode_ && host_.invitation().displayCode != *replacedCode_) {
+    replacedCode_.reset();
+    showingQR_ = true;
+    news.emplace_back("There is a new code. Every phone has to pair again.");
+  }
+  PanelState state = host_.state();
+  if (known_) addChanges(news, *known_, state);
+  known_ = std::move(state);
+  return news;
 }
 
 void PanelModel::perform(PanelAction action) {
@@ -129,6 +165,7 @@ void PanelModel::perform(PanelAction action) {
     case PanelAction::restart:
       return host_.restart();
     case PanelAction::newCode:
+      replacedCode_ = host_.invitation().displayCode;
       return host_.renewCode();
     case PanelAction::quit:
       return host_.quit();

@@ -1,23 +1,29 @@
 #pragma once
 
 #include "ui/PanelContent.hpp"
+#include "ui/PanelHost.hpp"
 
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace orvel {
 
 class LoginItem;
-class PanelHost;
-struct PanelState;
 
-/// Chooses what the panel shows from the state of the host, and hands on what its user does. Of its own it keeps only
-/// whether the pairing code is shown, so it lives as long as the panel is open. Threads: the main thread.
+/// Chooses what the panel shows from the state of the host, and hands on what its user does. Of its own it keeps
+/// whether the pairing code is shown, and what has been announced, so it lives as long as the panel is open. Threads:
+/// the main thread.
 class PanelModel {
  public:
   PanelModel(PanelHost& host, LoginItem& loginItem) : host_(host), loginItem_(loginItem) {}
 
   /// The panel has appeared: what may have changed while it was closed is read anew.
   void appear();
+
+  /// What has changed since the last call, in sentences for somebody who does not see the panel; nothing at the first.
+  /// Called before `content`: a code that was asked for is shown once it is there.
+  std::vector<std::string> takeNews();
 
   /// What to show now.
   PanelContent content() const;
@@ -37,6 +43,8 @@ class PanelModel {
   PanelHost& host_;
   LoginItem& loginItem_;
   bool showingQR_ = false;
+  std::optional<std::string> replacedCode_;  // while another was asked for and is not there
+  std::optional<PanelState> known_;
 };
 
 }  // namespace orvel

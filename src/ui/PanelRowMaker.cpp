@@ -1,5 +1,7 @@
 #include "ui/PanelRowMaker.hpp"
 
+#include "ui/CopyableText.hpp"
+#include "ui/DisclosureButton.hpp"
 #include "ui/Drawing.hpp"
 #include "ui/NameLabel.hpp"
 #include "ui/QRView.hpp"
@@ -21,6 +23,8 @@ namespace {
 constexpr double circlePoints = 8;
 constexpr double symbolPoints = 14;
 constexpr double symbolGapPoints = 6;
+constexpr double fieldSidePoints = 10;
+constexpr double fieldEdgePoints = 5;
 
 void setTextColor(QWidget* widget, const QColor& color) {
   QPalette palette = widget->palette();
@@ -83,7 +87,7 @@ QWidget* PanelRowMaker::operator()(const PanelText& text) const {
 
 QWidget* PanelRowMaker::plainText(const PanelText& text) const {
   const QString string = QString::fromStdString(text.text);
-  QLabel* label = text.isName ? new NameLabel(string) : new QLabel;
+  QLabel* label = text.isName ? new NameLabel(string, QStringLiteral("Connected phone")) : new QLabel;
   if (!text.isName) {
     label->setTextFormat(Qt::PlainText);
     label->setText(string);
@@ -107,11 +111,29 @@ QWidget* PanelRowMaker::operator()(const PanelQR& code) const {
   return new QRView(code.image, code.shownSide);
 }
 
+QWidget* PanelRowMaker::operator()(const PanelFields& row) const {
+  auto* box = new QWidget;
+  box->setObjectName(QStringLiteral("fields"));
+  box->setAttribute(Qt::WA_StyledBackground);
+  auto* layout = tightLayout<QVBoxLayout>(box, 0);
+  const int side = look_.length(fieldSidePoints);
+  const int edge = look_.length(fieldEdgePoints);
+  layout->setContentsMargins(side, edge, side, edge);
+  for (const PanelField& field : row.fields) {
+    auto* text = new CopyableText(QString::fromStdString(field.text), look_.font(PanelFont::monospaced));
+    text->setObjectName(QString::fromStdString(field.name));
+    text->setAccessibleName(text->objectName());
+    layout->addWidget(text);
+  }
+  return box;
+}
+
 QWidget* PanelRowMaker::operator()(const PanelLabel& label) const {
   auto* row = new QWidget;
   auto* layout = tightLayout<QHBoxLayout>(row, look_.length(symbolGapPoints));
   layout->addWidget(plainText({.text = label.text, .font = PanelFont::label, .color = PanelColor::secondary}), 1);
-  QPushButton* link = button(label.link);
+  auto* link = new DisclosureButton(label.isExpanded);
+  prepare(link, label.link);
   link->setCursor(Qt::PointingHandCursor);
   layout->addWidget(link);
   return row;
@@ -119,8 +141,8 @@ QWidget* PanelRowMaker::operator()(const PanelLabel& label) const {
 
 QWidget* PanelRowMaker::operator()(const PanelToggle& toggle) const {
   auto* box = new ToggleSwitch(QString::fromStdString(toggle.text), {.text = look_.color(PanelColor::primary),
-                                                                     .on = look_.color(PanelColor::green),
-                                                                     .off = look_.frame(),
+                                                                     .on = look_.switchOn(),
+                                                                     .off = look_.outline(),
                                                                      .focus = look_.accent()});
   box->setObjectName(QStringLiteral("startAtLogin"));
   box->setFont(look_.font(PanelFont::body));
@@ -135,7 +157,8 @@ QWidget* PanelRowMaker::operator()(const PanelButtons& row) const {
   auto* widget = new QWidget;
   auto* layout = tightLayout<QHBoxLayout>(widget, look_.length(6));
   for (const PanelButton& one : row.buttons) {
-    QPushButton* made = button(one);
+    auto* made = new QPushButton;
+    prepare(made, one);
     made->setFont(look_.font(row.areSmall ? PanelFont::small : PanelFont::body));
     layout->addWidget(made);
   }
@@ -143,8 +166,8 @@ QWidget* PanelRowMaker::operator()(const PanelButtons& row) const {
   return widget;
 }
 
-QPushButton* PanelRowMaker::button(const PanelButton& button) const {
-  auto* made = new QPushButton(QString::fromStdString(button.text));
+void PanelRowMaker::prepare(QPushButton* made, const PanelButton& button) const {
+  made->setText(QString::fromStdString(button.text));
   made->setObjectName(nameOf(button.action));
   made->setFont(look_.font(PanelFont::small));
   made->setAutoDefault(true);
@@ -152,7 +175,6 @@ QPushButton* PanelRowMaker::button(const PanelButton& button) const {
   made->setFocusPolicy(Qt::TabFocus);
   QObject::connect(made, &QPushButton::clicked, made,
                    [&handlers = handlers_, action = button.action] { handlers.perform(action); });
-  return made;
 }
 
 }  // namespace orvel

@@ -25,6 +25,7 @@ class PanelRowMaker {
   QWidget* operator()(const PanelStatus& status) const;
   QWidget* operator()(const PanelText& text) const;
   QWidget* operator()(const PanelQR& code) const;
+  QWidget* operator()(const PanelFields& row) const;
   QWidget* operator()(const PanelLabel& label) const;
   QWidget* operator()(const PanelToggle& toggle) const;
   QWidget* operator()(const PanelButtons& row) const;
@@ -32,7 +33,7 @@ class PanelRowMaker {
  private:
   QWidget* plainText(const PanelText& text) const;
   QWidget* symbol(const PanelSymbol& symbol) const;
-  QPushButton* button(const PanelButton& button) const;
+  void prepare(QPushButton* made, const PanelButton& button) const;
 
   const PanelLook& look_;
   const Handlers& handlers_;

@@ -1,8 +1,12 @@
 #include "ui/PanelView.hpp"
 
+#include "ui/Announcer.hpp"
+#include "ui/NameLabel.hpp"
+#include "ui/PanelAccessibility.hpp"
 #include "ui/PanelBlockView.hpp"
 #include "ui/PanelModel.hpp"
 
+#include <QStringList>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -11,6 +15,15 @@ namespace orvel {
 namespace {
 
 constexpr double widthPoints = 288;
+/// Has room for the QR code, which does not follow the font.
+constexpr int leastWidth = 240;
+
+/// As a screen reader is to say them, one after the other.
+QString sentences(const std::vector<std::string>& news) {
+  QStringList lines;
+  for (const std::string& one : news) lines << NameLabel::readable(QString::fromStdString(one));
+  return lines.join(QLatin1Char('\n'));
+}
 
 bool isShown(const PanelContent& content, const std::vector<PanelBlockView*>& blocks) {
   return std::ranges::equal(content, blocks, [](const PanelBlock& block, const PanelBlockView* view) {
@@ -20,7 +33,7 @@ bool isShown(const PanelContent& content, const std::vector<PanelBlockView*>& bl
 
 }  // namespace
 
-PanelView::PanelView(PanelModel& model, const Appearance& appearance, std::function<void()> changed)
+PanelView::PanelView(PanelModel& model, const Appearance& appearance, Changed changed)
     : model_(model),
       appearance_(appearance),
       look_(appearance),
@@ -39,7 +52,9 @@ PanelView::PanelView(PanelModel& model, const Appearance& appearance, std::funct
                       refresh();
                     }},
       changed_(std::move(changed)),
-      layout_(new QVBoxLayout(this)) {
+      layout_(new QVBoxLayout(this)),
+      announcer_(new Announcer(this)) {
+  PanelAccessibility::install();
   layout_->setContentsMargins(0, 0, 0, 0);
   layout_->setSpacing(0);
   applyLook();
@@ -60,11 +75,14 @@ void PanelView::restyle() {
 }
 
 void PanelView::refresh() {
+  const std::vector<std::string> news = model_.takeNews();
   const PanelContent content = model_.content();
   if (!isShown(content, blocks_)) showContent(content);
+  announcer_->announce(sentences(news));
 }
 
 void PanelView::showContent(const PanelContent& content) {
+  const PanelBlockView* const openBefore = shownBlock(PanelBlock::Kind::pairing);
   const QWidget* focused = focusWidget();
   const QString focusName = focused == nullptr ? QString() : focused->objectName();
   std::vector<PanelBlockView*> next;
@@ -76,12 +94,18 @@ void PanelView::showContent(const PanelContent& content) {
   retire(std::exchange(blocks_, std::move(next)));
   arrange();
   if (!focusName.isEmpty()) focusControl(focusName);
-  changed_();
+  PanelBlockView* const open = shownBlock(PanelBlock::Kind::pairing);
+  changed_(openBefore == nullptr ? open : nullptr);
+}
+
+PanelBlockView* PanelView::shownBlock(PanelBlock::Kind kind) const {
+  const auto found = std::ranges::find(blocks_, kind, &PanelBlockView::kind);
+  return found == blocks_.end() ? nullptr : *found;
 }
 
 PanelBlockView* PanelView::viewFor(PanelBlock::Kind kind) {
-  const auto found = std::ranges::find(blocks_, kind, &PanelBlockView::kind);
-  return found == blocks_.end() ? new PanelBlockView(kind, look_, handlers_) : *found;
+  PanelBlockView* const shown = shownBlock(kind);
+  return shown == nullptr ? new PanelBlockView(kind, look_, handlers_) : shown;
 }
 
 void PanelView::retire(const std::vector<PanelBlockView*>& blocks) {
@@ -99,6 +123,8 @@ void PanelView::arrange() {
   for (PanelBlockView* block : blocks_) {
     layout_->addWidget(block);
     block->show();
+  }
+  for (PanelBlockView* block : readingOrder()) {
     // Screen readers go by this order.
     block->raise();
     for (QWidget* control : block->controls()) {
@@ -106,6 +132,15 @@ void PanelView::arrange() {
       last = control;
     }
   }
+}
+
+/// What a link opens follows it for the keyboard and for screen readers, though the eye finds it above.
+std::vector<PanelBlockView*> PanelView::readingOrder() const {
+  std::vector<PanelBlockView*> order = blocks_;
+  const auto pairing = std::ranges::find(order, PanelBlock::Kind::pairing, &PanelBlockView::kind);
+  const auto connections = std::ranges::find(order, PanelBlock::Kind::connections, &PanelBlockView::kind);
+  if (pairing < connections && connections != order.end()) std::rotate(pairing, pairing + 1, connections + 1);
+  return order;
 }
 
 void PanelView::focusControl(const QString& name) const {
@@ -116,7 +151,8 @@ void PanelView::focusControl(const QString& name) const {
 }
 
 void PanelView::fit(int mostWidth) {
-  const int width = std::min(look_.length(widthPoints), mostWidth);
+  const int wanted = std::max({look_.length(widthPoints), leastWidth, layout_->minimumSize().width()});
+  const int width = std::min(wanted, mostWidth);
   setFixedWidth(width);
   resize(width, layout_->totalHeightForWidth(width));
 }

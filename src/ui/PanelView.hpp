@@ -12,6 +12,7 @@ class QVBoxLayout;
 
 namespace orvel {
 
+class Announcer;
 class Appearance;
 class PanelBlockView;
 class PanelModel;
@@ -19,8 +20,11 @@ class PanelModel;
 /// Shows what the panel's model says, and tells it what is pressed. Threads: the main thread.
 class PanelView final : public QWidget {
  public:
-  /// `changed` is called when it shows something else and may need another size. All must outlive it.
-  PanelView(PanelModel& model, const Appearance& appearance, std::function<void()> changed);
+  /// Called when it shows something else and may need another size, with the block that has just been opened, if any.
+  using Changed = std::function<void(QWidget* opened)>;
+
+  /// All must outlive it.
+  PanelView(PanelModel& model, const Appearance& appearance, Changed changed);
 
   /// Shows what the model says now.
   void refresh();
@@ -34,9 +38,11 @@ class PanelView final : public QWidget {
 
  private:
   void showContent(const PanelContent& content);
+  PanelBlockView* shownBlock(PanelBlock::Kind kind) const;
   PanelBlockView* viewFor(PanelBlock::Kind kind);
   void retire(const std::vector<PanelBlockView*>& blocks);
   void arrange();
+  std::vector<PanelBlockView*> readingOrder() const;
   void focusControl(const QString& name) const;
   void applyLook();
 
@@ -44,9 +50,10 @@ class PanelView final : public QWidget {
   const Appearance& appearance_;
   PanelLook look_;
   const PanelRowMaker::Handlers handlers_;
-  const std::function<void()> changed_;
+  const Changed changed_;
   std::vector<PanelBlockView*> blocks_;
   QVBoxLayout* const layout_;
+  Announcer* const announcer_;
 };
 
 }  // namespace orvel

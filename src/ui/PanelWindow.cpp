@@ -3,8 +3,10 @@
 #include "ui/PanelLook.hpp"
 #include "ui/PanelPlacement.hpp"
 #include "ui/PanelView.hpp"
+#include "ui/QRView.hpp"
 #include "ui/ToolkitGeometry.hpp"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -42,7 +44,7 @@ PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const
       appearance_(appearance),
       handlers_(std::move(handlers)),
       model_(host, loginItem),
-      view_(new PanelView(model_, appearance, [this] { fit(); })),
+      view_(new PanelView(model_, appearance, [this](QWidget* opened) { showChanged(opened); })),
       scroll_(new QScrollArea) {
   setWindowTitle(QStringLiteral("Orvel"));
   // The first Tab goes to the first control; none is marked before.
@@ -82,6 +84,14 @@ void PanelWindow::restyle() {
   view_->restyle();
 }
 
+void PanelWindow::showChanged(QWidget* opened) {
+  fit();
+  if (opened == nullptr) return;
+  scroll_->ensureWidgetVisible(opened);
+  // Whole, where there is no room for all.
+  if (auto* code = opened->findChild<QWidget*>(QRView::name())) scroll_->ensureWidgetVisible(code);
+}
+
 void PanelWindow::fit() {
   const QScreen* screen = kind_ == Kind::normal && isVisible() ? this->screen() : screenAt(icon_);
   const QRect free = screen->availableGeometry();
@@ -114,7 +124,9 @@ bool PanelWindow::focusNextPrevChild(bool next) {
 }
 
 bool PanelWindow::event(QEvent* event) {
-  if (event->type() == QEvent::WindowDeactivate && kind_ == Kind::besideIcon) handlers_.deactivated();
+  // A menu of its own may take the keyboard from it.
+  const bool hasLeft = event->type() == QEvent::WindowDeactivate && QApplication::activePopupWidget() == nullptr;
+  if (hasLeft && kind_ == Kind::besideIcon) handlers_.deactivated();
   return QDialog::event(event);
 }
 

@@ -55,6 +55,7 @@ class PanelWindow final : public QDialog {
   bool focusNextPrevChild(bool next) override;
 
  private:
+  void showChanged(QWidget* opened);
   void fit();
   void fitNormally(const QSize& size, const QRect& free);
 

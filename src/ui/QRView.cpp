@@ -31,7 +31,8 @@ QRView::QRView(const QRImage& code, double side)
       margin_(std::ceil(marginInModules * side / static_cast<double>(code.modulesPerSide))) {
   const int whole = static_cast<int>(std::lround(side_ + 2 * margin_));
   setFixedSize(whole, whole);
-  setAccessibleName(QStringLiteral("QR code"));
+  setObjectName(name());
+  setAccessibleName(QStringLiteral("QR code to scan in the app"));
 }
 
 void QRView::paintEvent(QPaintEvent*) {

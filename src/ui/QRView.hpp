@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QString>
 #include <QWidget>
 
 namespace orvel {
@@ -13,6 +14,9 @@ class QRView final : public QWidget {
  public:
   /// `side` is the code's own, without the ground, in the toolkit's units.
   QRView(const QRImage& code, double side);
+
+  /// By which it is found among other widgets.
+  static QString name() { return QStringLiteral("qrCode"); }
 
  protected:
   void paintEvent(QPaintEvent* event) override;

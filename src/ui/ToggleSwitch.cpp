@@ -8,7 +8,6 @@ namespace {
 constexpr double trackRatio = 1.75;
 constexpr double knobInset = 2;
 constexpr double focusOutset = 1;
-constexpr int edge = 2;  // room for the mark of the keyboard's focus
 
 }  // namespace
 
@@ -17,14 +16,14 @@ ToggleSwitch::ToggleSwitch(const QString& text, const Colors& colors) : QCheckBo
 }
 
 QSize ToggleSwitch::sizeHint() const {
-  return {fontMetrics().horizontalAdvance(text()) + static_cast<int>(track().width()) + 2 * edge,
-          fontMetrics().height() + 2 * edge};
+  return {fontMetrics().horizontalAdvance(text()) + static_cast<int>(track().width()) + 2 * markRoom,
+          fontMetrics().height() + 2 * markRoom};
 }
 
 QRectF ToggleSwitch::track() const {
   const double height = fontMetrics().height();
   const double length = height * trackRatio;
-  return {width() - length - edge, (this->height() - height) / 2, length, height};
+  return {width() - length - markRoom, (this->height() - height) / 2, length, height};
 }
 
 bool ToggleSwitch::hitButton(const QPoint& place) const {

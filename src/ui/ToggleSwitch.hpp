@@ -6,9 +6,13 @@
 
 namespace orvel {
 
-/// A check box that looks like a switch at the end of its row. Threads: the main thread.
+/// A check box that looks like a switch at the end of its row, `markRoom` before its right edge. Threads: the main
+/// thread.
 class ToggleSwitch final : public QCheckBox {
  public:
+  /// Around the switch, for the mark of the keyboard's focus.
+  static constexpr int markRoom = 2;
+
   struct Colors {
     QColor text;
     QColor on;

@@ -22,6 +22,8 @@ constexpr Milliseconds answerLimit{2000};
 // The numbers of the states that matter here.
 constexpr int checkedState = 4;
 constexpr int enabledState = 8;
+constexpr int expandableState = 9;
+constexpr int expandedState = 10;
 constexpr int focusedState = 12;
 constexpr int showingState = 25;
 
@@ -156,6 +158,66 @@ bool AccessibleProgram::press(const std::string& role, const std::string& name) 
   return isDone;
 }
 
+void AccessibleProgram::listen() {
+  bus_->observe([hearing = hearing_](GDBusConnection*, GDBusMessage* message) {
+    hear(*hearing, message);
+    return false;
+  });
+  const std::string rule = "type='signal',interface='org.a11y.atspi.Event.Object',sender='" + program_ + "'";
+  bus_->call({.destination = "org.freedesktop.DBus",
+              .path = "/org/freedesktop/DBus",
+              .interface = "org.freedesktop.DBus",
+              .method = "AddMatch",
+              .arguments = g_variant_new("(s)", rule.c_str())},
+             TimeLimit(answerLimit));
+  // Toolkits send only what somebody has asked for.
+  for (const char* event : {"object:announcement", "object:state-changed:showing"}) {
+    bus_->call({.destination = "org.a11y.atspi.Registry",
+                .path = "/org/a11y/atspi/registry",
+                .interface = "org.a11y.atspi.Registry",
+                .method = "RegisterEvent",
+                .arguments = g_variant_new("(s)", event)},
+               TimeLimit(answerLimit));
+  }
+}
+
+/// The arguments of every event begin with a detail, two numbers, and a value.
+void AccessibleProgram::hear(Hearing& hearing, GDBusMessage* message) {
+  GVariant* arguments = g_dbus_message_get_body(message);
+  const char* member = g_dbus_message_get_member(message);
+  if (arguments == nullptr || member == nullptr || g_variant_n_children(arguments) < 4) return;
+  if (!g_str_has_prefix(g_variant_get_type_string(arguments), "(siiv")) return;
+  const char* detail = nullptr;
+  std::int32_t isOn = 0;
+  g_variant_get_child(arguments, 0, "&s", &detail);
+  g_variant_get_child(arguments, 1, "i", &isOn);
+  if (member == std::string_view("StateChanged") && detail == std::string_view("showing") && isOn == 1) {
+    hearing.withLock([&](auto& heard) { heard.push_back({.text = {}, .path = g_dbus_message_get_path(message)}); });
+  }
+  if (member != std::string_view("Announcement")) return;
+  GVariant* value = nullptr;
+  g_variant_get_child(arguments, 3, "v", &value);
+  const GLibPointer<GVariant> owned(value);
+  if (!g_variant_is_of_type(value, G_VARIANT_TYPE_STRING)) return;
+  hearing.withLock([&](auto& heard) { heard.push_back({.text = g_variant_get_string(value, nullptr), .path = {}}); });
+}
+
+std::string AccessibleProgram::spoken(const Heard& heard) const {
+  if (heard.path.empty()) return heard.text;
+  if (textAnswer(heard.path, accessible, "GetRoleName") != "notification") return {};
+  return textProperty(heard.path, accessible, "Name");
+}
+
+bool AccessibleProgram::waitForAnnouncement(const std::string& text) const {
+  const Deadline deadline(patience);
+  while (true) {
+    const auto heard = hearing_->withLock([](const auto& all) { return all; });
+    if (std::ranges::any_of(heard, [&](const Heard& one) { return spoken(one) == text; })) return true;
+    if (deadline.left() == Milliseconds(0)) return false;
+    std::this_thread::sleep_for(lookInterval);
+  }
+}
+
 AccessibleNode AccessibleProgram::node(const std::string& path) const {
   AccessibleNode node;
   node.path = path;
@@ -168,6 +230,8 @@ AccessibleNode AccessibleProgram::node(const std::string& path) const {
     node.isEnabled = holds(words.get(), enabledState);
     node.isFocused = holds(words.get(), focusedState);
     node.isChecked = holds(words.get(), checkedState);
+    node.isExpandable = holds(words.get(), expandableState);
+    node.isExpanded = holds(words.get(), expandedState);
   }
   if (const auto extents = ask(path, "org.a11y.atspi.Component", "GetExtents", "((iiii))", g_variant_new("(u)", 0))) {
     std::array<std::int32_t, 4> sides{};

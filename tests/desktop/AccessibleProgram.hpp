@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Geometry.hpp"
+#include "base/Guarded.hpp"
 #include "desktop/Patience.hpp"
 #include "desktop/SessionBus.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
@@ -8,6 +9,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +27,8 @@ struct AccessibleNode {
   bool isEnabled = false;
   bool isFocused = false;
   bool isChecked = false;
+  bool isExpandable = false;
+  bool isExpanded = false;
   std::string path;  ///< Its object on the bus of accessibility.
 };
 
@@ -61,7 +65,22 @@ class AccessibleProgram {
   /// Waits until that one is shown, then does what a click on it does. False when it has no such action.
   bool press(const std::string& role, const std::string& name) const;
 
+  /// Keeps from now on what the program has screen readers say though nobody asked. Called once.
+  void listen();
+
+  /// Waits until it has them say that. False when it does not in time.
+  bool waitForAnnouncement(const std::string& text) const;
+
  private:
+  /// An announcement has a text, a notification that came up has a path.
+  struct Heard {
+    std::string text;
+    std::string path;
+  };
+  using Hearing = Guarded<std::vector<Heard>>;
+
+  static void hear(Hearing& hearing, GDBusMessage* message);
+  std::string spoken(const Heard& heard) const;
   bool findProgram(pid_t process, const TimeLimit& limit);
   AccessibleNode node(const std::string& path) const;
   std::vector<std::string> childrenOf(const std::string& path) const;
@@ -75,6 +94,7 @@ class AccessibleProgram {
 
   std::optional<MessageBus> bus_;  // that of accessibility
   std::string program_;            // its name there
+  const std::shared_ptr<Hearing> hearing_ = std::make_shared<Hearing>();
 };
 
 }  // namespace orvel

@@ -17,8 +17,9 @@ class FakePanelHost final : public PanelHost {
   void restart() override { asked.emplace_back("restart"); }
   void renewCode() override {
     asked.emplace_back("renewCode");
-    offered = {"payload of the new code", "NEWC-ODEN-EWCO-DENE"};
+    if (renewsAtOnce) finishRenewal();
   }
+  void finishRenewal() { offered = {"payload of the new code", "NEWC-ODEN-EWCO-DENE"}; }
   void quit() override { asked.emplace_back("quit"); }
 
   /// A host that listens, with the permission and without phones. The words for a missing permission are those of
@@ -34,6 +35,7 @@ class FakePanelHost final : public PanelHost {
                      .action = "Open Accessibility settings"}};
   PairingInvitation offered{R"({"v":1,"host":"192.168.1.23","port":8787,"token":"ABCDEFGHJKLMNPQR","name":"desk"})",
                             "ABCD-EFGH-JKLM-NPQR"};
+  bool renewsAtOnce = true;
   std::vector<std::string> asked;
 };
 

@@ -59,7 +59,7 @@ struct PanelFixture : DesktopFixture {
 
   bool shows(const std::string& text) const {
     return panel->waitFor([&](const AccessibleProgram::Nodes& nodes) {
-      return std::ranges::any_of(nodes, [&](const AccessibleNode& node) { return node.name == text; });
+      return std::ranges::any_of(nodes, [&](const auto& node) { return node.name == text || node.text == text; });
     });
   }
 

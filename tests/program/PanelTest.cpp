@@ -88,9 +88,13 @@ TEST_F(PanelTest, ANewCodeDisconnectsThePhoneAndChangesTheQRCode) {
   const std::string before = codeFromPanel();
   auto phone = connectPaired(before, "Anna's iPhone");
   ASSERT_TRUE(shows("1 phone connected"));
+  // Somebody who has hidden the code gets to see that there is another.
+  ASSERT_TRUE(press("Hide code"));
+  ASSERT_TRUE(shows("Show code"));
   ASSERT_TRUE(press("New code"));
   EXPECT_TRUE(isDisconnected(phone));
   EXPECT_TRUE(shows("No phones right now"));
+  EXPECT_TRUE(shows("Hide code"));
   EXPECT_TRUE(eventually([&] { return scannedCode() != before; }));
   EXPECT_NO_THROW(connectPaired(scannedCode(), "Anna's iPhone"));
   EXPECT_THROW(connectPaired(before, "Anna's iPhone"), std::runtime_error);
@@ -195,8 +199,54 @@ TEST_F(PanelTest, TheKeyboardReachesEverythingAndEscapeClosesIt) {
   pressKey(space);
   EXPECT_TRUE(shows("Hide code"));
   EXPECT_EQ(panel->waitFor("push button", "Hide code").isFocused, true);
+  for (const char* field : {"Address", "Pairing code"}) {
+    pressKey(tab);
+    EXPECT_TRUE(eventually([&] { return panel->waitFor("text", field).isFocused; })) << field;
+  }
   pressKey(escape);
   EXPECT_TRUE(waitUntilClosed());
+}
+
+TEST_F(PanelTest, ScreenReadersKnowWhatEachThingIs) {
+  open();
+  auto phone = connectPaired(host->code(), "Anna's iPhone");
+  EXPECT_EQ(panel->waitFor("label", "Anna's iPhone").description, "Connected phone");
+  const auto closed = panel->waitFor("push button", "Show code");
+  EXPECT_TRUE(closed.isExpandable && !closed.isExpanded);
+  ASSERT_TRUE(press("Show code"));
+  const auto opened = panel->waitFor("push button", "Hide code");
+  EXPECT_TRUE(opened.isExpandable && opened.isExpanded);
+  EXPECT_TRUE(panel->waitFor([](const auto& nodes) {
+    // Whatever the toolkit calls a picture.
+    return std::ranges::any_of(nodes, [](const auto& node) {
+      return node.name == "QR code to scan in the app" && (node.role == "graphic" || node.role == "image");
+    });
+  }));
+  std::string code = panel->waitFor("text", "Pairing code").text;
+  std::erase(code, '-');
+  EXPECT_EQ(code, host->code());
+  EXPECT_FALSE(panel->waitFor("text", "Address").text.empty());
+  const auto nodes = panel->showing();
+  EXPECT_TRUE(std::ranges::none_of(nodes, [](const auto& node) { return node.role == "frame"; }));
+  // What the link opens comes after it.
+  std::vector<std::string> order;
+  for (const auto& name : panel->names()) {
+    if (name == "Hide code" || name == "Anna's iPhone" || name == "Pairing code" || name == "Start at login") {
+      order.push_back(name);
+    }
+  }
+  EXPECT_THAT(order, testing::ElementsAre("Hide code", "Anna's iPhone", "Pairing code", "Start at login"));
+}
+
+TEST_F(PanelTest, ScreenReadersSayWhatHappens) {
+  open();
+  panel->listen();
+  auto phone = connectPaired(host->code(), "Anna's iPhone");
+  EXPECT_TRUE(panel->waitForAnnouncement("Connected: Anna's iPhone"));
+  ASSERT_FALSE(phone.send({{"t", "mirrorStart"}}));
+  EXPECT_TRUE(panel->waitForAnnouncement("Sharing your screen"));
+  ASSERT_TRUE(press("New code"));
+  EXPECT_TRUE(panel->waitForAnnouncement("There is a new code. Every phone has to pair again."));
 }
 
 TEST_F(PanelTest, FollowsTheDesktopIntoTheDark) {
@@ -218,7 +268,7 @@ TEST_F(PanelTest, FollowsTheDesktopIntoTheDark) {
 
 struct ScaleTest : PanelFixture, testing::WithParamInterface<int> {};
 
-TEST_P(ScaleTest, TheCodeIsSharpAndReadableAtEveryScale) {
+TEST_P(ScaleTest, TheCodeIsSharpAndReadableAtEveryScaleInEveryFont) {
   const auto resources = desktop.home() / "resources";
   std::ofstream(resources) << "Xft.dpi: " << 96 * GetParam() / 100 << '\n';
   ASSERT_EQ(desktop.run({"xrdb", "-merge", resources.string()}), 0);
@@ -229,6 +279,15 @@ TEST_P(ScaleTest, TheCodeIsSharpAndReadableAtEveryScale) {
   ASSERT_TRUE(press("Show code"));
   EXPECT_EQ(scannedCode(), host->code());
   photograph("panel-scale" + std::to_string(GetParam()));
+  const auto settings = desktop.home() / "xsettings";
+  for (const int points : {6, 7, 28}) {
+    const double height = panel->waitFor("label", "Orvel").place.size.height;
+    std::ofstream(settings) << "Gtk/FontName \"DejaVu Sans " << points << "\"\n";
+    const ChildProcess manager({.command = {"xsettingsd", "-c", settings.string()}, .environment = bus.environment()});
+    EXPECT_TRUE(eventually([&] { return panel->waitFor("label", "Orvel").place.size.height != height; }));
+    EXPECT_EQ(scannedCode(), host->code()) << points;
+    photograph("panel-scale" + std::to_string(GetParam()) + "-font" + std::to_string(points));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, ScaleTest, testing::Values(100, 125, 150, 200));

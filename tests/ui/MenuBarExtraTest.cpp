@@ -13,6 +13,7 @@
 #include <QCursor>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -311,6 +312,32 @@ TEST_F(MenuBarExtraTest, AHugeFontDoesNotPushItOffTheScreen) {
   icon.click();
   ASSERT_TRUE(PanelWidgets{*panel()}.press("Show code"));
   EXPECT_TRUE(panel()->screen()->availableGeometry().contains(panel()->geometry()));
+}
+
+TEST_F(MenuBarExtraTest, ScrollsToTheCodeThatHasJustBeenShown) {
+  appearance.chosenFont = DesktopFont{"DejaVu Sans", 28};
+  host.now.accessibilityGranted = false;
+  icon.click();
+  ASSERT_TRUE(PanelWidgets{*panel()}.press("Show code"));
+  const auto* viewport = panel()->findChild<QScrollArea*>()->viewport();
+  const auto* code = panel()->findChild<QWidget*>("qrCode");
+  ASSERT_NE(code, nullptr);
+  EXPECT_TRUE(viewport->rect().contains({code->mapTo(viewport, QPoint(0, 0)), code->size()}));
+}
+
+TEST_F(MenuBarExtraTest, APressInItsOwnMenuDoesNotCloseIt) {
+  icon.click();
+  QCursor::setPos(panel()->geometry().bottomRight() + QPoint(5, 5));
+  QMenu menu;
+  menu.addAction("Copy");
+  menu.popup(QCursor::pos());
+  PanelWidgets::settle();
+  ASSERT_TRUE(presses.pressed);
+  presses.pressed();
+  menu.close();
+  ASSERT_NE(panel(), nullptr);
+  presses.pressed();
+  EXPECT_EQ(panel(), nullptr);
 }
 
 TEST_F(MenuBarExtraTest, TheKeyboardScrollsToWhatItReaches) {

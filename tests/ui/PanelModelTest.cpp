@@ -16,7 +16,10 @@ namespace orvel {
 namespace {
 
 using Kind = PanelBlock::Kind;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
 
 struct PanelModelTest : testing::Test {
   std::vector<Kind> kinds() const {
@@ -34,6 +37,10 @@ struct PanelModelTest : testing::Test {
 
   static PanelText smallSecondary(const std::string& text) {
     return {.text = text, .font = PanelFont::small, .color = PanelColor::secondary};
+  }
+
+  static PanelFields fields(const std::string& address, const std::string& code) {
+    return {.fields = {{.name = "Address", .text = address}, {.name = "Pairing code", .text = code}}};
   }
 
   static PanelText row(const std::string& text, Symbol symbol, PanelColor symbolColor, bool isName = false) {
@@ -128,12 +135,10 @@ TEST_F(PanelModelTest, TheCodeIsHiddenAtFirstAndShownOnDemand) {
   model.perform(PanelAction::toggleCode);
   const auto image = QRMaker::image(host.offered.payload, 190);
   ASSERT_TRUE(image);
-  EXPECT_THAT(rows(Kind::pairing),
-              ElementsAre(PanelRow(PanelQR{.image = *image, .shownSide = 168}),
-                          PanelRow(PanelText{.text = "Scan this in the app"}),
-                          PanelRow(PanelText{.text = "192.168.1.23", .font = PanelFont::monospaced}),
-                          PanelRow(PanelText{.text = "ABCD-EFGH-JKLM-NPQR", .font = PanelFont::monospaced}),
-                          PanelRow(smallSecondary("Or type those two into the app by hand."))));
+  EXPECT_THAT(rows(Kind::pairing), ElementsAre(PanelRow(PanelQR{.image = *image, .shownSide = 168}),
+                                               PanelRow(PanelText{.text = "Scan this in the app"}),
+                                               PanelRow(fields("192.168.1.23", "ABCD-EFGH-JKLM-NPQR")),
+                                               PanelRow(smallSecondary("Or type those two into the app by hand."))));
   model.perform(PanelAction::toggleCode);
   EXPECT_THAT(kinds(), testing::Not(testing::Contains(Kind::pairing)));
 }
@@ -141,7 +146,7 @@ TEST_F(PanelModelTest, TheCodeIsHiddenAtFirstAndShownOnDemand) {
 TEST_F(PanelModelTest, WithoutANetworkThePairingSaysSo) {
   host.now.address.reset();
   model.perform(PanelAction::toggleCode);
-  EXPECT_EQ(rows(Kind::pairing).at(2), PanelRow(PanelText{.text = "not on a network", .font = PanelFont::monospaced}));
+  EXPECT_EQ(rows(Kind::pairing).at(2), PanelRow(fields("not on a network", "ABCD-EFGH-JKLM-NPQR")));
 }
 
 TEST_F(PanelModelTest, WhatNoQRCodeCanHoldIsLeftOut) {
@@ -162,8 +167,9 @@ TEST_F(PanelModelTest, TheLinkShowsAndHidesTheCode) {
   EXPECT_EQ(rows(Kind::connections).front(),
             PanelRow(PanelLabel{.text = "Connected", .link = {"Show code", PanelAction::toggleCode}}));
   model.perform(PanelAction::toggleCode);
-  EXPECT_EQ(rows(Kind::connections).front(),
-            PanelRow(PanelLabel{.text = "Connected", .link = {"Hide code", PanelAction::toggleCode}}));
+  EXPECT_EQ(
+      rows(Kind::connections).front(),
+      PanelRow(PanelLabel{.text = "Connected", .link = {"Hide code", PanelAction::toggleCode}, .isExpanded = true}));
 }
 
 TEST_F(PanelModelTest, WithoutPhonesItSaysSo) {
@@ -236,7 +242,46 @@ TEST_F(PanelModelTest, ANewCodeChangesTheQRCode) {
   model.perform(PanelAction::newCode);
   const auto after = rows(Kind::pairing);
   EXPECT_NE(before.at(0), after.at(0));
-  EXPECT_NE(before.at(3), after.at(3));
+  EXPECT_NE(before.at(2), after.at(2));
+}
+
+/// While it is hidden nothing else would show that all phones have to pair again.
+TEST_F(PanelModelTest, ANewCodeIsShownOnceItIsThere) {
+  model.takeNews();
+  host.renewsAtOnce = false;
+  model.perform(PanelAction::newCode);
+  EXPECT_THAT(model.takeNews(), IsEmpty());
+  EXPECT_THAT(kinds(), Not(Contains(Kind::pairing))) << "that is the old one";
+  host.finishRenewal();
+  EXPECT_THAT(model.takeNews(), ElementsAre("There is a new code. Every phone has to pair again."));
+  EXPECT_EQ(rows(Kind::pairing).at(2), PanelRow(fields("192.168.1.23", "NEWC-ODEN-EWCO-DENE")));
+  EXPECT_TRUE(std::get<PanelLabel>(rows(Kind::connections).front()).isExpanded);
+  model.perform(PanelAction::toggleCode);
+  EXPECT_THAT(model.takeNews(), IsEmpty());
+  EXPECT_THAT(kinds(), Not(Contains(Kind::pairing)));
+}
+
+TEST_F(PanelModelTest, WhatIsThereWhenThePanelOpensIsNoNews) {
+  host.now.clients = {"A"};
+  host.now.mirroring = true;
+  host.now.lastError = "Out of order.";
+  EXPECT_THAT(model.takeNews(), IsEmpty());
+  EXPECT_THAT(model.takeNews(), IsEmpty());
+}
+
+TEST_F(PanelModelTest, NewPhonesSharingAndErrorsAreNews) {
+  host.now.clients = {"A", "B"};
+  model.takeNews();
+  host.now.clients = {"A", "A", "C"};
+  EXPECT_THAT(model.takeNews(), ElementsAre("Connected: A", "Connected: C"));
+  host.now.mirroring = true;
+  host.now.lastError = "Out of order.";
+  EXPECT_THAT(model.takeNews(), ElementsAre("Sharing your screen", "Out of order."));
+  EXPECT_THAT(model.takeNews(), IsEmpty());
+  host.now = {.isRunning = true, .accessibilityGranted = true, .clients = {"C"}};
+  EXPECT_THAT(model.takeNews(), ElementsAre("No longer sharing your screen"));
+  host.now.lastError = "Out of order.";
+  EXPECT_THAT(model.takeNews(), ElementsAre("Out of order."));
 }
 
 TEST_F(PanelModelTest, WhenItAppearsThePermissionIsReadAnew) {

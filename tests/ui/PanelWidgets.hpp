@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QString>
 #include <QWidget>
 #include <string>
@@ -38,11 +39,14 @@ struct PanelWidgets {
     return true;
   }
 
+  /// Labels, and texts that can be copied, in the order in which screen readers read them.
   std::vector<std::string> texts() const {
     settle();
     std::vector<std::string> texts;
-    for (const auto* label : root.findChildren<QLabel*>()) {
-      if (label->isVisibleTo(&root)) texts.push_back(label->text().toStdString());
+    for (const auto* widget : root.findChildren<QWidget*>()) {
+      if (!widget->isVisibleTo(&root)) continue;
+      if (const auto* label = qobject_cast<const QLabel*>(widget)) texts.push_back(label->text().toStdString());
+      if (const auto* field = qobject_cast<const QLineEdit*>(widget)) texts.push_back(field->text().toStdString());
     }
     return texts;
   }
