@@ -35,10 +35,12 @@ std::vector<std::string> outputNames(const X11Connection& connection) {
   if (!resources) return {};
   const std::span outputs(xcb_randr_get_screen_resources_current_outputs(resources.get()), resources->num_outputs);
   std::vector<xcb_randr_get_output_info_cookie_t> cookies;
+  cookies.reserve(outputs.size());
   for (const xcb_randr_output_t output : outputs) {
     cookies.push_back(xcb_randr_get_output_info(connection.get(), output, XCB_CURRENT_TIME));
   }
   std::vector<std::string> names;
+  names.reserve(cookies.size());
   for (const auto& cookie : cookies) names.push_back(outputName(connection, cookie));
   return names;
 }
