@@ -1,6 +1,6 @@
 #include "ui/PanelAccessibility.hpp"
 
-#include "ui/Announcer.hpp"
+#include "ui/Announcement.hpp"
 #include "ui/DisclosureButton.hpp"
 #include "ui/QRView.hpp"
 
@@ -43,8 +43,8 @@ class DisclosureInterface final : public QAccessibleWidget {
 QAccessibleInterface* make(const QString&, QObject* object) {
   if (auto* button = dynamic_cast<DisclosureButton*>(object)) return new DisclosureInterface(button);
   if (auto* code = dynamic_cast<QRView*>(object)) return new QAccessibleWidget(code, QAccessible::Graphic);
-  if (auto* announcer = dynamic_cast<Announcer*>(object)) {
-    return new QAccessibleWidget(announcer, QAccessible::Notification);
+  if (auto* announcement = dynamic_cast<Announcement*>(object)) {
+    return new QAccessibleWidget(announcement, QAccessible::Notification);
   }
   return nullptr;
 }

@@ -1,12 +1,11 @@
 #include "ui/PanelView.hpp"
 
-#include "ui/Announcer.hpp"
+#include "ui/Announcement.hpp"
 #include "ui/NameLabel.hpp"
 #include "ui/PanelAccessibility.hpp"
 #include "ui/PanelBlockView.hpp"
 #include "ui/PanelModel.hpp"
 
-#include <QStringList>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -17,13 +16,6 @@ namespace {
 constexpr double widthPoints = 288;
 /// Has room for the QR code, which does not follow the font.
 constexpr int leastWidth = 240;
-
-/// As a screen reader is to say them, one after the other.
-QString sentences(const std::vector<std::string>& news) {
-  QStringList lines;
-  for (const std::string& one : news) lines << NameLabel::readable(QString::fromStdString(one));
-  return lines.join(QLatin1Char('\n'));
-}
 
 bool isShown(const PanelContent& content, const std::vector<PanelBlockView*>& blocks) {
   return std::ranges::equal(content, blocks, [](const PanelBlock& block, const PanelBlockView* view) {
@@ -52,8 +44,7 @@ PanelView::PanelView(PanelModel& model, const Appearance& appearance, Changed ch
                       refresh();
                     }},
       changed_(std::move(changed)),
-      layout_(new QVBoxLayout(this)),
-      announcer_(new Announcer(this)) {
+      layout_(new QVBoxLayout(this)) {
   PanelAccessibility::install();
   layout_->setContentsMargins(0, 0, 0, 0);
   layout_->setSpacing(0);
@@ -78,7 +69,7 @@ void PanelView::refresh() {
   const std::vector<std::string> news = model_.takeNews();
   const PanelContent content = model_.content();
   if (!isShown(content, blocks_)) showContent(content);
-  announcer_->announce(sentences(news));
+  for (const std::string& one : news) Announcement::make(this, NameLabel::readable(QString::fromStdString(one)));
 }
 
 void PanelView::showContent(const PanelContent& content) {

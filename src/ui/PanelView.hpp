@@ -12,7 +12,6 @@ class QVBoxLayout;
 
 namespace orvel {
 
-class Announcer;
 class Appearance;
 class PanelBlockView;
 class PanelModel;
@@ -53,7 +52,6 @@ class PanelView final : public QWidget {
   const Changed changed_;
   std::vector<PanelBlockView*> blocks_;
   QVBoxLayout* const layout_;
-  Announcer* const announcer_;
 };
 
 }  // namespace orvel

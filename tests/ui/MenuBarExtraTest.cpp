@@ -315,7 +315,7 @@ TEST_F(MenuBarExtraTest, AHugeFontDoesNotPushItOffTheScreen) {
 }
 
 TEST_F(MenuBarExtraTest, ScrollsToTheCodeThatHasJustBeenShown) {
-  appearance.chosenFont = DesktopFont{"DejaVu Sans", 28};
+  appearance.chosenFont = DesktopFont{"DejaVu Sans", 36};
   host.now.accessibilityGranted = false;
   icon.click();
   ASSERT_TRUE(PanelWidgets{*panel()}.press("Show code"));

@@ -597,6 +597,25 @@ TEST_F(PanelViewTest, AddressAndCodeAreCopiedByTheMouse) {
   EXPECT_EQ(copied(), "ABCD-EFGH-JKLM-NPQR");
 }
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 8, 0)
+/// Newer toolkits announce without a widget.
+TEST_F(PanelViewTest, EachOfSeveralAnnouncementsStaysUntilItIsRead) {
+  view.show();
+  host.now.clients = {"A"};
+  host.now.mirroring = true;
+  view.refresh();
+  host.now.clients = {"A", "B"};
+  view.refresh();
+  std::vector<std::string> said;
+  for (auto* widget : view.findChildren<QWidget*>()) {
+    const auto* known = QAccessible::queryAccessibleInterface(widget);
+    if (known->role() != QAccessible::Notification || !widget->isVisible()) continue;
+    said.push_back(known->text(QAccessible::Name).toStdString());
+  }
+  EXPECT_THAT(said, testing::UnorderedElementsAre("Connected: A", "Sharing your screen", "Connected: B"));
+}
+#endif
+
 TEST_F(PanelViewTest, ScreenReadersKnowWhatEachThingIs) {
   host.now.clients = {"<b>Anna's</b> iPhone"};
   ASSERT_TRUE(widgets.press("Show code"));
