@@ -15,9 +15,4 @@ FramePace::Interval intervalOf(int framesPerSecond) {
 
 FramePace::FramePace(int framesPerSecond) : interval_(intervalOf(framesPerSecond)) {}
 
-void FramePace::frameAt(Time now) {
-  const bool isOnGrid = now - due_ < interval_ / 2;
-  due_ = (isOnGrid ? due_ : now) + interval_;
-}
-
 }  // namespace orvel

@@ -4,8 +4,8 @@
 
 namespace orvel {
 
-/// When frames are due: at once after a pause, otherwise on a grid, so that being late once does not make all that
-/// follow late. Threads: one at a time.
+/// When frames are due: no sooner than the frame interval after the last one, however late that was.
+/// Threads: one at a time.
 class FramePace {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -19,10 +19,7 @@ class FramePace {
   Time due() const { return due_; }
 
   /// A frame is offered at this moment.
-  void frameAt(Time now);
-
-  /// Nothing was to be offered when a frame was due: the next one begins a new grid.
-  void pause() { due_ = {}; }
+  void frameAt(Time now) { due_ = now + interval_; }
 
  private:
   const Interval interval_;

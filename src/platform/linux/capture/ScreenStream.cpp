@@ -68,11 +68,9 @@ void ScreenStream::run() {
       restUntil(pace_.due());
       wasWoken = false;
     } else if (wasWoken || !view_.watch().tellsAll()) {
-      pace_.pause();
       restUntil(now() + (wasWoken ? std::min(pace_.interval(), pauseAfterNothing) : pace_.interval()));
       wasWoken = false;
     } else {
-      pace_.pause();
       awaitNews();
       wasWoken = true;
     }
