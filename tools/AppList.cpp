@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 
 namespace orvel::phone {
 namespace {
@@ -24,6 +25,16 @@ std::size_t columnFor(const std::vector<std::string>& ids) {
   return std::min(width, widestColumn);
 }
 
+/// Nothing when a key is missing or of another type; further keys are ignored.
+std::optional<AppEntry> appIn(const boost::json::object& json) {
+  const auto* id = json.if_contains("id");
+  const auto* name = json.if_contains("name");
+  const auto* running = json.if_contains("running");
+  if (id == nullptr || name == nullptr || running == nullptr) return std::nullopt;
+  if (!id->is_string() || !name->is_string() || !running->is_bool()) return std::nullopt;
+  return AppEntry{std::string(id->get_string()), std::string(name->get_string()), running->get_bool()};
+}
+
 }  // namespace
 
 Result<std::vector<AppEntry>> appsIn(const boost::json::object& answer) {
@@ -34,7 +45,7 @@ Result<std::vector<AppEntry>> appsIn(const boost::json::object& answer) {
   std::vector<AppEntry> apps;
   for (const auto& item : *items) {
     const auto* object = item.if_object();
-    const auto app = object ? AppEntry::from(*object) : std::nullopt;
+    const auto app = object ? appIn(*object) : std::nullopt;
     if (!app) return damaged;
     apps.push_back(*app);
   }

@@ -2,7 +2,6 @@
 
 #include <boost/json/object.hpp>
 
-#include <optional>
 #include <string>
 
 namespace orvel {
@@ -15,9 +14,6 @@ struct AppEntry {
 
   /// As JSON: "id", "name", "running".
   boost::json::object json() const;
-
-  /// What `json` has made. Nothing when a key is missing or of another type; further keys are ignored.
-  static std::optional<AppEntry> from(const boost::json::object& json);
 
   friend bool operator==(const AppEntry&, const AppEntry&) = default;
 };

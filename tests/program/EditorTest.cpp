@@ -54,8 +54,8 @@ struct EditorTest : LoginFixture {
     const auto answer = phone->receive("apps", phonePatience);
     if (!answer) return std::nullopt;
     for (const auto& item : answer->at("items").as_array()) {
-      const auto entry = AppEntry::from(item.as_object());
-      if (entry && entry->id == editorID) return entry;
+      if (item.at("id").as_string() != editorID) continue;
+      return AppEntry{editorID, std::string(item.at("name").as_string()), item.at("running").as_bool()};
     }
     return std::nullopt;
   }
