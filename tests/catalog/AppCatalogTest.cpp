@@ -3,8 +3,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
 
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace orvel {
 namespace {
@@ -96,6 +102,19 @@ TEST_F(AppCatalogTest, InstalledOnesAreSortedByNameWhateverTheirCapitals) {
   EXPECT_THAT(names(), ElementsAre("Alpha", "alpha", "beta"));
 }
 
+TEST_F(AppCatalogTest, TheOrderIsThatOfTheUsersLanguage) {
+  computer.folders = {
+      {"/Applications", {bundle("1.app", "1", "z"), bundle("2.app", "2", "\u00e4"), bundle("3.app", "3", "b")}}};
+  const icu::Locale before = icu::Locale::getDefault();
+  UErrorCode error = U_ZERO_ERROR;
+  icu::Locale::setDefault(icu::Locale("de_DE"), error);
+  EXPECT_THAT(names(), ElementsAre("\u00e4", "b", "z"));
+  icu::Locale::setDefault(icu::Locale("sv_SE"), error);
+  EXPECT_THAT(names(), ElementsAre("b", "z", "\u00e4"));
+  icu::Locale::setDefault(before, error);
+  EXPECT_TRUE(U_SUCCESS(error));
+}
+
 TEST_F(AppCatalogTest, NamesThatAreEqualKeepTheOrderOfTheScan) {
   computer.folders = {{"/one", {bundle("1.app", "1", "same"), bundle("2.app", "2", "SAME")}},
                       {"/two", {bundle("3.app", "3", "Same"), bundle("4.app", "4", "same")}}};
@@ -164,6 +183,44 @@ TEST_F(AppCatalogTest, ASnapshotForgetsWhereThingsWere) {
   computer.folders.clear();
   catalog.snapshot();
   EXPECT_EQ(catalog.icon("tool", iconSize), std::nullopt);
+}
+
+/// A computer that changes while it is looked at: it moves its programs as soon as its folders have been named.
+class MovingComputer final : public ApplicationBundles {
+ public:
+  explicit MovingComputer(FakeComputer& computer) : computer_(computer) {}
+
+  std::vector<std::string> searchPaths() const override { return computer_.searchPaths(); }
+  std::string_view suffix() const override { return computer_.suffix(); }
+  std::optional<std::vector<std::string>> list(const std::string& folder) override {
+    auto entries = computer_.list(folder);
+    if (const auto meanwhile = std::exchange(meanwhile_, nullptr)) meanwhile();
+    return entries;
+  }
+  std::optional<ApplicationBundle> read(const std::string& path, const std::string& entry) override {
+    return ApplicationBundle{.identifier = "tool", .displayName = path + entry, .name = {}};
+  }
+
+  void onceListed(std::function<void()> meanwhile) { meanwhile_ = std::move(meanwhile); }
+
+ private:
+  FakeComputer& computer_;
+  std::function<void()> meanwhile_;
+};
+
+TEST_F(AppCatalogTest, OfTwoSnapshotsAtOnceTheLastToFinishSaysWhereThingsAre) {
+  MovingComputer moving(computer);
+  AppCatalog shared(computer, moving);
+  computer.folders = {{"/first", {bundle("Tool.app", "tool")}}};
+  moving.onceListed([&] {
+    // Another phone's, begun later and done earlier.
+    computer.folders = {{"/second", {bundle("Tool.app", "tool")}}};
+    shared.snapshot();
+    shared.activate("tool");
+  });
+  shared.snapshot();
+  shared.activate("tool");
+  EXPECT_THAT(computer.opened, ElementsAre("/second/Tool.app", "/first/Tool.app"));
 }
 
 TEST_F(AppCatalogTest, ActivatingARunningOneBringsItsFirstInstanceForward) {
