@@ -1,7 +1,8 @@
 // A small program of somebody else, with plain windows: PlainWindow INSTANCE CLASS [OPTION ...]. It ends when its last
 // window is closed, or the server goes. Options: title=TEXT, gtk=IDENTIFIER, type=DIALOG (or another), windows=NUMBER,
 // dialog (the second window serves the first), skip (no window is in the taskbar), refuse (closes nothing),
-// hidden (shows no window), report=FILE (writes down the circumstances of its start).
+// unasked (knows no request to close, as a game may), hidden (shows no window), report=FILE (writes down the
+// circumstances of its start).
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -105,7 +106,8 @@ class Windows {
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, screen->root, 10, 10, 200, 100, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL, &screen->white_pixel);
     setText(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, classNames_);
-    setNumber(window, atom("WM_PROTOCOLS"), XCB_ATOM_ATOM, atom("WM_DELETE_WINDOW"));
+    const bool canBeAsked = !options_.contains("unasked");
+    setNumber(window, atom("WM_PROTOCOLS"), XCB_ATOM_ATOM, atom(canBeAsked ? "WM_DELETE_WINDOW" : "_NET_WM_PING"));
     if (options_.contains("gtk")) setText(window, atom("_GTK_APPLICATION_ID"), atom("UTF8_STRING"), options_["gtk"]);
     if (options_.contains("type")) {
       setNumber(window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, atom("_NET_WM_WINDOW_TYPE_" + options_["type"]));

@@ -1,12 +1,17 @@
 #include "catalog/AppCatalog.hpp"
 #include "desktop/LeafFixture.hpp"
 #include "desktop/WindowManager.hpp"
+#include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include <QByteArray>
+#include <QColor>
+#include <QImage>
 #include <algorithm>
 #include <cctype>
 #include <csignal>
@@ -292,6 +297,96 @@ TEST_F(ProgramsTest, MayRefuseToEnd) {
   EXPECT_EQ(running(), Texts{"Refusing"});
 }
 
+TEST_F(ProgramsTest, ThatCannotBeAskedToEndAreNotEndedByForce) {
+  ChildProcess& unasked = start({"unasked", "Unasked", "unasked"});
+  start({"polite", "Polite"});
+  workspace.terminate(application("Unasked"));
+  workspace.terminate(application("Polite"));
+  EXPECT_TRUE(eventually([&] { return manager.windowsOf("Polite").empty(); })) << "the window manager was asked later";
+  EXPECT_EQ(unasked.waitForExit(lull), std::nullopt);
+  EXPECT_EQ(running(), Texts{"Unasked"});
+}
+
+/// The bytes that a base64 text stands for. Nothing when it is none.
+std::optional<std::string> decoded(const std::string& base64) {
+  const GLibPointer<char> text(g_strdup(base64.c_str()));
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
+  if (base64.size() % 4 != 0 || base64.find_first_not_of(alphabet) != std::string::npos) return std::nullopt;
+  gsize length = 0;
+  g_base64_decode_inplace(text.get(), &length);
+  return std::string(text.get(), length);
+}
+
+struct ProgramIconTest : ProgramsTest {
+  void writeFile(const std::string& name, const std::string& content) const {
+    const fs::path path = shared.desktop.home() / ".local/share" / name;
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << content;
+  }
+
+  static std::string svg(const std::string& content) {
+    return R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16">)" + content + "</svg>";
+  }
+
+  /// What a phone gets as the icon of the only program.
+  std::optional<QImage> icon() {
+    const DataFolders folders = DataFolders::ofUser();
+    DesktopEntries entries(folders.shared);
+    SystemApplicationBundles bundles(entries);
+    AppCatalog catalog(workspace, bundles);
+    const auto text = catalog.icon("terminal", 56);
+    const auto png = text ? decoded(*text) : std::nullopt;
+    QImage image;
+    const bool isPNG = png && image.loadFromData(QByteArray::fromStdString(*png), "PNG");
+    return isPNG ? std::optional(image) : std::nullopt;
+  }
+};
+
+TEST_F(ProgramIconTest, IsAPNGInBase64) {
+  writeEntry("terminal.desktop", "Name=Terminal\nExec=true\nIcon=terminal");
+  writeFile("pixmaps/terminal.svg", svg(R"(<rect width="16" height="16" fill="#ff0000"/>)"));
+  const auto image = icon();
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->size(), QSize(56, 56));
+  EXPECT_EQ(image->pixelColor(28, 28), QColor(Qt::red));
+}
+
+TEST_F(ProgramIconTest, IsTheNextThatCanBeDrawnWhereTheBestCannot) {
+  writeEntry("terminal.desktop", "Name=Terminal\nExec=true\nIcon=terminal");
+  writeFile("icons/hicolor/index.theme",
+            "[Icon Theme]\nName=hicolor\nDirectories=scalable/apps,48x48/apps\n"
+            "[scalable/apps]\nSize=48\nMinSize=8\nMaxSize=512\nType=Scalable\n[48x48/apps]\nSize=48\nType=Fixed\n");
+  writeFile("icons/hicolor/scalable/apps/terminal.svg", svg(R"(<text x="0" y="12">X</text>)"));
+  writeFile("icons/hicolor/48x48/apps/terminal.png", "no picture at all");
+  EXPECT_FALSE(icon()) << "an empty picture is no icon";
+  writeFile("pixmaps/terminal.svg", svg(R"(<rect width="16" height="16" fill="#00ff00"/>)"));
+  const auto image = icon();
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->pixelColor(28, 28), QColor(Qt::green));
+}
+
+TEST_F(ProgramIconTest, IsNotOfAThemeThatARelativeConfigurationFolderNames) {
+  writeEntry("terminal.desktop", "Name=Terminal\nExec=true\nIcon=terminal");
+  for (const auto& [theme, colour] : {std::pair("Absolute", "#00ff00"), std::pair("Relative", "#ff0000")}) {
+    const std::string folder = std::string("icons/") + theme;
+    writeFile(folder + "/index.theme", "[Icon Theme]\nName=A\nDirectories=apps\n[apps]\nSize=48\nType=Fixed\n");
+    writeFile(folder + "/apps/terminal.svg",
+              svg(std::string(R"(<rect width="16" height="16" fill=")") + colour + "\"/>"));
+  }
+  const std::string settings = "[Settings]\ngtk-icon-theme-name=";
+  writeFile("../../.config/gtk-3.0/settings.ini", settings + "Absolute\n");
+  writeFile("../../relative/gtk-3.0/settings.ini", settings + "Relative\n");
+  fs::current_path(shared.desktop.home());
+  setenv("XDG_CONFIG_HOME", "relative", 1);
+  LeafSet later(shared.desktop);
+  const auto entry = shared.desktop.home() / ".local/share/applications/terminal.desktop";
+  const auto png = later.workspace.icon(entry.string(), 56);
+  ASSERT_TRUE(png);
+  QImage image;
+  ASSERT_TRUE(image.loadFromData(png->data(), static_cast<int>(png->size()), "PNG"));
+  EXPECT_EQ(image.pixelColor(28, 28), QColor(Qt::green));
+}
+
 struct LaunchTest : ProgramsTest {
   fs::path reportPath() const { return shared.desktop.home() / "report"; }
 
@@ -347,6 +442,28 @@ struct LaunchTest : ProgramsTest {
     }
   }
 
+  /// Whether opening it leads to so many starts of the script in all, in less time than any start may last.
+  bool startsAgain(const std::string& entry, std::size_t starts) {
+    return eventually(
+        [&] {
+          workspace.open(entry);
+          return report().size() >= starts;
+        },
+        soon);
+  }
+
+  /// Where the script's successor writes its number.
+  fs::path successorPath() const { return shared.desktop.home() / "successor"; }
+
+  void endSuccessor() const {
+    pid_t process = 0;
+    ASSERT_TRUE(eventually([&] { return std::ifstream(successorPath()) >> process && lives(process); }));
+    kill(process, SIGKILL);
+    EXPECT_TRUE(eventually([&] { return !lives(process); }));
+  }
+
+  static constexpr Milliseconds soon{2000};
+
   static bool lives(pid_t process) { return process > 0 && fs::exists("/proc/" + std::to_string(process) + "/exe"); }
 };
 
@@ -400,14 +517,29 @@ TEST_F(LaunchTest, AProgramThatIsStartingIsNotStartedAgain) {
   kill(second, SIGKILL);
 }
 
-TEST_F(LaunchTest, AProgramWhoseFirstProcessEndsAtOnceIsStillStarting) {
+TEST_F(LaunchTest, AProgramThatHasEndedIsStartedAgainAtOnce) {
   const auto entry = writeScript("");
-  openOften(entry);
-  EXPECT_EQ(report(), Texts{"started"});
-  EXPECT_TRUE(eventually([&] {
-    workspace.open(entry);
-    return report().size() == 2;
-  })) << "not for long";
+  for (std::size_t starts = 1; starts <= 3; ++starts) EXPECT_TRUE(startsAgain(entry, starts)) << starts;
+}
+
+TEST_F(LaunchTest, AProgramWhoseFirstProcessHasHandedTheStartOnIsStillStarting) {
+  const std::string path = successorPath().string();
+  const std::string successor = "sh -c 'echo $$ >" + path + "; exec sleep 30' & ";
+  for (const std::string& start : {successor, "env -i PATH=$PATH " + successor, "setsid " + successor}) {
+    const auto entry = writeScript("rm -f " + path + "; " + start + "while ! [ -s " + path + " ]; do sleep 0.01; done");
+    openOften(entry);
+    EXPECT_EQ(report(), Texts{"started"}) << start;
+    endSuccessor();
+    EXPECT_TRUE(startsAgain(entry, 2)) << "the last of it has ended: " << start;
+    endSuccessor();
+    fs::remove(reportPath());
+  }
+}
+
+TEST_F(LaunchTest, AProgramThatTheBusCannotStartMayBeTriedAgainAtOnce) {
+  const auto bus = startBus();
+  const auto entry = writeScript("exit 1", "DBusActivatable=true");
+  for (std::size_t starts = 1; starts <= 2; ++starts) EXPECT_TRUE(startsAgain(entry, starts)) << starts;
 }
 
 TEST_F(LaunchTest, AProgramThatTheBusStartsIsStartedOnce) {

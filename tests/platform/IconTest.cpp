@@ -279,6 +279,10 @@ struct IconThemesTest : testing::Test {
     return folders.write(folder, "icons/" + name, "picture");
   }
 
+  std::optional<std::string> find(const std::string& icon, int pixels, const std::string& theme) {
+    return themes.find(icon, pixels, theme, [](const std::string&) { return true; });
+  }
+
   EntryFolders folders;
   IconThemes themes{DataFolders{.home = folders.data("home"), .shared = folders.dataFolders()}};
 };
@@ -290,20 +294,40 @@ TEST_F(IconThemesTest, TheThemeThenItsParentsThenTheCommonOneThenAnyOther) {
   writeSmallTheme("system", "hicolor");
   writeSmallTheme("system", "Another");
   const auto pixmap = folders.write("system", "pixmaps/app.xpm", "picture");
-  EXPECT_EQ(themes.find("app", 56, "Chosen"), pixmap);
+  EXPECT_EQ(find("app", 56, "Chosen"), pixmap);
   for (const char* theme : {"Another", "hicolor", "Grandparent", "Parent", "Chosen"}) {
     const auto icon = writeIcon("system", std::string(theme) + "/48x48/apps/app.png");
-    EXPECT_EQ(themes.find("app", 56, "Chosen"), icon);
+    EXPECT_EQ(find("app", 56, "Chosen"), icon);
   }
-  EXPECT_EQ(themes.find("other", 56, "Chosen"), std::nullopt);
+  EXPECT_EQ(find("other", 56, "Chosen"), std::nullopt);
+}
+
+TEST_F(IconThemesTest, TheNextIsTakenInPlaceOfOneThatIsRefused) {
+  writeTheme("system", "Chosen", "hicolor", "48/apps,256/apps",
+             "[48/apps]\nSize=48\nType=Fixed\n[256/apps]\nSize=256\nType=Fixed\n");
+  writeSmallTheme("system", "hicolor");
+  const std::vector<std::string> files = {
+      writeIcon("system", "Chosen/48/apps/app.png"), writeIcon("system", "Chosen/48/apps/app.svg"),
+      writeIcon("system", "Chosen/256/apps/app.png"), writeIcon("system", "hicolor/48x48/apps/app.svg"),
+      folders.write("system", "pixmaps/app.xpm", "picture")};
+  std::vector<std::string> offered;
+  const auto none = themes.find("app", 56, "Chosen", [&](const std::string& file) {
+    offered.push_back(file);
+    return false;
+  });
+  EXPECT_EQ(none, std::nullopt);
+  EXPECT_EQ(offered, files);
+  for (const std::string& wanted : files) {
+    EXPECT_EQ(themes.find("app", 56, "Chosen", [&](const std::string& file) { return file == wanted; }), wanted);
+  }
 }
 
 TEST_F(IconThemesTest, AThemeThatIsNotInstalledIsPassedOver) {
   writeSmallTheme("system", "hicolor");
   const auto icon = writeIcon("system", "hicolor/48x48/apps/app.png");
-  EXPECT_EQ(themes.find("app", 56, "Missing"), icon);
-  EXPECT_EQ(themes.find("app", 56, ""), icon);
-  EXPECT_EQ(themes.find("app", 56, "../../etc"), icon);
+  EXPECT_EQ(find("app", 56, "Missing"), icon);
+  EXPECT_EQ(find("app", 56, ""), icon);
+  EXPECT_EQ(find("app", 56, "../../etc"), icon);
 }
 
 TEST_F(IconThemesTest, TheNearestSizeIsTaken) {
@@ -316,9 +340,9 @@ TEST_F(IconThemesTest, TheNearestSizeIsTaken) {
                            "48/apps/app.png", "scalable/apps/app.svg"}) {
     const auto icon = writeIcon("system", std::string("hicolor/") + name);
     const bool isWorse = std::string(name).starts_with("56@2");
-    EXPECT_EQ(themes.find("app", 56, "") == icon, !isWorse) << name;
+    EXPECT_EQ(find("app", 56, "") == icon, !isWorse) << name;
   }
-  EXPECT_EQ(themes.find("app", 4, ""), folders.data("system") + "/icons/hicolor/scalable/apps/app.svg");
+  EXPECT_EQ(find("app", 4, ""), folders.data("system") + "/icons/hicolor/scalable/apps/app.svg");
 }
 
 TEST_F(IconThemesTest, AThemeIsReadAnewWhenItsMainFolderChanges) {
@@ -331,21 +355,21 @@ TEST_F(IconThemesTest, AThemeIsReadAnewWhenItsMainFolderChanges) {
   writeSmallTheme("system", "hicolor");
   fs::create_directory(folders.data("system") + "/icons/hicolor/48x48");
   settle(2);
-  EXPECT_EQ(themes.find("app", 56, ""), std::nullopt);
+  EXPECT_EQ(find("app", 56, ""), std::nullopt);
   const auto icon = writeIcon("system", "hicolor/48x48/apps/app.png");
   settle(2);
-  EXPECT_EQ(themes.find("app", 56, ""), std::nullopt) << "what it has is remembered";
+  EXPECT_EQ(find("app", 56, ""), std::nullopt) << "what it has is remembered";
   settle(1);
-  EXPECT_EQ(themes.find("app", 56, ""), icon);
+  EXPECT_EQ(find("app", 56, ""), icon);
 }
 
 TEST_F(IconThemesTest, AFolderOfTheUserAddsToAThemeOfTheSystem) {
   writeSmallTheme("system", "hicolor");
   const auto icon = writeIcon("user", "hicolor/48x48/apps/mine.png");
-  EXPECT_EQ(themes.find("mine", 56, ""), icon);
-  EXPECT_EQ(themes.find("mine.png", 56, ""), icon) << "named by its file";
+  EXPECT_EQ(find("mine", 56, ""), icon);
+  EXPECT_EQ(find("mine.png", 56, ""), icon) << "named by its file";
   const auto own = folders.write("home", ".icons/lonely.png", "picture");
-  EXPECT_EQ(themes.find("lonely", 56, ""), own);
+  EXPECT_EQ(find("lonely", 56, ""), own);
 }
 
 TEST_F(IconThemesTest, HostileNamesAndIndexesGiveNothing) {
@@ -356,9 +380,9 @@ TEST_F(IconThemesTest, HostileNamesAndIndexesGiveNothing) {
   ASSERT_EQ(mkfifo((folders.data("system") + "/icons/index.theme").c_str(), 0600), 0);
   for (const std::string& name : {std::string(), std::string("../secret"), std::string("a/b"), std::string("a\0b", 3),
                                   std::string(100'000, 'x')}) {
-    EXPECT_EQ(themes.find(name, 56, "Loop"), std::nullopt);
+    EXPECT_EQ(find(name, 56, "Loop"), std::nullopt);
   }
-  EXPECT_EQ(themes.find("app", 56, "Broken"), std::nullopt);
+  EXPECT_EQ(find("app", 56, "Broken"), std::nullopt);
 }
 
 using Bytes = std::vector<std::uint8_t>;

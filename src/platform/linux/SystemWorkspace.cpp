@@ -12,6 +12,7 @@ namespace orvel {
 namespace {
 
 constexpr double largestIcon = 1024;
+constexpr int mostDrawings = 16;  // of one icon, until one shows something
 
 /// In the order of the stack, the lowest first. Those that it does not name are left out, unless it names none of them.
 std::vector<xcb_window_t> inOrder(const std::vector<xcb_window_t>& windows, std::vector<xcb_window_t> stack) {
@@ -63,8 +64,14 @@ std::optional<std::vector<std::uint8_t>> SystemWorkspace::icon(const std::string
   const int pixels = static_cast<int>(std::lround(size));
   const auto entry = entries_.read(path);
   if (!entry || entry->icon.empty()) return std::nullopt;
-  const auto file = entry->icon.starts_with('/') ? entry->icon : themes_.find(entry->icon, pixels, themeChoice_.name());
-  return file ? drawIcon(*file, pixels) : std::nullopt;
+  if (entry->icon.starts_with('/')) return drawIcon(entry->icon, pixels);
+  std::optional<std::vector<std::uint8_t>> drawn;
+  int tried = 0;
+  themes_.find(entry->icon, pixels, themeChoice_.name(), [&](const std::string& file) {
+    drawn = drawIcon(file, pixels);
+    return drawn || ++tried == mostDrawings;
+  });
+  return drawn;
 }
 
 void SystemWorkspace::activate(const RunningApplication& application) {
@@ -82,7 +89,9 @@ void SystemWorkspace::activate(const RunningApplication& application) {
 
 void SystemWorkspace::terminate(const RunningApplication& application) {
   const auto time = time_.now();
-  for (const xcb_window_t window : windowsOf(application)) commands_.close(window, time);
+  for (const xcb_window_t window : windowsOf(application)) {
+    if (windows_.canBeAskedToClose(window)) commands_.close(window, time);
+  }
   commands_.flush();
 }
 

@@ -1,8 +1,10 @@
 #include "platform/linux/applications/Launcher.hpp"
 
 #include "platform/linux/GLibPointer.hpp"
+#include "platform/linux/OwnedDescriptor.hpp"
 #include "platform/linux/applications/DesktopEntry.hpp"
 #include "platform/linux/applications/LaunchContext.hpp"
+#include "platform/linux/applications/ProcessFacts.hpp"
 #include "platform/linux/bus/CancelledInTime.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
@@ -12,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <system_error>
@@ -20,12 +23,9 @@
 namespace orvel {
 namespace {
 
-// A first process that ends at once may have left the start to others.
-constexpr std::chrono::seconds shortestStart{5};
 constexpr std::chrono::seconds longestStart{15};
 constexpr std::chrono::seconds busPatience{1};
 constexpr auto busAddress = "DBUS_SESSION_BUS_ADDRESS";
-constexpr pid_t noProcess = 0;  // that is known
 constexpr auto noBus = "disabled:";
 constexpr auto spawnFlags =
     static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
@@ -87,6 +87,60 @@ void startByBus(const MessageBus& bus, const std::string& name, const std::strin
 
 }  // namespace
 
+/// A process that was started.
+struct Launcher::Process {
+  explicit Process(pid_t process)
+      : number(process), descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {}
+
+  /// Whether nothing is left that might still show a window. What ends soon may have left the start to others.
+  bool isOver() const {
+    pollfd end{descriptor.number(), POLLIN, 0};
+    const bool hasEnded = end.fd < 0 || poll(&end, 1, 0) > 0;
+    return hasEnded && !hasSuccessors(number);
+  }
+
+  const pid_t number;
+  const OwnedDescriptor descriptor;
+};
+
+/// A request to the bus that it start a program. The bus delivers it when the program is there, and only if the
+/// connection that sent it is still open.
+struct Launcher::BusStart {
+  BusStart(MessageBus connection, std::string service) : bus(std::move(connection)), name(std::move(service)) {}
+
+  void begin(const std::string& announced) {
+    bus.observe([answered = isAnswered](GDBusConnection*, GDBusMessage* message) {
+      const auto type = g_dbus_message_get_message_type(message);
+      if (type == G_DBUS_MESSAGE_TYPE_METHOD_RETURN || type == G_DBUS_MESSAGE_TYPE_ERROR) *answered = true;
+      return false;
+    });
+    startByBus(bus, name, announced);
+  }
+
+  /// Whether the program could not be started, or has been there and ended.
+  bool isOver() const {
+    if (!bus.isAlive()) return true;
+    return *isAnswered && !hasOwner();
+  }
+
+  bool hasOwner() const {
+    const auto reply = bus.call({.destination = "org.freedesktop.DBus",
+                                 .path = "/org/freedesktop/DBus",
+                                 .interface = "org.freedesktop.DBus",
+                                 .method = "NameHasOwner",
+                                 .arguments = g_variant_new("(s)", name.c_str()),
+                                 .replyType = "(b)"},
+                                TimeLimit(busPatience));
+    gboolean isOwned = true;
+    if (reply) g_variant_get(reply.get(), "(b)", &isOwned);
+    return isOwned != 0;
+  }
+
+  const MessageBus bus;
+  const std::string name;
+  const std::shared_ptr<std::atomic<bool>> isAnswered = std::make_shared<std::atomic<bool>>(false);
+};
+
 Launcher::Launcher(const ServerTime& time, const StartupNotice& notice, const rlimit& openFiles)
     : time_(time), notice_(notice), openFiles_(openFiles) {
   // GIO would start one.
@@ -95,14 +149,12 @@ Launcher::Launcher(const ServerTime& time, const StartupNotice& notice, const rl
 
 void Launcher::launch(const std::string& path) {
   if (!reserve(path)) return;
-  const auto process = spawn(path);
-  std::shared_ptr<const OwnedDescriptor> descriptor;
-  if (process) descriptor = std::make_shared<OwnedDescriptor>(static_cast<int>(syscall(SYS_pidfd_open, *process, 0)));
+  auto launched = spawn(path);
   starts_.withLock([&](Starts& starts) {
     const auto start = starts.find(path);
     if (start == starts.end()) return;
-    if (descriptor) {
-      start->second.process = std::move(descriptor);
+    if (launched) {
+      start->second.launched = *std::move(launched);
     } else {
       starts.erase(start);
     }
@@ -110,28 +162,37 @@ void Launcher::launch(const std::string& path) {
 }
 
 bool Launcher::reserve(const std::string& path) {
+  const auto now = std::chrono::steady_clock::now();
+  const auto last = starts_.withLock([&](Starts& starts) {
+    std::erase_if(starts, [&](const auto& start) { return now - start.second.begun > longestStart; });
+    const auto start = starts.find(path);
+    return start == starts.end() ? std::nullopt : std::optional(start->second);
+  });
+  if (last && !isOver(*last)) return false;
   return starts_.withLock([&](Starts& starts) {
-    std::erase_if(starts, [](const auto& start) { return isOver(start.second); });
-    return starts.try_emplace(path, Start{std::chrono::steady_clock::now(), nullptr}).second;
+    const auto start = starts.find(path);
+    // Somebody else may have begun a new one meanwhile.
+    if (start != starts.end() && (!last || start->second.begun != last->begun)) return false;
+    starts.insert_or_assign(path, Start{.begun = now});
+    return true;
   });
 }
 
 bool Launcher::isOver(const Start& start) {
-  const auto age = std::chrono::steady_clock::now() - start.begun;
-  if (age > longestStart) return true;
-  if (age < shortestStart || !start.process) return false;
-  pollfd process{start.process->number(), POLLIN, 0};
-  return process.fd < 0 || poll(&process, 1, 0) > 0;
+  if (start.launched.process) return start.launched.process->isOver();
+  return start.launched.bus && start.launched.bus->isOver();
 }
 
 void Launcher::hasStarted(const std::string& path) {
   starts_.withLock([&](Starts& starts) {
     const auto start = starts.find(path);
-    if (start != starts.end() && start->second.process) starts.erase(start);
+    if (start != starts.end() && (start->second.launched.process || start->second.launched.bus)) {
+      starts.erase(start);
+    }
   });
 }
 
-std::optional<pid_t> Launcher::spawn(const std::string& path) {
+std::optional<Launcher::Launched> Launcher::spawn(const std::string& path) {
   const GLibPointer<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(path.c_str()));
   if (!info || g_desktop_app_info_get_is_hidden(info.get())) return std::nullopt;
   std::string announced;
@@ -145,20 +206,19 @@ std::optional<pid_t> Launcher::spawn(const std::string& path) {
   auto bus = busName.empty() ? std::nullopt : MessageBus::open(sessionBusAddress(), TimeLimit(busPatience));
   if (bus) {
     const bool isAnnounced = g_desktop_app_info_get_boolean(info.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_NOTIFY);
-    startByBus(*bus, busName, isAnnounced ? announceIt() : std::string());
-    // The bus delivers it when the program is there, and only if who sent it still is.
-    bus_.withLock(
-        [&](std::shared_ptr<const MessageBus>& kept) { kept = std::make_shared<const MessageBus>(*std::move(bus)); });
-    return noProcess;
+    auto start = std::make_shared<BusStart>(*std::move(bus), busName);
+    start->begin(isAnnounced ? announceIt() : std::string());
+    return Launched{.bus = std::move(start)};
   }
   const auto context = makeLaunchContext(announceIt);
   if (sessionBusAddress() == noBus) g_app_launch_context_unsetenv(context.get(), busAddress);
-  pid_t process = noProcess;
+  pid_t process = 0;
   rlimit openFiles = openFiles_;
   const bool isLaunched = g_desktop_app_info_launch_uris_as_manager(
       info.get(), nullptr, context.get(), spawnFlags, startAfresh, &openFiles, notePid, &process, nullptr);
   if (!isLaunched && !announced.empty()) notice_.end(announced);
-  return isLaunched ? std::optional(process) : std::nullopt;
+  if (!isLaunched) return std::nullopt;
+  return Launched{.process = std::make_shared<const Process>(process)};
 }
 
 std::string Launcher::announce(const std::string& name, const std::string& path) {

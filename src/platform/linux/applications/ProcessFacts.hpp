@@ -16,4 +16,9 @@ struct ProcessFacts {
   static ProcessFacts of(pid_t process);
 };
 
+/// Whether processes run that were started by `process`, which was launched by a desktop entry in a session of its own
+/// and may have ended: they are in that session, or have its number in their environment. Those that a service of the
+/// system has started for it cannot be known. Threads: any; reads what the system says of each process.
+bool hasSuccessors(pid_t process);
+
 }  // namespace orvel

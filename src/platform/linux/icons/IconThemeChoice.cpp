@@ -1,5 +1,6 @@
 #include "platform/linux/icons/IconThemeChoice.hpp"
 
+#include "platform/linux/files/ConfigurationFolders.hpp"
 #include "platform/linux/files/KeyFile.hpp"
 #include "platform/linux/files/SmallFile.hpp"
 #include "platform/linux/x11/XSettings.hpp"
@@ -17,11 +18,6 @@ std::string variable(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
-std::string configurationFolder() {
-  std::string folder = variable("XDG_CONFIG_HOME");
-  return folder.empty() ? variable("HOME") + "/.config" : folder;
-}
-
 std::string valueIn(const std::string& path, const char* group, const char* key) {
   const auto text = readSmallFile(path, largestFile);
   const auto keys = text ? parseKeyFile(*text) : nullptr;
@@ -34,7 +30,7 @@ std::string valueIn(const std::string& path, const char* group, const char* key)
 
 IconThemeChoice::IconThemeChoice(const X11Connection& connection)
     : connection_(connection),
-      configuration_(configurationFolder()),
+      configuration_(ConfigurationFolders::ofUser().own),
       isKDE_(variable("XDG_CURRENT_DESKTOP").find("KDE") != std::string::npos) {}
 
 std::string IconThemeChoice::name() const {

@@ -43,11 +43,12 @@ bool isFolder(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-std::optional<std::string> iconIn(const std::string& folder, const std::string& icon) {
+std::optional<std::string> iconIn(const std::string& folder, const std::string& icon,
+                                  const IconThemes::Choice& choice) {
   for (const std::string_view suffix : suffixes) {
     std::string path = below(folder, icon);
     path += suffix;
-    if (isFile(path)) return path;
+    if (isFile(path) && choice(path)) return path;
   }
   return std::nullopt;
 }
@@ -78,19 +79,20 @@ IconThemes::IconThemes(const DataFolders& folders) {
   for (const std::string& folder : folders.shared) themeless_.push_back(folder + "/pixmaps");
 }
 
-std::optional<std::string> IconThemes::find(const std::string& icon, int pixels, const std::string& theme) {
+std::optional<std::string> IconThemes::find(const std::string& icon, int pixels, const std::string& theme,
+                                            const Choice& choice) {
   const std::string name = withoutSuffix(icon);
   if (!isFileName(name)) return std::nullopt;
   const auto chain = chainOf(theme);
   for (const std::string& link : chain) {
-    if (auto path = findIn(link, name, pixels)) return path;
+    if (auto path = findIn(link, name, pixels, choice)) return path;
   }
   for (const std::string& other : allThemes()) {
     if (std::find(chain.begin(), chain.end(), other) != chain.end()) continue;
-    if (auto path = findIn(other, name, pixels)) return path;
+    if (auto path = findIn(other, name, pixels, choice)) return path;
   }
   for (const std::string& folder : themeless_) {
-    if (auto path = iconIn(folder, name)) return path;
+    if (auto path = iconIn(folder, name, choice)) return path;
   }
   return std::nullopt;
 }
@@ -172,7 +174,8 @@ std::vector<std::optional<FileStamp>> IconThemes::stampsOf(const std::string& th
   return stamps;
 }
 
-std::optional<std::string> IconThemes::findIn(const std::string& theme, const std::string& icon, int pixels) {
+std::optional<std::string> IconThemes::findIn(const std::string& theme, const std::string& icon, int pixels,
+                                              const Choice& choice) {
   const auto known = installed(theme);
   std::vector<const Place*> places;
   places.reserve(known->places.size());
@@ -183,7 +186,7 @@ std::optional<std::string> IconThemes::findIn(const std::string& theme, const st
   };
   std::stable_sort(places.begin(), places.end(), [&](const Place* a, const Place* b) { return rank(a) < rank(b); });
   for (const Place* place : places) {
-    if (auto path = iconIn(place->path, icon)) return path;
+    if (auto path = iconIn(place->path, icon, choice)) return path;
   }
   return std::nullopt;
 }

@@ -5,6 +5,7 @@
 #include "platform/linux/files/FileStamp.hpp"
 #include "platform/linux/icons/IconTheme.hpp"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,9 +21,13 @@ class IconThemes {
  public:
   explicit IconThemes(const DataFolders& folders);
 
+  /// Whether the icon is to be taken from this file.
+  using Choice = std::function<bool(const std::string& path)>;
+
   /// The file that holds an icon for a square of that many pixels: from the theme, those that it inherits, the theme
-  /// that all programs bring their icons to, any other theme, or from no theme. Nothing when none has it.
-  std::optional<std::string> find(const std::string& icon, int pixels, const std::string& theme);
+  /// that all programs bring their icons to, any other theme, or from no theme. Of several, the first that `choice`
+  /// takes. Nothing when there is none.
+  std::optional<std::string> find(const std::string& icon, int pixels, const std::string& theme, const Choice& choice);
 
  private:
   /// A folder of a theme that is really there.
@@ -44,7 +49,8 @@ class IconThemes {
   std::shared_ptr<const Installed> installed(const std::string& theme);
   Installed readTheme(const std::string& theme) const;
   std::vector<std::optional<FileStamp>> stampsOf(const std::string& theme) const;
-  std::optional<std::string> findIn(const std::string& theme, const std::string& icon, int pixels);
+  std::optional<std::string> findIn(const std::string& theme, const std::string& icon, int pixels,
+                                    const Choice& choice);
 
   std::vector<std::string> bases_;      // hold themes
   std::vector<std::string> themeless_;  // hold icons of no theme

@@ -22,7 +22,7 @@ class WindowCommands {
   /// Puts a window above the others.
   void raise(xcb_window_t window) const;
 
-  /// Asks the program of a window to close it.
+  /// Has the program of a window asked to close it; one that cannot be asked is killed by the window manager.
   void close(xcb_window_t window, xcb_timestamp_t time) const;
 
   /// Shows another workspace.

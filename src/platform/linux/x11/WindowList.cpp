@@ -147,6 +147,11 @@ std::vector<xcb_window_t> WindowList::stacking() const {
   return numbersIn(await(connection_, ask(connection_, connection_.root(), atoms_.clientListStacking, mostWindows)));
 }
 
+bool WindowList::canBeAskedToClose(xcb_window_t window) const {
+  const auto protocols = numbersIn(await(connection_, ask(connection_, window, atoms_.protocols, mostAtoms)));
+  return contains(protocols, atoms_.deleteWindow);
+}
+
 std::optional<std::uint32_t> WindowList::desktopOf(xcb_window_t window) const {
   const auto desktop = number(window, atoms_.windowDesktop);
   return desktop == onAllDesktops ? std::nullopt : desktop;

@@ -37,6 +37,9 @@ class WindowList {
   /// The same windows by their numbers, the lowest of the stack first.
   std::vector<xcb_window_t> stacking() const;
 
+  /// Whether its program lets itself be asked to close the window. Window managers kill those that do not.
+  bool canBeAskedToClose(xcb_window_t window) const;
+
   /// The workspace that a window is on, or nothing when it is on all of them.
   std::optional<std::uint32_t> desktopOf(xcb_window_t window) const;
 

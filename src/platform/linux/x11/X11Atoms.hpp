@@ -17,7 +17,9 @@ struct X11Atoms {
   xcb_atom_t clientListStacking = XCB_ATOM_NONE;
   xcb_atom_t closeWindow = XCB_ATOM_NONE;
   xcb_atom_t currentDesktop = XCB_ATOM_NONE;
+  xcb_atom_t deleteWindow = XCB_ATOM_NONE;
   xcb_atom_t gtkApplicationID = XCB_ATOM_NONE;
+  xcb_atom_t protocols = XCB_ATOM_NONE;
   xcb_atom_t restackWindow = XCB_ATOM_NONE;
   xcb_atom_t startupID = XCB_ATOM_NONE;
   xcb_atom_t startupInfo = XCB_ATOM_NONE;
