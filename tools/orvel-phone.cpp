@@ -91,8 +91,8 @@ file that cannot be written; 2 bad usage; 3 denied. A mirror that is ended by
 Ctrl-C is fine; the commands after it are left out.
 
 Examples
-  ORVEL_TOKEN=ABCD-EFGH-JKMN-PQRS orvel-phone to 0.5 0.5 click left key cmd+c
-  orvel-phone --token ABCD-EFGH-JKMN-PQRS text Hello -- key return
+  ORVEL_TOKEN=ABCD-EFGH-JKMN-PQRS orvel-phone to 0.5 0.5 reveal
+  orvel-phone --token ABCD-EFGH-JKMN-PQRS wait 5 text Hello -- key return
   orvel-phone mirror 10 --width 1280 --save frames
 
 Keys
