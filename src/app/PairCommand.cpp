@@ -46,7 +46,7 @@ int printPairing() {
   // Read anew: a code that could not be stored is another one for everybody who asks.
   if (storedCode() != code) {
     std::cerr << "The pairing code cannot be stored, so no phone can use it: please make the file orvel/orvel.conf in "
-                 "your configuration folder writable.\n";
+                 "your configuration folder readable and writable, or remove it.\n";
     return notStored;
   }
   const auto machine = openMachine();

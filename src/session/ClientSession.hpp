@@ -97,6 +97,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
 
   void handleControl(std::span<const std::uint8_t> data);
   void authenticate(const ControlMessage& message);
+  void remember(const std::string& device, const std::string& proof);
   void deny();
 
   void serve(const ControlMessage& request);

@@ -35,9 +35,19 @@ void ClientSession::authenticate(const ControlMessage& message) {
   const std::string device = message.device.value_or("iPhone");
   authenticated_ = true;
   deviceName_.withLock([&](std::string& name) { name = device; });
-  services_.pairing.remember(device);
+  remember(device, message.proof.value_or(""));
   if (const auto hub = hub_.lock()) hub->publishClients();
   send({{"t", "ready"}, {"mac", displayName(services_.machine)}, {"accessibility", services_.trust.isTrusted()}});
+}
+
+/// Off this thread, for the name may have to be written. By then there may be another token, which this phone has not
+/// proved that it knows.
+void ClientSession::remember(const std::string& device, const std::string& proof) {
+  handOff(
+      [&pairing = services_.pairing, nonce = nonce_, device, proof] {
+        if (pairing.verify(proof, nonce)) pairing.remember(device);
+      },
+      taskCost + device.size());
 }
 
 void ClientSession::deny() {

@@ -18,7 +18,6 @@ constexpr std::size_t tokenLength = 16;
 constexpr std::size_t shortestToken = 12;
 constexpr std::size_t nonceLength = 16;
 constexpr std::size_t groupSize = 4;
-constexpr std::size_t longestRememberedName = 1024;
 const std::string tokenKey = "orvel.token";
 const std::string devicesKey = "orvel.devices";
 
@@ -54,7 +53,7 @@ std::string PairingStore::token() {
     return *std::move(stored);
   }
   std::string token = newToken();
-  preferences_.setString(tokenKey, token);
+  preferences_.setMissing(tokenKey, token);
   return token;
 }
 
@@ -96,12 +95,7 @@ bool PairingStore::verify(std::string_view proof, std::string_view nonce) {
 }
 
 void PairingStore::remember(const std::string& name) {
-  // The names share a file with the token, which must stay small enough to be read for every proof.
-  if (name.size() > longestRememberedName) return;
-  auto names = preferences_.strings(devicesKey);
-  if (std::ranges::find(names, name) != names.end()) return;
-  names.push_back(name);
-  preferences_.setStrings(devicesKey, names);
+  preferences_.add(devicesKey, name);
 }
 
 }  // namespace orvel

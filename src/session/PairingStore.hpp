@@ -10,7 +10,8 @@ class Preferences;
 /// The secret that pairs phones with this computer, and the names of those that have proved it.
 ///
 /// The secret is a token of 16 characters in the user's preferences under "orvel.token"; the names stand under
-/// "orvel.devices". Keeps no state of its own. Threads: any.
+/// "orvel.devices". Keeps no state of its own. Threads: any. What replaces the token or adds a name may wait for the
+/// file system; all else does not.
 class PairingStore {
  public:
   explicit PairingStore(Preferences& preferences);
@@ -34,7 +35,7 @@ class PairingStore {
   /// Whether `proof` answers `nonce`. Takes the same time wherever the first wrong character is.
   bool verify(std::string_view proof, std::string_view nonce);
 
-  /// Adds a device's name unless it is known, or longer than 1,024 bytes.
+  /// Adds a device's name unless it is known. May take as long as the file system takes.
   void remember(const std::string& name);
 
  private:

@@ -4,6 +4,7 @@
 #include "session/Machine.hpp"
 #include "session/Preferences.hpp"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <optional>
@@ -34,11 +35,18 @@ class MemoryPreferences final : public Preferences {
     texts[key] = value;
   }
 
+  void setMissing(const std::string& key, const std::string& value) override { setString(key, value); }
+
+  void add(const std::string& key, const std::string& value) override {
+    auto& list = lists[key];
+    if (std::ranges::find(list, value) != list.end()) return;
+    if (beforeWriting) beforeWriting();
+    list.push_back(value);
+  }
   std::vector<std::string> strings(const std::string& key) const override {
     const auto found = lists.find(key);
     return found == lists.end() ? std::vector<std::string>() : found->second;
   }
-  void setStrings(const std::string& key, const std::vector<std::string>& values) override { lists[key] = values; }
 
   void remove(const std::string& key) override {
     texts.erase(key);

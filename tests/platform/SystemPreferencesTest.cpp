@@ -36,6 +36,8 @@ class SystemPreferencesTest : public ::testing::Test {
   fs::path configuration() const { return folder_.path() / "orvel"; }
   fs::path file() const { return configuration() / "orvel.conf"; }
 
+  fs::path listFile() const { return configuration() / "orvel.devices"; }
+
   void writeFile(const std::string& content) const {
     fs::create_directories(configuration());
     std::ofstream(file(), std::ios::binary | std::ios::trunc) << content;
@@ -44,6 +46,14 @@ class SystemPreferencesTest : public ::testing::Test {
   std::string fileContent() const {
     std::ifstream stream(file(), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+  static void addAll(SystemPreferences& preferences, const std::string& key, const Texts& texts) {
+    for (const std::string& text : texts) preferences.add(key, text);
+  }
+  static void addAll(const std::string& key, const Texts& texts) {
+    SystemPreferences preferences;
+    addAll(preferences, key, texts);
   }
 
   static mode_t permissions(const fs::path& path) {
@@ -64,10 +74,10 @@ TEST_F(SystemPreferencesTest, NothingIsStoredAtFirst) {
 
 TEST_F(SystemPreferencesTest, WhatIsStoredOutlivesTheObject) {
   SystemPreferences().setString("orvel.token", "ABCDEFGHJKMNPQRS");
-  SystemPreferences().setStrings("orvel.devices", {"Ada's iPhone", "Tablet"});
+  addAll("orvel.devices", {"Ada's iPhone", "Tablet"});
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMNPQRS");
   EXPECT_EQ(SystemPreferences().strings("orvel.devices"), (Texts{"Ada's iPhone", "Tablet"}));
-  EXPECT_EQ(fileContent(), "[General]\norvel.devices=Ada's iPhone, Tablet\norvel.token=ABCDEFGHJKMNPQRS\n");
+  EXPECT_EQ(fileContent(), "[General]\norvel.token=ABCDEFGHJKMNPQRS\n");
 }
 
 TEST_F(SystemPreferencesTest, AFileWrittenByHandIsRead) {
@@ -95,7 +105,7 @@ TEST_F(SystemPreferencesTest, ALockThatIsNeverLetGoHoldsNobodyUp) {
 TEST_F(SystemPreferencesTest, RemovingForgetsOneKey) {
   SystemPreferences preferences;
   preferences.setString("orvel.token", "ABCDEFGHJKMN");
-  preferences.setStrings("orvel.devices", {"One"});
+  preferences.add("orvel.devices", "One");
   preferences.remove("orvel.devices");
   preferences.remove("never.set");
   EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{});
@@ -142,26 +152,135 @@ TEST_F(SystemPreferencesTest, EveryTextComesBackAsItWas) {
 
 TEST_F(SystemPreferencesTest, EveryListOfOneComesBackAsItWas) {
   for (const std::string& text : awkwardTexts) {
-    SystemPreferences().setStrings("orvel.devices", {text});
+    SystemPreferences().remove("orvel.devices");
+    SystemPreferences().add("orvel.devices", text);
     EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{text});
   }
 }
 
 TEST_F(SystemPreferencesTest, ListsOfAnyLengthComeBackAsTheyWere) {
   for (const Texts& list :
-       {Texts{}, Texts{"", ""}, Texts{"@Invalid()", "@Invalid()"}, Texts{"a", "a, b", ""}, awkwardTexts}) {
-    SystemPreferences().setStrings("orvel.devices", list);
+       {Texts{}, Texts{"", "\n"}, Texts{"a\\n", "a\n", "\\", "a"}, Texts{"a", "a, b", ""}, awkwardTexts}) {
+    SystemPreferences().remove("orvel.devices");
+    addAll("orvel.devices", list);
     EXPECT_EQ(SystemPreferences().strings("orvel.devices"), list);
+    addAll("orvel.devices", list);
+    EXPECT_EQ(SystemPreferences().strings("orvel.devices"), list) << "each is there once";
   }
 }
 
 TEST_F(SystemPreferencesTest, AwkwardTextsAreReallyInTheFile) {
-  SystemPreferences().setStrings("orvel.devices", awkwardTexts);
+  addAll("orvel.devices", awkwardTexts);
   // Under another path nothing that this process remembers can answer in the file's place.
   fs::create_directory(folder_.path() / "other");
   fs::rename(configuration(), folder_.path() / "other/orvel");
   setenv("XDG_CONFIG_HOME", (folder_.path() / "other").c_str(), 1);
   EXPECT_EQ(SystemPreferences().strings("orvel.devices"), awkwardTexts);
+}
+
+TEST_F(SystemPreferencesTest, AListInTheFileOfTextsCountsAndStays) {
+  const std::string content = "[General]\norvel.devices=One, Two\norvel.token=ABCDEFGHJKMN\n";
+  writeFile(content);
+  SystemPreferences preferences;
+  addAll(preferences, "orvel.devices", {"Two", "Three", "One"});
+  EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two", "Three"}));
+  EXPECT_EQ(fileContent(), content) << "what holds the token is not touched for a name";
+  preferences.remove("orvel.devices");
+  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{});
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+}
+
+TEST_F(SystemPreferencesTest, ATextThatIsInTheListCostsNoWrite) {
+  SystemPreferences preferences;
+  addAll(preferences, "orvel.devices", {"One", "Two"});
+  const auto before = fs::last_write_time(listFile());
+  fs::permissions(listFile(), fs::perms(0400));
+  addAll(preferences, "orvel.devices", {"One", "Two"});
+  EXPECT_EQ(fs::last_write_time(listFile()), before);
+  EXPECT_EQ(permissions(listFile()), 0400u);
+}
+
+TEST_F(SystemPreferencesTest, ALongListTouchesNoTextAndIsReadOnce) {
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  for (int i = 0; i < 1100; ++i) preferences.add("orvel.devices", std::to_string(i) + std::string(1100, 'x'));
+  preferences.add("orvel.devices", std::string(std::size_t{8} << 20, 'y'));
+  EXPECT_EQ(preferences.strings("orvel.devices").size(), 1101u);
+  EXPECT_EQ(fileContent(), "[General]\norvel.token=ABCDEFGHJKMN\n");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+  SystemPreferences later;
+  later.add("orvel.devices", std::string(std::size_t{8} << 20, 'y'));
+  later.add("orvel.devices", "last");
+  EXPECT_EQ(later.strings("orvel.devices").size(), 1102u);
+}
+
+TEST_F(SystemPreferencesTest, AListThatWasCutOffLosesOnlyWhatWasCut) {
+  addAll("orvel.devices", {"One", "Two"});
+  fs::resize_file(listFile(), fs::file_size(listFile()) - 2);
+  SystemPreferences preferences;
+  addAll(preferences, "orvel.devices", {"Two", "One"});
+  EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Tw", "Two"}));
+}
+
+TEST_F(SystemPreferencesTest, AnotherProcessesListIsSeen) {
+  SystemPreferences preferences;
+  preferences.add("orvel.devices", "One");
+  std::ofstream(listFile(), std::ios::app) << "Two\n";
+  preferences.add("orvel.devices", "Two");
+  EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two"}));
+}
+
+TEST_F(SystemPreferencesTest, ALargeFileIsStillOurs) {
+  std::string large = "[General]\n";
+  while (large.size() <= 3 * 1024 * 1024)
+    large += "key" + std::to_string(large.size()) + "=" + std::string(1000, 'v') + "\n";
+  writeFile(large + "orvel.token=ABCDEFGHJKMN\n");
+  SystemPreferences preferences;
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  preferences.setMissing("other", "value");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(SystemPreferences().string("other"), "value");
+}
+
+TEST_F(SystemPreferencesTest, WhatIsMissingInADamagedFileIsNotStoredOverIt) {
+  const std::string contents[] = {"[General]\norvel.devices=One, Tw", "no equals sign\n", "[General\nx=y\n",
+                                  std::string("\0\0\0\0", 4), "[General]\norvel.devices=\"never closed\n"};
+  for (const std::string& content : contents) {
+    writeFile(content);
+    SystemPreferences preferences;
+    EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
+    preferences.setMissing("orvel.token", "NPQRSTUVWXYZ");
+    EXPECT_EQ(preferences.string("orvel.token"), "NPQRSTUVWXYZ");
+    EXPECT_EQ(fileContent(), content);
+    writeFile("[General]\norvel.token=ABCDEFGHJKMN\n");
+    EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN") << "the stored one is readable again";
+  }
+}
+
+TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileTheFileIsDamaged) {
+  writeFile("[General]\norvel.token=ABCDEFGHJKMN\n");
+  const SystemPreferences preferences;
+  ASSERT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  writeFile("[General]\norvel.dev");
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  fs::remove(file());
+  fs::create_directories(file());
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN") << "nor does a folder in its place count as no file";
+}
+
+TEST_F(SystemPreferencesTest, WhatIsMissingIsStoredWhereThereIsNoFile) {
+  SystemPreferences().setMissing("orvel.token", "ABCDEFGHJKMN");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+}
+
+TEST_F(SystemPreferencesTest, WhatStoodInForADamagedTextIsStoredWhenTheFileTurnsOutToLackIt) {
+  writeFile("damaged");
+  SystemPreferences preferences;
+  preferences.setMissing("orvel.token", "ABCDEFGHJKMN");
+  writeFile("[General]\nother=value\n");
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_EQ(preferences.string("other"), "value");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
 }
 
 TEST_F(SystemPreferencesTest, WhatIsNoTextIsMadeOne) {
@@ -182,7 +301,7 @@ TEST_F(SystemPreferencesTest, WhatIsNoTextIsMadeOne) {
 }
 
 TEST_F(SystemPreferencesTest, AListOfSeveralIsNoString) {
-  SystemPreferences().setStrings("orvel.token", {"one", "two"});
+  writeFile("[General]\norvel.token=one, two\n");
   EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
 }
 
@@ -253,11 +372,10 @@ class SystemPreferencesObstacleTest : public SystemPreferencesTest {
     SystemPreferences preferences;
     EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
     preferences.setString("orvel.token", "ABCDEFGHJKMN");
-    preferences.setStrings("orvel.devices", {"One", "Two"});
     EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
-    EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two"}));
-    preferences.remove("orvel.devices");
-    EXPECT_EQ(preferences.strings("orvel.devices"), Texts{});
+    preferences.remove("orvel.token");
+    EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
+    preferences.setString("orvel.token", "ABCDEFGHJKMN");
     EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
   }
 };
@@ -307,9 +425,9 @@ TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredWithTheNextChan
   SystemPreferences preferences;
   preferences.setString("orvel.token", "ABCDEFGHJKMN");
   fs::remove(file());
-  preferences.setStrings("orvel.devices", {"One"});
+  preferences.setString("other", "One");
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
-  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"One"});
+  EXPECT_EQ(SystemPreferences().string("other"), "One");
 }
 
 TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredAsSoonAsThatIsPossible) {
@@ -321,16 +439,6 @@ TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredAsSoonAsThatIsP
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
 }
 
-TEST_F(SystemPreferencesObstacleTest, AFileThatIsFarTooLargeIsNoneOfOurs) {
-  std::string large = "[General]\norvel.token=ABCDEFGHJKMN\n";
-  while (large.size() <= 1024 * 1024) large += "key" + std::to_string(large.size()) + "=value\n";
-  writeFile(large);
-  EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
-  SystemPreferences().setString("orvel.token", "NPQRSTUVWXYZ");
-  EXPECT_EQ(SystemPreferences().string("orvel.token"), "NPQRSTUVWXYZ");
-  EXPECT_LT(fs::file_size(file()), 1000u);
-}
-
 TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileNoFileCanBeOpened) {
   SystemPreferences preferences;
   preferences.setString("orvel.token", "ABCDEFGHJKMN");
@@ -340,11 +448,11 @@ TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileNoFileCanBeOpened) {
   const rlimit none{.rlim_cur = 3, .rlim_max = before.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
   const auto token = preferences.string("orvel.token");
-  preferences.setStrings("orvel.devices", {"Zoe"});
+  preferences.setString("other", "Zoe");
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
   EXPECT_EQ(token, "ABCDEFGHJKMN");
-  EXPECT_EQ(preferences.strings("orvel.devices"), Texts{"Zoe"});
-  EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"Zoe"}) << "stored as soon as that was possible";
+  EXPECT_EQ(preferences.string("other"), "Zoe");
+  EXPECT_EQ(SystemPreferences().string("other"), "Zoe") << "stored as soon as that was possible";
 }
 
 TEST_F(SystemPreferencesTest, ARelativeConfigurationFolderDoesNotCount) {
@@ -384,9 +492,9 @@ TEST_F(SystemPreferencesTest, AFileThatCanOnlyBeReadKeepsWhatItSaysWhenItIsRepla
   ASSERT_GE(child, 0);
   if (child == 0) {
     if (setuid(nobody) != 0) _exit(noOtherUser);
-    SystemPreferences().setStrings("orvel.devices", {"Zoe"});
+    SystemPreferences().setString("other", "Zoe");
     EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
-    EXPECT_EQ(SystemPreferences().strings("orvel.devices"), Texts{"Zoe"});
+    EXPECT_EQ(SystemPreferences().string("other"), "Zoe");
     _exit(HasFailure() ? 1 : 0);
   }
   int status = -1;

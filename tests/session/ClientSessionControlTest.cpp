@@ -85,6 +85,32 @@ TEST_F(ClientSessionControlTest, AGoodProofMakesThePhoneReady) {
   EXPECT_EQ(ready.size(), 3u);
 }
 
+TEST_F(ClientSessionControlTest, ReadyDoesNotWaitUntilTheNameIsStored) {
+  std::size_t readyBefore = 0;
+  preferences.beforeWriting = [&] { readyBefore = phone->received("ready").size(); };
+  phone->text(R"({"t":"auth","device":"Zoe","proof":")" + proofFor(*phone) + R"("})");
+  EXPECT_EQ(phone->received("ready").size(), 1u);
+  EXPECT_FALSE(preferences.lists.contains("orvel.devices"));
+  clock.runDue();
+  EXPECT_EQ(readyBefore, 1u);
+  EXPECT_THAT(preferences.lists.at("orvel.devices"), ElementsAre("Zoe"));
+}
+
+TEST_F(ClientSessionControlTest, APhoneThatLeavesAtOnceIsRemembered) {
+  phone->text(R"({"t":"auth","device":"Zoe","proof":")" + proofFor(*phone) + R"("})");
+  session->cancel();
+  session.reset();
+  clock.runDue();
+  EXPECT_THAT(preferences.lists.at("orvel.devices"), ElementsAre("Zoe"));
+}
+
+TEST_F(ClientSessionControlTest, ANameIsNotRememberedUnderACodeThatItsPhoneHasNotProved) {
+  phone->text(R"({"t":"auth","device":"Zoe","proof":")" + proofFor(*phone) + R"("})");
+  pairing.rotateToken();
+  clock.runDue();
+  EXPECT_FALSE(preferences.lists.contains("orvel.devices"));
+}
+
 TEST_F(ClientSessionControlTest, ReadyCarriesTheLiveAnswerNotTheRememberedOne) {
   desktop.trusted = false;
   authenticate(*phone);
@@ -95,6 +121,7 @@ TEST_F(ClientSessionControlTest, ReadyCarriesTheLiveAnswerNotTheRememberedOne) {
 TEST_F(ClientSessionControlTest, APhoneWithoutANameIsAnIPhone) {
   phone->text(R"({"t":"auth","proof":")" + proofFor(*phone) + R"("})");
   EXPECT_EQ(session->deviceName(), "iPhone");
+  clock.runDue();
   EXPECT_THAT(preferences.lists.at("orvel.devices"), ElementsAre("iPhone"));
   phone->text(R"({"t":"auth","proof":")" + proofFor(*phone) + R"(","device":7})");
   EXPECT_EQ(session->deviceName(), "iPhone");

@@ -1,18 +1,24 @@
 #include "platform/linux/SystemPreferences.hpp"
 
+#include "platform/linux/OwnedDescriptor.hpp"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
+#include <QList>
 #include <QLockFile>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QStringConverter>
 #include <QStringList>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <functional>
 #include <utility>
 
 namespace orvel {
@@ -23,7 +29,6 @@ constexpr mode_t ownFolder = 0700;
 constexpr mode_t ownFile = 0600;
 constexpr std::chrono::milliseconds noPatience{0};
 constexpr std::chrono::milliseconds writersPatience{500};  // others of us write for a millisecond
-constexpr off_t largestFile = 1024 * 1024;                 // ours has a few hundred bytes
 
 QString toQString(const std::string& text) {
   // A byte order mark at the start is part of the text; QString::fromUtf8 would drop it.
@@ -37,10 +42,49 @@ bool isRegularFile(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Whether it can be one of ours: anything else under that name, such as a pipe, might keep a reader waiting for ever.
-bool isWorthReading(const std::string& path) {
+/// The content of a plain file, whatever its size. Nothing when it cannot be read, or is none: a pipe might keep a
+/// reader waiting for ever.
+std::optional<std::string> contentOf(const std::string& path) {
+  const OwnedDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= largestFile;
+  if (file.number() < 0 || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  std::string content(static_cast<std::size_t>(status.st_size), '\0');
+  std::size_t length = 0;
+  while (length < content.size()) {
+    const ssize_t count = ::read(file.number(), content.data() + length, content.size() - length);
+    if (count < 0 && errno != EINTR) return std::nullopt;
+    if (count == 0) break;
+    if (count > 0) length += static_cast<std::size_t>(count);
+  }
+  content.resize(length);
+  return content;
+}
+
+bool closesItsQuotes(const QByteArray& line) {
+  bool isInQuotes = false;
+  for (qsizetype i = 0; i < line.size(); ++i) {
+    if (line[i] == '\\') {
+      ++i;  // what follows stands for itself
+    } else if (line[i] == '"') {
+      isInQuotes = !isInQuotes;
+    }
+  }
+  return !isInQuotes;
+}
+
+bool isWholeLine(const QByteArray& line) {
+  if (line.isEmpty() || line.startsWith(';') || line.startsWith('#')) return true;
+  if (line.startsWith('[')) return line.endsWith(']');
+  return line.contains('=') && closesItsQuotes(line);
+}
+
+/// Whether there may have been more in the file than can be read of it now: it was cut off, overwritten or mistyped.
+bool isDamaged(const std::string& content) {
+  if (content.empty()) return false;
+  if (!content.ends_with('\n') || content.find('\0') != std::string::npos) return true;
+  const QList<QByteArray> lines =
+      QByteArray::fromRawData(content.data(), static_cast<qsizetype>(content.size())).split('\n');
+  return !std::ranges::all_of(lines, [](const QByteArray& line) { return isWholeLine(line.trimmed()); });
 }
 
 /// Whether the file is there but cannot be opened just now, as when strangers hold all that this process may open. To
@@ -92,7 +136,7 @@ bool prepare(const std::string& folder, const std::string& file) {
   if (!keepPrivate(folder, ownFolder)) return false;
   if (createPrivately(file)) return true;
   if (!isRegularFile(file)) return false;
-  if (isWorthReading(file) && keepPrivate(file, ownFile) && isWritable(file)) return true;
+  if (keepPrivate(file, ownFile) && isWritable(file)) return true;
   return unlink(file.c_str()) == 0 && createPrivately(file);
 }
 
@@ -115,55 +159,157 @@ std::vector<std::string> textsOf(const QSettings& settings, const QString& key) 
 SystemPreferences::SystemPreferences() : folder_(configurationFolder() + "/orvel"), file_(folder_ + "/orvel.conf") {}
 
 std::optional<std::string> SystemPreferences::string(const std::string& key) const {
-  Texts texts = strings(key);
+  // What stood in the way may be gone.
+  storeUnsaved(noPatience);
+  Texts texts = state_.withLock([&](State& state) {
+    refresh(state);
+    return textsOf(state, key);
+  });
   if (texts.size() != 1) return std::nullopt;
   return std::move(texts.front());
 }
 
 std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
-  return state_.withLock([&](State& state) -> Texts {
-    // What stood in the way may be gone.
-    if (!state.unsaved.empty() && store(state.unsaved, noPatience)) state.unsaved.clear();
-    if (const auto change = state.unsaved.find(key); change != state.unsaved.end()) return change->second;
-    if (!isWorthReading(file_)) return {};
-    keepPrivate(file_, ownFile);
-    if (lacksDescriptors(file_)) return state.known[key];
-    return state.known[key] =
-               textsOf(QSettings(QFile::decodeName(file_.c_str()), QSettings::IniFormat), toQString(key));
+  Texts texts = state_.withLock([&](State& state) {
+    refresh(state);
+    return textsOf(state, key);
   });
+  for (std::string& text : listOf(key)->texts()) texts.push_back(std::move(text));
+  return texts;
+}
+
+SystemPreferences::Texts SystemPreferences::textsOf(State& state, const std::string& key) const {
+  for (const Changes* texts : {&state.unsaved, &state.known, &state.provisional}) {
+    if (const auto found = texts->find(key); found != texts->end()) return found->second;
+  }
+  return {};
+}
+
+void SystemPreferences::refresh(State& state) const {
+  const auto stamp = FileStamp::of(file_);
+  if (!stamp) {
+    const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+    if (isMissing) state.known.clear();
+    state.isReadable = isMissing;
+    state.stamp.reset();
+  } else {
+    if (stamp->isPlainFile) keepPrivate(file_, ownFile);
+    if (stamp != state.stamp || !stamp->isSettled()) read(state, *stamp);
+  }
+  if (state.isReadable && !state.provisional.empty()) {
+    for (const auto& [key, texts] : state.known) state.provisional.erase(key);
+    state.unsaved.merge(std::exchange(state.provisional, {}));
+  }
+}
+
+void SystemPreferences::read(State& state, const FileStamp& stamp) const {
+  const auto content = stamp.isPlainFile ? contentOf(file_) : std::nullopt;
+  if (!content) {
+    state.isReadable = false;
+    state.stamp.reset();
+    return;
+  }
+  const std::size_t hash = std::hash<std::string>()(*content);
+  const bool isKnown = state.stamp && state.contentHash == hash;
+  state.stamp = stamp;
+  state.contentHash = hash;
+  if (isKnown) return;
+  state.isReadable = !isDamaged(*content);
+  Changes fresh = contents();
+  // What can still be read of a damaged file holds, and so does what was read of it before.
+  if (!state.isReadable) fresh.merge(state.known);
+  state.known = std::move(fresh);
 }
 
 void SystemPreferences::setString(const std::string& key, const std::string& value) {
   change(key, {value});
 }
 
-void SystemPreferences::setStrings(const std::string& key, const std::vector<std::string>& values) {
-  change(key, values);
+void SystemPreferences::setMissing(const std::string& key, const std::string& value) {
+  const bool mayStore = state_.withLock([&](State& state) {
+    refresh(state);
+    if (!state.isReadable) state.provisional[key] = {value};
+    return state.isReadable;
+  });
+  if (mayStore) change(key, {value});
+}
+
+void SystemPreferences::add(const std::string& key, const std::string& value) {
+  const bool isInTexts = state_.withLock([&](State& state) {
+    refresh(state);
+    return std::ranges::count(textsOf(state, key), value) != 0;
+  });
+  if (isInTexts) return;
+  makeFolders(folder_);
+  if (keepPrivate(folder_, ownFolder)) listOf(key)->add(toQString(value).toStdString());
 }
 
 void SystemPreferences::remove(const std::string& key) {
-  change(key, {});
+  listOf(key)->remove();
+  const bool isInTexts = state_.withLock([&](State& state) {
+    refresh(state);
+    state.provisional.erase(key);
+    return !textsOf(state, key).empty();
+  });
+  if (isInTexts) change(key, {});
+}
+
+TextList* SystemPreferences::listOf(const std::string& key) const {
+  return lists_.withLock([&](auto& lists) {
+    auto& list = lists[key];
+    if (!list) list = std::make_unique<TextList>(folder_ + "/" + key);
+    return list.get();
+  });
 }
 
 void SystemPreferences::change(const std::string& key, Texts texts) {
   state_.withLock([&](State& state) {
+    state.provisional.erase(key);
     state.unsaved[key] = std::move(texts);
-    if (store(state.unsaved, writersPatience)) state.unsaved.clear();
+  });
+  storeUnsaved(writersPatience);
+}
+
+/// One thread at a time stores; what others change meanwhile is already answered from memory, and stored after that.
+void SystemPreferences::storeUnsaved(std::chrono::milliseconds patience) const {
+  auto changes = beginStoring();
+  while (changes && endStoring(*changes, store(*changes, patience))) changes = beginStoring();
+}
+
+std::optional<SystemPreferences::Changes> SystemPreferences::beginStoring() const {
+  return state_.withLock([](State& state) -> std::optional<Changes> {
+    if (state.isStoring || state.unsaved.empty()) return std::nullopt;
+    state.isStoring = true;
+    return state.unsaved;
+  });
+}
+
+bool SystemPreferences::endStoring(const Changes& changes, bool isStored) const {
+  return state_.withLock([&](State& state) {
+    state.isStoring = false;
+    if (!isStored) return false;
+    std::erase_if(state.unsaved, [&](const auto& change) {
+      const auto stored = changes.find(change.first);
+      return stored != changes.end() && stored->second == change.second;
+    });
+    refresh(state);
+    return true;
   });
 }
 
 SystemPreferences::Changes SystemPreferences::contents() const {
   Changes contents;
-  if (!isWorthReading(file_)) return contents;
   const QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
-  for (const QString& key : settings.allKeys()) contents[key.toStdString()] = textsOf(settings, key);
+  for (const QString& key : settings.allKeys()) {
+    if (Texts texts = orvel::textsOf(settings, key); !texts.empty()) contents[key.toStdString()] = std::move(texts);
+  }
   return contents;
 }
 
 bool SystemPreferences::store(const Changes& changes, std::chrono::milliseconds patience) const {
   if (lacksDescriptors(file_)) return false;
   // A file that can be read but not written is replaced, and what it says must not go with it.
-  Changes all = isWritable(file_) ? Changes() : contents();
+  Changes all = isWritable(file_) || !isRegularFile(file_) ? Changes() : contents();
   for (const auto& [key, texts] : changes) all[key] = texts;
   if (!prepare(folder_, file_) || isLocked(file_, patience)) return false;
   QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);

@@ -1,30 +1,38 @@
 #pragma once
 
 #include "base/Guarded.hpp"
+#include "platform/linux/files/FileStamp.hpp"
+#include "platform/linux/files/TextList.hpp"
 #include "session/Preferences.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace orvel {
 
-/// The preferences in "orvel/orvel.conf" of the user's configuration folder, readable by the user alone. Every reading
-/// sees what other processes have written; while no file can be opened, what was read before holds. What cannot be
-/// stored is kept in memory, answered from there, and stored as soon as that is possible. A file of more than a
-/// megabyte is none of ours and counts as empty.
+/// The preferences in the folder "orvel" of the user's configuration folder, readable by the user alone: the texts in
+/// "orvel.conf", each list in a file of its own that is named after its key, so that no text depends on how long or how
+/// damaged a list is. (Lists that stand in "orvel.conf", where they stood once, count as well.)
 ///
-/// Threads: any; one caller at a time touches the file.
+/// What other processes write is seen; the file is read anew only when it has changed. While it is there but cannot be
+/// read, or is damaged, what was read before holds. A text that cannot be stored is kept in memory, answered from
+/// there, and stored as soon as that is possible; a text of a list is not kept then.
+///
+/// Threads: any. Reading a text waits for no writing.
 class SystemPreferences final : public Preferences {
  public:
   SystemPreferences();
 
   std::optional<std::string> string(const std::string& key) const override;
   void setString(const std::string& key, const std::string& value) override;
+  void setMissing(const std::string& key, const std::string& value) override;
+  void add(const std::string& key, const std::string& value) override;
   std::vector<std::string> strings(const std::string& key) const override;
-  void setStrings(const std::string& key, const std::vector<std::string>& values) override;
   void remove(const std::string& key) override;
 
  private:
@@ -33,17 +41,30 @@ class SystemPreferences final : public Preferences {
   using Changes = std::map<std::string, Texts>;
 
   struct State {
+    Changes known;                   // as last read
+    std::optional<FileStamp> stamp;  // of the file that `known` is of
+    std::size_t contentHash = 0;
+    bool isReadable = true;
     Changes unsaved;
-    Changes known;  // as last read
+    Changes provisional;  // stand in for what cannot be read
+    bool isStoring = false;
   };
 
+  void refresh(State& state) const;
+  void read(State& state, const FileStamp& stamp) const;
+  Texts textsOf(State& state, const std::string& key) const;
   void change(const std::string& key, Texts texts);
+  void storeUnsaved(std::chrono::milliseconds patience) const;
+  std::optional<Changes> beginStoring() const;
+  bool endStoring(const Changes& changes, bool isStored) const;
   Changes contents() const;
   bool store(const Changes& changes, std::chrono::milliseconds patience) const;
+  TextList* listOf(const std::string& key) const;
 
   const std::string folder_;
   const std::string file_;
   mutable Guarded<State> state_;
+  mutable Guarded<std::map<std::string, std::unique_ptr<TextList>>> lists_;  // by key; none is taken away
 };
 
 }  // namespace orvel

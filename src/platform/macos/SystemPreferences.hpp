@@ -11,7 +11,11 @@ class SystemPreferences final : public Preferences {
   std::optional<std::string> string(const std::string& key) const override;
   void setString(const std::string& key, const std::string& value) override;
   std::vector<std::string> strings(const std::string& key) const override;
-  void setStrings(const std::string& key, const std::vector<std::string>& values) override;
+  void setMissing(const std::string& key, const std::string& value) override;
+  void add(const std::string& key, const std::string& value) override;
+
+  /// Replaces the whole list.
+  void setStrings(const std::string& key, const std::vector<std::string>& values);
   void remove(const std::string& key) override;
 };
 

@@ -4,6 +4,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace orvel {
@@ -63,6 +64,17 @@ void SystemPreferences::setStrings(const std::string& key, const std::vector<std
     }
     store(texts, key);
   }
+}
+
+void SystemPreferences::setMissing(const std::string& key, const std::string& value) {
+  setString(key, value);
+}
+
+void SystemPreferences::add(const std::string& key, const std::string& value) {
+  auto texts = strings(key);
+  if (std::ranges::find(texts, value) != texts.end()) return;
+  texts.push_back(value);
+  setStrings(key, texts);
 }
 
 void SystemPreferences::remove(const std::string& key) {

@@ -1,0 +1,204 @@
+#include "platform/linux/files/TextList.hpp"
+
+#include "platform/linux/OwnedDescriptor.hpp"
+
+#include <fcntl.h>
+#include <sodium.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+constexpr mode_t ownFile = 0600;
+constexpr std::size_t pieceSize = std::size_t{64} * 1024;
+constexpr int openFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // what is no file must not hold anybody up
+
+/// A text on a line of its own.
+std::string lineOf(const std::string& text) {
+  std::string line;
+  line.reserve(text.size() + 1);
+  for (const char letter : text) {
+    if (letter == '\\') {
+      line += "\\\\";
+    } else if (letter == '\n') {
+      line += "\\n";
+    } else {
+      line += letter;
+    }
+  }
+  return line += '\n';
+}
+
+std::string textOf(std::string_view line) {
+  std::string text;
+  text.reserve(line.size());
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const bool isEscape = line[i] == '\\' && i + 1 < line.size();
+    if (isEscape) ++i;
+    text += isEscape && line[i] == 'n' ? '\n' : line[i];
+  }
+  return text;
+}
+
+bool isPlainFile(int descriptor) {
+  struct stat status {};
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// Calls `use` with the file piece by piece. False when it cannot be read to its end.
+template <class Use>
+bool readPieces(int descriptor, Use&& use) {
+  std::string piece(pieceSize, '\0');
+  for (;;) {
+    const ssize_t count = read(descriptor, piece.data(), piece.size());
+    if (count == 0) return true;
+    if (count > 0) {
+      use(std::string_view(piece.data(), static_cast<std::size_t>(count)));
+    } else if (errno != EINTR) {
+      return false;
+    }
+  }
+}
+
+/// Digests of lines that come in pieces.
+template <std::size_t size>
+class LineDigest {
+ public:
+  LineDigest() { begin(); }
+
+  void add(std::string_view bytes) {
+    crypto_generichash_update(&state_, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+    isEmpty_ = false;
+  }
+
+  std::array<std::uint8_t, size> end() {
+    std::array<std::uint8_t, size> digest{};
+    crypto_generichash_final(&state_, digest.data(), digest.size());
+    begin();
+    return digest;
+  }
+
+  bool isEmpty() const { return isEmpty_; }
+
+ private:
+  void begin() {
+    crypto_generichash_init(&state_, nullptr, 0, size);
+    isEmpty_ = true;
+  }
+
+  crypto_generichash_state state_{};
+  bool isEmpty_ = true;
+};
+
+/// Writes all of it, or leaves the file as long as it was.
+bool appendWhole(int descriptor, std::string_view bytes) {
+  struct stat before {};
+  if (fstat(descriptor, &before) != 0) return false;
+  while (!bytes.empty()) {
+    const ssize_t count = write(descriptor, bytes.data(), bytes.size());
+    if (count > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      // What stays behind of it is one more line that nobody has asked for.
+      [[maybe_unused]] const int cut = ftruncate(descriptor, before.st_size);
+      return false;
+    }
+  }
+  return true;
+}
+
+/// A line that was cut off, as by a full disk, would swallow the next one.
+bool endsWithinLine(int descriptor) {
+  struct stat status {};
+  char last = '\n';
+  return fstat(descriptor, &status) == 0 && status.st_size > 0 &&
+         pread(descriptor, &last, 1, status.st_size - 1) == 1 && last != '\n';
+}
+
+}  // namespace
+
+TextList::TextList(std::string path) : path_(std::move(path)) {}
+
+bool TextList::add(const std::string& text) {
+  const std::string line = lineOf(text);
+  LineDigest<std::tuple_size_v<Digest>> digest;
+  digest.add(std::string_view(line).substr(0, line.size() - 1));
+  const Digest wanted = digest.end();
+  return state_.withLock([&](State& state) {
+    if (!learn(state)) return false;
+    if (state.known.contains(wanted)) return true;
+    if (!append(state, line)) return false;
+    state.known.insert(wanted);
+    return true;
+  });
+}
+
+bool TextList::learn(State& state) const {
+  const auto stamp = FileStamp::of(path_);
+  if (!stamp && errno != ENOENT) return false;
+  if (stamp == state.stamp) return true;
+  state = {};
+  if (!stamp) return true;
+  const OwnedDescriptor file(open(path_.c_str(), O_RDONLY | openFlags));
+  if (file.number() < 0 || !isPlainFile(file.number())) return false;
+  LineDigest<std::tuple_size_v<Digest>> digest;
+  const bool isRead = readPieces(file.number(), [&](std::string_view piece) {
+    for (auto end = piece.find('\n'); end != std::string_view::npos; end = piece.find('\n')) {
+      digest.add(piece.substr(0, end));
+      state.known.insert(digest.end());
+      piece.remove_prefix(end + 1);
+    }
+    if (!piece.empty()) digest.add(piece);
+  });
+  if (!digest.isEmpty()) state.known.insert(digest.end());
+  if (isRead) state.stamp = stamp;
+  return isRead;
+}
+
+bool TextList::append(State& state, const std::string& line) const {
+  const OwnedDescriptor file(open(path_.c_str(), O_RDWR | O_APPEND | O_CREAT | openFlags, ownFile));
+  if (file.number() < 0 || !isPlainFile(file.number())) return false;
+  // Somebody else who writes just now may be stopped: the text is then not stored, rather than waited for.
+  if (flock(file.number(), LOCK_EX | LOCK_NB) != 0) return false;
+  fchmod(file.number(), ownFile);
+  if (endsWithinLine(file.number()) && !appendWhole(file.number(), "\n")) return false;
+  if (!appendWhole(file.number(), line)) return false;
+  state.stamp = FileStamp::of(path_);
+  return true;
+}
+
+std::vector<std::string> TextList::texts() const {
+  return state_.withLock([&](const State&) {
+    std::vector<std::string> texts;
+    const OwnedDescriptor file(open(path_.c_str(), O_RDONLY | openFlags));
+    if (file.number() < 0 || !isPlainFile(file.number())) return texts;
+    std::string line;
+    const auto take = [&] { texts.push_back(textOf(std::exchange(line, {}))); };
+    readPieces(file.number(), [&](std::string_view piece) {
+      for (auto end = piece.find('\n'); end != std::string_view::npos; end = piece.find('\n')) {
+        line += piece.substr(0, end);
+        take();
+        piece.remove_prefix(end + 1);
+      }
+      line += piece;
+    });
+    if (!line.empty()) take();
+    return texts;
+  });
+}
+
+void TextList::remove() {
+  state_.withLock([&](State& state) {
+    unlink(path_.c_str());
+    state = {};
+  });
+}
+
+}  // namespace orvel
