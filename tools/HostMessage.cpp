@@ -1,6 +1,7 @@
 #include "tools/HostMessage.hpp"
 
 #include <boost/json/parse.hpp>
+#include <boost/system/error_code.hpp>
 
 #include <utility>
 
@@ -8,7 +9,7 @@ namespace orvel::phone {
 
 std::optional<boost::json::object> controlIn(const HostMessage& message) {
   if (!message.isText) return std::nullopt;
-  boost::json::error_code error;
+  boost::system::error_code error;
   boost::json::value parsed = boost::json::parse(message.payload, error);
   if (error || !parsed.is_object()) return std::nullopt;
   return std::move(parsed.get_object());

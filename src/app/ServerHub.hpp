@@ -5,6 +5,7 @@
 #include "session/Listener.hpp"
 #include "session/SessionHub.hpp"
 
+#include <boost/container_hash/hash.hpp>
 #include <boost/uuid/uuid_hash.hpp>
 
 #include <atomic>

@@ -1,6 +1,7 @@
 #include "session/ControlMessage.hpp"
 
 #include <boost/json/basic_parser_impl.hpp>
+#include <boost/system/error_code.hpp>
 
 #include <cmath>
 #include <cstddef>
@@ -31,7 +32,7 @@ class Reader {
   static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
 
-  using Error = boost::json::error_code;
+  using Error = boost::system::error_code;
   using Text = std::string_view;
 
   bool on_document_begin(Error&) { return true; }
@@ -158,7 +159,7 @@ class Reader {
 
 std::optional<ControlMessage> ControlMessage::parse(std::span<const std::uint8_t> data) {
   boost::json::basic_parser<Reader> parser({.max_depth = deepestNesting});
-  boost::json::error_code error;
+  boost::system::error_code error;
   const auto* text = reinterpret_cast<const char*>(data.data());
   const std::size_t read = parser.write_some(false, text, data.size(), error);
   if (error || read < data.size()) return std::nullopt;

@@ -52,8 +52,7 @@ void NetworkThread::finish() {
   if (!isLate) return;
   // The thread may have been held up before the sessions could take themselves down.
   runner_->context.restart();
-  boost::system::error_code ignored;
-  runner_->context.poll(ignored);
+  runner_->context.poll();
 }
 
 }  // namespace orvel
