@@ -24,7 +24,8 @@ Result<LumaPicture> LumaDecoder::decode(std::string_view jpeg, MirrorSize size) 
   int subsampling = 0;
   int colours = 0;
   tjDecompressHeader3(decoder.get(), bytes, jpeg.size(), &found.width, &found.height, &subsampling, &colours);
-  if (found == MirrorSize()) return damaged;
+  // For what is no picture some releases of the library say 0, others -1.
+  if (found.width <= 0 || found.height <= 0) return damaged;
   if (found != size) {
     return Error{Error::Kind::unexpected, "a frame of " + text(found) + " instead of " + text(size) + " pixels"};
   }
