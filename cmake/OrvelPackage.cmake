@@ -32,8 +32,11 @@ endforeach()
 install(FILES ${made}/orvel.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${packaging}/copyright ${made}/changelog.gz DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES ${packaging}/orvel.firewalld.xml DESTINATION lib/firewalld/services RENAME orvel.xml)
-# The one place where ufw looks.
-install(FILES ${packaging}/orvel.ufw DESTINATION /etc/ufw/applications.d RENAME orvel)
+# The one place where ufw looks, which is not for what a user installs alone.
+install(CODE "
+  if(CMAKE_INSTALL_PREFIX MATCHES \"^/usr(/local)?$\")
+    file(INSTALL \"${packaging}/orvel.ufw\" DESTINATION /etc/ufw/applications.d RENAME orvel)
+  endif()")
 
 # The package holds the one program, which is built before; installing need not build the others.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
