@@ -19,9 +19,9 @@ TEST(AccessibleRoleTest, AMenuEntryIsNamedAfterWhereItStands) {
 }
 
 TEST(AccessibleRoleTest, AMenuThatHasOpenedIsNoEntry) {
-  EXPECT_EQ(axRole(AccessibleRole::menu, AccessibleRole::comboBox), "AXMenu");
-  EXPECT_EQ(axRole(AccessibleRole::menu, AccessibleRole::menuItem), "AXMenu");
-  EXPECT_EQ(axRole(AccessibleRole::menu, std::nullopt), "AXMenu");
+  EXPECT_EQ(axRole(AccessibleRole::menu, AccessibleRole::comboBox), std::nullopt);
+  EXPECT_EQ(axRole(AccessibleRole::menu, AccessibleRole::menuItem), std::nullopt);
+  EXPECT_EQ(axRole(AccessibleRole::menu, std::nullopt), std::nullopt);
   EXPECT_EQ(axRole(AccessibleRole::popupMenu, AccessibleRole::menuItem), std::nullopt);
 }
 
@@ -31,6 +31,16 @@ TEST(AccessibleRoleTest, WhatCanBeActedOnHasAName) {
     EXPECT_TRUE(!isActionable(role) || axRole(role, AccessibleRole::menu)) << number;
     EXPECT_FALSE(isActionable(role) && isDecoration(role)) << number;
   }
+}
+
+TEST(AccessibleRoleTest, WhatHasNoRoleIsAPartOfWhatItStandsIn) {
+  EXPECT_TRUE(isDecoration(AccessibleRole::none));
+  EXPECT_EQ(axRole(AccessibleRole::none, std::nullopt), std::nullopt);
+}
+
+TEST(AccessibleRoleTest, ASwitchIsACheckBox) {
+  EXPECT_EQ(axRole(static_cast<AccessibleRole>(130), std::nullopt), "AXCheckBox");
+  EXPECT_TRUE(isActionable(static_cast<AccessibleRole>(130)));
 }
 
 TEST(AccessibleRoleTest, RolesThatNobodyKnowsHaveNone) {

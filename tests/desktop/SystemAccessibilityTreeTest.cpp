@@ -18,6 +18,7 @@ namespace orvel {
 namespace {
 
 constexpr std::uint32_t bypassesManager = 1;
+constexpr int releaseOfGTK4 = ORVEL_RELEASE_OF_GTK4;
 
 using Roles = std::map<std::string, std::string>;
 
@@ -27,6 +28,7 @@ struct Toolkit {
   std::vector<std::string> arguments;
   Roles roles;
   Size padding;  ///< By how much an element may be smaller than its widget; the centre is the same all the same.
+  double misplacement = 0;  ///< By how much tabs and entries of menus may be told to be elsewhere.
 };
 
 const Toolkit gtk3{.name = "gtk3",
@@ -35,16 +37,16 @@ const Toolkit gtk3{.name = "gtk3",
                              {"check", "AXCheckBox"},
                              {"colour", "AXButton"},
                              {"combo", "AXPopUpButton"},
-                             {"entry", "AXTextField"},
+                             {"entry", ""},
                              {"expander", "AXCheckBox"},
-                             {"image", "AXImage"},
-                             {"label", "AXStaticText"},
+                             {"image", ""},
+                             {"label", ""},
                              {"link", "AXButton"},
                              {"menu", "AXMenuBarItem"},
                              {"page", ""},
                              {"radio", "AXRadioButton"},
-                             {"row", "AXStaticText"},
-                             {"slider", "AXSlider"},
+                             {"row", ""},
+                             {"slider", ""},
                              {"spin", "AXIncrementor"},
                              {"switch", "AXCheckBox"},
                              {"tab", "AXTabButton"},
@@ -52,43 +54,54 @@ const Toolkit gtk3{.name = "gtk3",
                              {"wide", "AXButton"}},
                    .padding = {2, 2}};
 
-const Toolkit gtk4{.name = "gtk4",
-                   .arguments = {},
-                   .roles = {{"button", "AXButton"},
-                             {"check", "AXCheckBox"},
-                             {"colour", "AXButton"},
-                             {"combo", "AXButton"},
-                             {"entry", "AXTextField"},
-                             {"expander", "AXButton"},
-                             {"image", "AXImage"},
-                             {"label", "AXStaticText"},
-                             {"link", "AXLink"},
-                             {"menu", "AXMenuBarItem"},
-                             {"page", "AXStaticText"},
-                             {"radio", "AXCheckBox"},
-                             {"row", "AXStaticText"},
-                             {"slider", "AXSlider"},
-                             {"spin", "AXIncrementor"},
-                             {"switch", "AXCheckBox"},
-                             {"tab", "AXTabButton"},
-                             {"toggle", "AXButton"},
-                             {"wide", "AXButton"}},
-                   .padding = {36, 28}};
+const Toolkit gtk4Of8{.name = "gtk4",
+                      .arguments = {},
+                      .roles = {{"button", "AXButton"},
+                                {"check", "AXCheckBox"},
+                                {"colour", "AXButton"},
+                                {"combo", "AXButton"},
+                                {"entry", ""},
+                                {"expander", "AXButton"},
+                                {"image", ""},
+                                {"label", ""},
+                                {"link", "AXLink"},
+                                {"menu", "AXMenuBarItem"},
+                                {"page", ""},
+                                {"radio", "AXCheckBox"},
+                                {"row", ""},
+                                {"slider", ""},
+                                {"spin", "AXIncrementor"},
+                                {"switch", "AXCheckBox"},
+                                {"tab", "AXTabButton"},
+                                {"toggle", "AXButton"},
+                                {"wide", "AXButton"}},
+                      .padding = {36, 28}};
+
+/// Its names are others since its release 4.10; and it forgets the padding of tab bars and of menus.
+Toolkit gtk4() {
+  Toolkit toolkit = gtk4Of8;
+  if (releaseOfGTK4 < 10) return toolkit;
+  toolkit.roles["combo"] = "AXCheckBox";
+  toolkit.roles["radio"] = "AXRadioButton";
+  toolkit.roles["toggle"] = "AXCheckBox";
+  toolkit.misplacement = 8;
+  return toolkit;
+}
 
 const Toolkit qt6{.name = "qt6",
                   .arguments = {},
                   .roles = {{"button", "AXButton"},
                             {"check", "AXCheckBox"},
                             {"combo", "AXPopUpButton"},
-                            {"entry", "AXTextField"},
-                            {"image", "AXImage"},
-                            {"label", "AXStaticText"},
+                            {"entry", ""},
+                            {"image", ""},
+                            {"label", ""},
                             {"link", "AXButton"},
                             {"menu", "AXMenuBarItem"},
-                            {"page", "AXStaticText"},
+                            {"page", ""},
                             {"radio", "AXRadioButton"},
                             {"row", ""},
-                            {"slider", "AXSlider"},
+                            {"slider", ""},
                             {"spin", "AXIncrementor"},
                             {"tab", "AXTabButton"},
                             {"toggle", "AXCheckBox"},
@@ -108,30 +121,30 @@ struct SystemAccessibilityTreeTest : AccessibleFixture {
   }
 
   /// What is wrong with the element in the middle of a widget; empty when nothing is.
-  std::string faultAt(const Rect& place, const std::string& role, const Size& padding) {
+  std::string faultAt(const Rect& place, const std::string& role, const Toolkit& toolkit) {
     const auto element = tree.elementAt(place.centre());
     if (!element) return "nothing is there";
     if (element->role.value_or("") != role) return "it is " + element->role.value_or("something else");
-    if (role.empty() || role == "AXSlider" || role == "AXStaticText") return {};  // whose frames nobody asks for
+    if (role.empty()) return {};  // whose frames nobody asks for
     if (!element->position || !element->size) return "it has no frame";
     const Rect frame{*element->position, *element->size};
-    const bool isInMiddle =
-        std::abs(frame.centre().x - place.centre().x) <= 1.5 && std::abs(frame.centre().y - place.centre().y) <= 1.5;
+    const bool mayBeMisplaced = role == "AXTabButton" || role == "AXMenuItem";
+    const double tolerance = 1.5 + (mayBeMisplaced ? toolkit.misplacement : 0);
+    const bool isInMiddle = std::abs(frame.centre().x - place.centre().x) <= tolerance &&
+                            std::abs(frame.centre().y - place.centre().y) <= tolerance;
     if (!isInMiddle) return "its frame is elsewhere";
     const bool isAsLarge = frame.size.width <= place.size.width + 2 && frame.size.height <= place.size.height + 2 &&
-                           frame.size.width >= place.size.width - padding.width &&
-                           frame.size.height >= place.size.height - padding.height;
+                           frame.size.width >= place.size.width - toolkit.padding.width &&
+                           frame.size.height >= place.size.height - toolkit.padding.height;
     return isAsLarge ? "" : "its frame has another size";
   }
 
   void expectWidgets(WidgetWindow& window, const Toolkit& toolkit) {
     for (const auto& [name, role] : toolkit.roles) {
       std::string fault;
-      eventually(
-          [&, &widget = name, &expected = role] {
-            return (fault = faultAt(window.place(widget), expected, toolkit.padding)).empty();
-          },
-          Milliseconds(3000));
+      eventually([&, &widget = name,
+                  &expected = role] { return (fault = faultAt(window.place(widget), expected, toolkit)).empty(); },
+                 Milliseconds(3000));
       EXPECT_EQ(fault, "") << toolkit.name << ": " << name;
     }
   }
@@ -152,7 +165,7 @@ struct SystemAccessibilityTreeTest : AccessibleFixture {
     ASSERT_TRUE(eventually([&] { return roleAt(window.place("menu").centre()) == "AXMenuBarItem"; }));
     click(window.place("menu").centre());
     std::string fault;
-    eventually([&] { return (fault = faultAt(window.place("item"), "AXMenuItem", toolkit.padding)).empty(); });
+    eventually([&] { return (fault = faultAt(window.place("item"), "AXMenuItem", toolkit)).empty(); });
     EXPECT_EQ(fault, "");
     if (toolkit.name == "gtk4") return;
     EXPECT_TRUE(eventually([&] { return roleAt(window.place("button").centre()) == "AXMenuItem"; }))
@@ -165,7 +178,7 @@ TEST_F(SystemAccessibilityTreeTest, GTK3TellsOfItsWidgetsWhereverTheWindowIs) {
 }
 
 TEST_F(SystemAccessibilityTreeTest, GTK4TellsOfItsWidgetsWhereverTheWindowIs) {
-  expectAllRight(gtk4);
+  expectAllRight(gtk4());
 }
 
 TEST_F(SystemAccessibilityTreeTest, Qt6TellsOfItsWidgetsWhereverTheWindowIs) {
@@ -177,7 +190,7 @@ TEST_F(SystemAccessibilityTreeTest, GTK3MayDecorateItsWindowItself) {
 }
 
 TEST_F(SystemAccessibilityTreeTest, GTK4MayDecorateItsWindowItself) {
-  expectAllRight(decorated(gtk4));
+  expectAllRight(decorated(gtk4()));
 }
 
 TEST_F(SystemAccessibilityTreeTest, AnOpenMenuOfGTK3CoversTheWindow) {
@@ -185,11 +198,11 @@ TEST_F(SystemAccessibilityTreeTest, AnOpenMenuOfGTK3CoversTheWindow) {
 }
 
 TEST_F(SystemAccessibilityTreeTest, AnOpenMenuOfGTK4CoversTheWindow) {
-  expectOpenMenu(gtk4);
+  expectOpenMenu(gtk4());
 }
 
 TEST_F(SystemAccessibilityTreeTest, AnOpenMenuOfGTK4CoversAWindowThatItsProgramDecorates) {
-  expectOpenMenu(decorated(gtk4));
+  expectOpenMenu(decorated(gtk4()));
 }
 
 TEST_F(SystemAccessibilityTreeTest, AnOpenMenuOfQt6CoversTheWindow) {
@@ -197,7 +210,7 @@ TEST_F(SystemAccessibilityTreeTest, AnOpenMenuOfQt6CoversTheWindow) {
 }
 
 TEST_F(SystemAccessibilityTreeTest, AnElementCountsAsFarAsItsBorder) {
-  for (const Toolkit& toolkit : {gtk3, gtk4, qt6}) {
+  for (const Toolkit& toolkit : {gtk3, gtk4(), qt6}) {
     WidgetWindow window(bus, toolkit.name);
     const auto nearBorder = [&] {
       const Rect place = window.place("wide");
@@ -274,7 +287,7 @@ TEST_F(SystemAccessibilityTreeTest, AProgramThatTellsNothingHidesWhatIsBelow) {
 }
 
 TEST_F(SystemAccessibilityTreeTest, AProgramThatHangsCostsAFractionOfASecond) {
-  for (const Toolkit& toolkit : {gtk3, gtk4, qt6}) {
+  for (const Toolkit& toolkit : {gtk3, gtk4(), qt6}) {
     WidgetWindow window(bus, toolkit.name);
     ASSERT_TRUE(eventually([&] { return roleAt(window.place("check").centre()) == "AXCheckBox"; })) << toolkit.name;
     const Point check = window.place("check").centre();
@@ -295,7 +308,7 @@ TEST_F(SystemAccessibilityTreeTest, NonsenseIsSurvivedAndSoonGivenUp) {
     const auto start = std::chrono::steady_clock::now();
     const std::string role = roleAt(inside);
     EXPECT_LT(std::chrono::steady_clock::now() - start, Milliseconds(500)) << mode;
-    EXPECT_TRUE(role == "nothing" || role.empty() || role == "AXStaticText") << mode << ": " << role;
+    EXPECT_TRUE(role == "nothing" || role.empty()) << mode << ": " << role;
   }
 }
 

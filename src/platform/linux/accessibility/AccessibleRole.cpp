@@ -3,11 +3,11 @@
 namespace orvel {
 namespace {
 
-/// An entry of a menu bar, an entry of a menu, or, as in some toolkits, the menu that opens.
+/// An entry of a menu bar or of a menu. Some toolkits call the menu that opens like those that open it.
 std::optional<std::string> axRoleOfMenu(AccessibleRole role, std::optional<AccessibleRole> parent) {
   if (parent == AccessibleRole::menuBar) return "AXMenuBarItem";
   const bool isInMenu = parent == AccessibleRole::menu || parent == AccessibleRole::popupMenu;
-  if (role == AccessibleRole::menu && !isInMenu) return "AXMenu";
+  if (role == AccessibleRole::menu && !isInMenu) return std::nullopt;
   return "AXMenuItem";
 }
 
@@ -19,6 +19,7 @@ std::optional<std::string> axRole(AccessibleRole role, std::optional<AccessibleR
       return "AXButton";
     case AccessibleRole::checkBox:
     case AccessibleRole::toggleButton:
+    case AccessibleRole::switchButton:
       return "AXCheckBox";
     case AccessibleRole::radioButton:
       return "AXRadioButton";
@@ -37,18 +38,6 @@ std::optional<std::string> axRole(AccessibleRole role, std::optional<AccessibleR
       return "AXTabButton";
     case AccessibleRole::spinButton:
       return "AXIncrementor";
-    case AccessibleRole::text:
-    case AccessibleRole::entry:
-    case AccessibleRole::passwordText:
-      return "AXTextField";
-    case AccessibleRole::slider:
-      return "AXSlider";
-    case AccessibleRole::label:
-    case AccessibleRole::staticText:
-      return "AXStaticText";
-    case AccessibleRole::image:
-    case AccessibleRole::icon:
-      return "AXImage";
     default:
       return std::nullopt;
   }
@@ -60,6 +49,7 @@ bool isActionable(AccessibleRole role) {
     case AccessibleRole::pushButtonMenu:
     case AccessibleRole::checkBox:
     case AccessibleRole::toggleButton:
+    case AccessibleRole::switchButton:
     case AccessibleRole::radioButton:
     case AccessibleRole::comboBox:
     case AccessibleRole::menu:
@@ -78,6 +68,7 @@ bool isActionable(AccessibleRole role) {
 
 bool isDecoration(AccessibleRole role) {
   switch (role) {
+    case AccessibleRole::none:
     case AccessibleRole::label:
     case AccessibleRole::staticText:
     case AccessibleRole::image:

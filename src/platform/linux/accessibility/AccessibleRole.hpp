@@ -10,6 +10,7 @@ namespace orvel {
 ///
 /// Its numbers rather than its words are used: the words differ from toolkit to toolkit.
 enum class AccessibleRole : std::uint32_t {
+  none = 0,
   checkBox = 7,
   checkMenuItem = 8,
   comboBox = 11,
@@ -23,12 +24,10 @@ enum class AccessibleRole : std::uint32_t {
   menuItem = 35,
   pageTab = 37,
   panel = 39,
-  passwordText = 40,
   popupMenu = 41,
   pushButton = 43,
   radioButton = 44,
   radioMenuItem = 45,
-  slider = 51,
   spinButton = 52,
   table = 55,
   tearOffMenuItem = 59,
@@ -37,15 +36,15 @@ enum class AccessibleRole : std::uint32_t {
   toggleButton = 62,
   tree = 65,
   treeTable = 66,
-  entry = 79,
   link = 88,
   documentWeb = 95,
   listBox = 98,
   staticText = 116,
   pushButtonMenu = 129,
+  switchButton = 130,
 };
 
-/// What macOS calls an element whose parent has the role `parent`. Nothing where no name of macOS matters here.
+/// What macOS calls an element whose parent has the role `parent`. Nothing for what a snap leaves alone.
 ///
 /// Toggle buttons and switches are check boxes, as they are on macOS. Nothing becomes an AXDisclosureTriangle or an
 /// AXColorWell: AT-SPI knows neither, and the toolkits give push or toggle buttons instead, which are just as good.
@@ -54,7 +53,8 @@ std::optional<std::string> axRole(AccessibleRole role, std::optional<AccessibleR
 /// Whether one can act on it by a click.
 bool isActionable(AccessibleRole role);
 
-/// Whether it is only the face or the filling of what it stands in, as the label of a button is.
+/// Whether it is only the face or the filling of what it stands in, as the label of a button is. Newer releases of GTK
+/// give the inner parts of their controls no role at all.
 bool isDecoration(AccessibleRole role);
 
 /// Whether it is a menu or a part of one, a menu bar included.

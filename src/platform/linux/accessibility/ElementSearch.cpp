@@ -42,16 +42,18 @@ AccessibleElement ElementSearch::findIn(const View& view) const {
   return describe(view, actionable(view, deepest(view)));
 }
 
-std::optional<ElementSearch::View> ElementSearch::viewOf(const AccessibleObject& root) const {
+std::optional<ElementSearch::View> ElementSearch::viewOf(const AccessibleObject& root, bool isWindow) const {
   if (!speaksOfWindows_) return View{.root = root, .type = CoordinateType::screen, .origin = {}};
   const auto extents = root.extents(CoordinateType::window);
   if (!extents) return std::nullopt;
   // What the window has more than its content is a border around it, or a shadow that nobody told of.
   const Size border{window_.frame.size.width - extents->size.width, window_.frame.size.height - extents->size.height};
+  // A window that keeps its edges free counts from within them, in newer releases its own place, too.
+  const Point edge = isWindow ? extents->origin : Point{};
   return View{.root = root,
               .type = CoordinateType::window,
-              .origin = {window_.frame.origin.x + border.width / 2 - extents->origin.x,
-                         window_.frame.origin.y + border.height / 2 - extents->origin.y}};
+              .origin = {window_.frame.origin.x + border.width / 2 - extents->origin.x - edge.x,
+                         window_.frame.origin.y + border.height / 2 - extents->origin.y - edge.y}};
 }
 
 /// By how much a part of the program differs from the window.
@@ -75,20 +77,21 @@ std::optional<ElementSearch::View> ElementSearch::mainView() const {
     bestHasTitle = hasTitle;
     least = strange;
   }
-  return best ? viewOf(*best) : std::nullopt;
+  return best ? viewOf(*best, true) : std::nullopt;
 }
 
 /// A menu, or whatever else opens, that the program shows as a part of its own.
 std::optional<ElementSearch::View> ElementSearch::popUpView() const {
   if (!speaksOfWindows_) {
     for (const AccessibleObject& shown : program_.children()) {
-      if (strangeness(shown) <= popUpTolerance) return viewOf(shown);
+      if (strangeness(shown) <= popUpTolerance) return viewOf(shown, false);
     }
     return std::nullopt;
   }
   MenuWalk walk(program_, false);
   while (const auto step = walk.next()) {
-    if (step->role == AccessibleRole::menu && strangeness(step->object) <= popUpTolerance) return viewOf(step->object);
+    if (step->role == AccessibleRole::menu && strangeness(step->object) <= popUpTolerance)
+      return viewOf(step->object, false);
   }
   return std::nullopt;
 }

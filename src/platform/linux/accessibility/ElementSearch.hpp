@@ -28,7 +28,7 @@ class ElementSearch {
     Point origin;  ///< Where the program's 0, 0 is on the desktop.
   };
 
-  std::optional<View> viewOf(const AccessibleObject& root) const;
+  std::optional<View> viewOf(const AccessibleObject& root, bool isWindow) const;
   std::optional<View> mainView() const;
   double strangeness(const AccessibleObject& shown) const;
   std::optional<View> popUpView() const;
