@@ -1,5 +1,6 @@
 #include "platform/linux/SystemStatusItem.hpp"
 
+#include "platform/linux/tray/EmbeddedIcon.hpp"
 #include "platform/linux/tray/StatusNotifierWatch.hpp"
 #include "platform/linux/tray/TraySelection.hpp"
 #include "ui/SymbolImage.hpp"
@@ -7,6 +8,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QPixmap>
+#include <QPoint>
 #include <QRect>
 #include <QString>
 #include <QSystemTrayIcon>
@@ -14,6 +16,8 @@
 
 namespace orvel {
 namespace {
+
+const QString name = QStringLiteral("Orvel");
 
 /// Drawn in the sizes that trays have, for a picture that is scaled is not sharp.
 QIcon iconOf(Symbol symbol) {
@@ -31,16 +35,27 @@ SystemStatusItem::~SystemStatusItem() = default;
 void SystemStatusItem::show(Symbol symbol, Handlers handlers) {
   symbol_ = symbol;
   handlers_ = std::move(handlers);
-  // Whoever comes, the newer protocol is asked for first.
-  selection_ = std::make_unique<TraySelection>([this] { statusNotifiers_->ask(); });
+  trayChanged_.setSingleShot(true);
+  QObject::connect(&trayChanged_, &QTimer::timeout, [this] { followTray(); });
+  selection_ = std::make_unique<TraySelection>([this] { trayChanged_.start(0); });
   statusNotifiers_ = std::make_unique<StatusNotifierWatch>([this] { lookForPlace(); });
 }
 
+void SystemStatusItem::followTray() {
+  if (!selection_->isOwned()) {
+    embedded_.reset();  // what a tray leaves behind would lie on the bare screen
+  } else if (isEmbedded_) {
+    embed();
+  } else {
+    statusNotifiers_->ask();  // whoever comes, the newer protocol is asked for first
+  }
+}
+
 void SystemStatusItem::lookForPlace() {
-  if (icon_) return;  // the toolkit brings it back by itself
-  isStatusNotifier_ = statusNotifiers_->host() == StatusNotifierWatch::Host::present;
-  const bool canEmbed = statusNotifiers_->host() == StatusNotifierWatch::Host::absent && selection_->isOwned();
-  if (isStatusNotifier_ || canEmbed) makeIcon();
+  if (item_) return;  // the toolkit brings it back by itself
+  const auto host = statusNotifiers_->host();
+  if (!isEmbedded_ && host == StatusNotifierWatch::Host::present) makeItem();
+  if (!isEmbedded_ && host == StatusNotifierWatch::Host::absent && selection_->isOwned()) embed();
   decide();
 }
 
@@ -48,11 +63,18 @@ void SystemStatusItem::decide() {
   if (const auto decided = std::exchange(handlers_.decided, {})) decided(isShown());
 }
 
-void SystemStatusItem::makeIcon() {
-  icon_ = std::make_unique<QSystemTrayIcon>(iconOf(symbol_));
-  icon_->setToolTip(QStringLiteral("Orvel"));
-  QObject::connect(icon_.get(), &QSystemTrayIcon::activated, [this] { click(); });
-  icon_->show();
+void SystemStatusItem::makeItem() {
+  item_ = std::make_unique<QSystemTrayIcon>(iconOf(symbol_));
+  item_->setToolTip(name);
+  QObject::connect(item_.get(), &QSystemTrayIcon::activated, [this] { click(); });
+  item_->show();
+}
+
+void SystemStatusItem::embed() {
+  isEmbedded_ = true;
+  if (embedded_ && embedded_->tray() == selection_->owner()) return;
+  embedded_ = std::make_unique<EmbeddedIcon>(*selection_, iconOf(symbol_), [this] { click(); });
+  embedded_->setToolTip(name);
 }
 
 /// Some desktops tell of a double click as one click and a double one, others as two clicks: it counts once.
@@ -65,17 +87,18 @@ void SystemStatusItem::click() {
 
 void SystemStatusItem::setSymbol(Symbol symbol) {
   symbol_ = symbol;
-  if (icon_) icon_->setIcon(iconOf(symbol));
+  if (item_) item_->setIcon(iconOf(symbol));
+  if (embedded_) embedded_->setIcon(iconOf(symbol));
 }
 
 bool SystemStatusItem::isShown() const {
-  if (!icon_) return false;
-  return isStatusNotifier_ ? statusNotifiers_->host() == StatusNotifierWatch::Host::present : selection_->isOwned();
+  if (item_) return statusNotifiers_->host() == StatusNotifierWatch::Host::present;
+  return embedded_ && selection_->isOwned();
 }
 
 std::optional<Rect> SystemStatusItem::place() const {
   if (!isShown()) return std::nullopt;
-  const QRect covered = icon_->geometry();
+  const QRect covered = item_ ? item_->geometry() : QRect(embedded_->mapToGlobal(QPoint(0, 0)), embedded_->size());
   if (covered.isEmpty()) return std::nullopt;
   return Rect{{double(covered.x()), double(covered.y())}, {double(covered.width()), double(covered.height())}};
 }

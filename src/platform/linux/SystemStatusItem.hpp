@@ -2,8 +2,8 @@
 
 #include "ui/StatusItem.hpp"
 
+#include <QTimer>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -11,12 +11,12 @@ class QSystemTrayIcon;
 
 namespace orvel {
 
+class EmbeddedIcon;
 class StatusNotifierWatch;
 class TraySelection;
 
 /// The icon in the desktop's tray: a status notifier item where the desktop shows such, else a window embedded in the
-/// tray. The toolkit decides between the two once, when the first icon is made, and its decision holds for the whole
-/// run; so it is made only when there is a place for it.
+/// tray. Which of them is decided once, when there is a first place for it.
 ///
 /// Threads: the main thread, with a QApplication around it.
 class SystemStatusItem final : public StatusItem {
@@ -33,16 +33,20 @@ class SystemStatusItem final : public StatusItem {
   using Clock = std::chrono::steady_clock;
 
   void lookForPlace();
-  void makeIcon();
+  void followTray();
+  void makeItem();
+  void embed();
   void decide();
   void click();
 
   Symbol symbol_ = Symbol::cursorArrow;
   Handlers handlers_;
   Clock::time_point clicked_;
-  bool isStatusNotifier_ = false;
-  std::unique_ptr<QSystemTrayIcon> icon_;
+  bool isEmbedded_ = false;  // it is, or comes back when a tray does
+  std::unique_ptr<QSystemTrayIcon> item_;
+  std::unique_ptr<EmbeddedIcon> embedded_;
   std::unique_ptr<TraySelection> selection_;
+  QTimer trayChanged_;
   std::unique_ptr<StatusNotifierWatch> statusNotifiers_;
 };
 
