@@ -63,6 +63,7 @@ ChildProcess::Environment VirtualDesktop::environment() const {
           {"XDG_CACHE_HOME", (home() / ".cache").string()},
           {"XDG_SESSION_TYPE", "x11"},
           {"GDK_BACKEND", "x11"},
+          {"GSK_RENDERER", "cairo"},  // the others look for graphics hardware first, and are slow without
           {"QT_QPA_PLATFORM", "xcb"},
           {"DBUS_SESSION_BUS_ADDRESS", std::nullopt},
           {"XAUTHORITY", std::nullopt},
