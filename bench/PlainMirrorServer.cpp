@@ -91,7 +91,7 @@ class PlainMirrorServer::Server {
   }
 
   void answer(const boost::json::object& json) {
-    phone_->send(MessageType::text, boost::json::serialize(json), [] {});
+    phone_->send(boost::json::serialize(json), [] {});
   }
 
   const std::unique_ptr<X11Connection> connection_;

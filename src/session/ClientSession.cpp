@@ -97,7 +97,7 @@ void ClientSession::sendText(std::string json) {
   if (!isValidUTF8(json)) return;
   const std::size_t cost = json.size();
   backlog_ += cost;
-  transport_->send(MessageType::text, std::move(json), [self = weak_from_this(), cost] {
+  transport_->send(std::move(json), [self = weak_from_this(), cost] {
     if (const auto session = self.lock()) session->settle(cost);
   });
 }

@@ -11,11 +11,11 @@
 
 namespace orvel {
 
-enum class MessageType { text, binary, close, other };
+enum class MessageType { text, binary, close };
 
 /// One whole message of a phone. The payload lives until the handler returns.
 struct Message {
-  MessageType type = MessageType::other;
+  MessageType type = MessageType::text;
   std::span<const std::uint8_t> payload;
 };
 
@@ -44,9 +44,9 @@ class Transport {
   /// Asks for one message. Called on `queue`, again only after the answer.
   virtual void receive() = 0;
 
-  /// Sends one whole message, once the connection is ready, after all earlier ones, then calls `sent` on `queue`, also
-  /// when it failed. Threads: any.
-  virtual void send(MessageType type, std::string payload, Task sent) = 0;
+  /// Sends one whole text message, once the connection is ready, after all earlier ones, then calls `sent` on `queue`,
+  /// also when it failed. Threads: any.
+  virtual void send(std::string text, Task sent) = 0;
 
   /// Sends one binary message that is `marker` and then `image`, without copying it, after all earlier messages and
   /// frames; messages of `send` overtake it for as long as it has not begun. Calls `taken` on `queue` when the network

@@ -92,8 +92,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     if (!delivering_) listen();
   }
 
-  void send(MessageType type, std::string payload, Task sent) {
-    outgoing_.push_back({type, std::move(payload), std::move(sent)});
+  void send(std::string text, Task sent) {
+    outgoing_.push_back({std::move(text), std::move(sent)});
     write();
   }
 
@@ -126,8 +126,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
  private:
   struct Outgoing {
-    MessageType type;
-    std::string payload;
+    std::string text;
     Task sent;
   };
 
@@ -219,9 +218,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   void writeMessage() {
-    const Outgoing& next = outgoing_.front();
-    stream_.text(next.type == MessageType::text);
-    stream_.async_write(asio::buffer(next.payload), [self = shared_from_this()](const Error&, std::size_t) {
+    stream_.text(true);
+    stream_.async_write(asio::buffer(outgoing_.front().text), [self = shared_from_this()](const Error&, std::size_t) {
       self->writing_ = false;
       const Task sent = std::move(self->outgoing_.front().sent);
       self->outgoing_.pop_front();
@@ -304,10 +302,10 @@ class WebSocketTransport final : public Transport {
 
   void receive() override { connection_->receive(); }
 
-  void send(MessageType type, std::string payload, Task sent) override {
+  void send(std::string text, Task sent) override {
     asio::dispatch(queue_.context(),
-                   [connection = connection_, type, payload = std::move(payload), sent = std::move(sent)]() mutable {
-                     connection->send(type, std::move(payload), std::move(sent));
+                   [connection = connection_, text = std::move(text), sent = std::move(sent)]() mutable {
+                     connection->send(std::move(text), std::move(sent));
                    });
   }
 

@@ -21,7 +21,7 @@ namespace orvel {
 /// Messages arrive one after another as the host asks for them; what the host sends is taken at once unless `stalled`.
 class FakeWire {
  public:
-  struct Sent {
+  struct Arrival {
     MessageType type;
     std::string payload;
   };
@@ -57,9 +57,8 @@ class FakeWire {
   /// The JSON messages that the phone has received, of one kind or all.
   std::vector<boost::json::object> received(std::string_view kind = "") const {
     std::vector<boost::json::object> messages;
-    for (const Sent& message : sent) {
-      if (message.type != MessageType::text) continue;
-      auto json = boost::json::parse(message.payload).as_object();
+    for (const std::string& message : sent) {
+      auto json = boost::json::parse(message).as_object();
       if (kind.empty() || json.at("t").as_string() == kind) messages.push_back(std::move(json));
     }
     return messages;
@@ -75,7 +74,7 @@ class FakeWire {
       if (incoming.empty()) {
         handlers.received(std::nullopt);
       } else {
-        const Sent message = std::move(incoming.front());
+        const Arrival message = std::move(incoming.front());
         incoming.pop_front();
         handlers.received(Message{
             message.type, {reinterpret_cast<const std::uint8_t*>(message.payload.data()), message.payload.size()}});
@@ -92,8 +91,8 @@ class FakeWire {
 
   FakeExecutor queue;
   Transport::Handlers handlers;
-  std::deque<Sent> incoming;
-  std::vector<Sent> sent;
+  std::deque<Arrival> incoming;
+  std::vector<std::string> sent;
   std::vector<Frame> frames;
   int drops = 0;  ///< How often frames that wait were dropped.
   std::vector<Task> unsent;
@@ -117,8 +116,8 @@ class FakeTransport final : public Transport {
     wire_->deliver();
   }
 
-  void send(MessageType type, std::string payload, Task sent) override {
-    wire_->sent.push_back({type, std::move(payload)});
+  void send(std::string text, Task sent) override {
+    wire_->sent.push_back(std::move(text));
     if (wire_->stalled) {
       wire_->unsent.push_back(std::move(sent));
     } else {

@@ -60,7 +60,6 @@ TEST_F(ClientSessionTest, EmptyMessagesAreSkipped) {
   open();
   phone->binary({});
   phone->text("");
-  phone->arrive(MessageType::other, "whatever");
   phone->text(R"({"t":"ping"})");
   EXPECT_EQ(phone->received("pong").size(), 1u);
 }

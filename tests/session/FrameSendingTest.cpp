@@ -57,7 +57,7 @@ TEST_F(FrameSendingTest, MessagesOvertakeAFrameThatWaits) {
   server.setBacklog(Seconds(1000));
   server.sendFrame(0, marker, image(1000, 1));
   server.sendFrame(0, marker, image(1000, 2));
-  server.send(0, MessageType::text, "pong");
+  server.send(0, "pong");
   expectMessage(opcode::binary, "\x80" + image(1000, 1));
   expectMessage(opcode::text, "pong");
   EXPECT_EQ(server.connection(0).framesTaken, 0u);
@@ -81,7 +81,7 @@ TEST_F(FrameSendingTest, FramesThatWaitCanBeDropped) {
 TEST_F(FrameSendingTest, FramesAndMessagesDoNotMix) {
   for (char number = 0; number < 50; ++number) {
     server.sendFrame(0, marker, image(20'000, number));
-    server.send(0, MessageType::text, std::string(1000, 'x'));
+    server.send(0, std::string(1000, 'x'));
   }
   int frames = 0;
   int messages = 0;
@@ -115,7 +115,7 @@ struct FrameStallTest : FrameSendingTest {
 TEST_F(FrameStallTest, AClientThatDoesNotReadHasNoFrameTaken) {
   // More than the system takes in for it.
   for (char number = 0; number < 20; ++number) server.sendFrame(0, marker, image(900'000, number));
-  server.send(0, MessageType::text, "after the frame that is under way");
+  server.send(0, "after the frame that is under way");
   EXPECT_FALSE(server.waitFor(
       0, [](const auto& record) { return record.framesTaken >= 10; }, std::chrono::milliseconds(200)));
   bool heard = false;

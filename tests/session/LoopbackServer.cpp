@@ -48,8 +48,8 @@ class LoopbackServer::Peer : public std::enable_shared_from_this<Peer> {
                        .drained = [] {}});
   }
 
-  void send(MessageType type, std::string payload) {
-    transport_->send(type, std::move(payload), [&server = server_, index = index_] {
+  void send(std::string text) {
+    transport_->send(std::move(text), [&server = server_, index = index_] {
       server.note(index, [](ConnectionRecord& record) { ++record.sendsDone; });
     });
   }
@@ -164,8 +164,8 @@ bool LoopbackServer::waitFor(std::size_t index, const std::function<bool(const C
   return changed_.wait_for(lock, limit, [&] { return index < records_.size() && isAsExpected(records_[index]); });
 }
 
-void LoopbackServer::send(std::size_t index, MessageType type, std::string payload) {
-  if (const auto found = peer(index)) found->send(type, std::move(payload));
+void LoopbackServer::send(std::size_t index, std::string text) {
+  if (const auto found = peer(index)) found->send(std::move(text));
 }
 
 void LoopbackServer::sendFrame(std::size_t index, std::uint8_t marker, const std::string& image) {

@@ -19,7 +19,7 @@
 namespace orvel {
 
 struct ReceivedMessage {
-  MessageType type = MessageType::other;
+  MessageType type = MessageType::text;
   std::string payload;
 
   friend bool operator==(const ReceivedMessage&, const ReceivedMessage&) = default;
@@ -62,7 +62,7 @@ class LoopbackServer {
   bool waitFor(std::size_t index, const std::function<bool(const ConnectionRecord&)>& isAsExpected,
                std::chrono::milliseconds limit = std::chrono::seconds(5)) const;
 
-  void send(std::size_t index, MessageType type, std::string payload);
+  void send(std::size_t index, std::string text);
   void sendFrame(std::size_t index, std::uint8_t marker, const std::string& image);
   void dropFrames(std::size_t index);
   void cancel(std::size_t index);

@@ -551,8 +551,8 @@ TEST_F(WebSocketConduct, AClientThatNeverReadsHoldsUpItsOwnMessagesOnly) {
   RawWebSocket client(server.port(), 4096);
   ASSERT_TRUE(client.open());
   ASSERT_TRUE(server.waitFor(1, isReady));
-  for (std::size_t i = 0; i < count; ++i) server.send(1, MessageType::binary, std::string(1 << 20, 's'));
-  server.send(0, MessageType::text, "for you");
+  for (std::size_t i = 0; i < count; ++i) server.send(1, std::string(1 << 20, 's'));
+  server.send(0, "for you");
   const auto forNeighbour = neighbour.readFrame();
   ASSERT_TRUE(forNeighbour);
   EXPECT_EQ(forNeighbour->payload, "for you");
@@ -569,11 +569,11 @@ TEST_F(WebSocketConduct, AMessageForASlowReaderArrivesWhole) {
   RawWebSocket client(server.port(), 4096);
   ASSERT_TRUE(client.open());
   ASSERT_TRUE(server.waitFor(1, isReady));
-  server.send(1, MessageType::binary, large);
-  server.send(1, MessageType::text, "end");
+  server.send(1, large);
+  server.send(1, "end");
   const auto frame = client.readFrame();
   ASSERT_TRUE(frame);
-  EXPECT_EQ(frame->opcode, opcode::binary);
+  EXPECT_EQ(frame->opcode, opcode::text);
   EXPECT_TRUE(frame->final);
   EXPECT_TRUE(frame->payload == large);
   const auto last = client.readFrame();
@@ -585,7 +585,7 @@ TEST_F(WebSocketConduct, AViolationByAClientThatNeverReadsLeavesTheConnectionCan
   RawWebSocket client(server.port(), 4096);
   ASSERT_TRUE(client.open());
   ASSERT_TRUE(server.waitFor(1, isReady));
-  server.send(1, MessageType::binary, std::string(16 << 20, 's'));
+  server.send(1, std::string(16 << 20, 's'));
   ASSERT_TRUE(client.send(RawFrame{.opcode = 3}));
   server.cancel(1);
   EXPECT_TRUE(server.waitFor(1, [](const ConnectionRecord& record) { return record.sendsDone == 1; }));
