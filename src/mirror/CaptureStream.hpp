@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
 
 namespace orvel {
 
@@ -22,8 +21,8 @@ class CaptureStream {
  public:
   struct Handlers {
     std::function<FrameAnswer(CapturedFrame&)> frame;
-    /// The stream has ended by itself, for this reason in words for the user. Called at most once, and last.
-    std::function<void(const std::string& reason)> stopped;
+    /// The stream has ended by itself. Called at most once, and last.
+    std::function<void()> stopped;
   };
 
   virtual ~CaptureStream() = default;

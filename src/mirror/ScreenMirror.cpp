@@ -92,9 +92,9 @@ ScreenMirror::Outcome ScreenMirror::startStream(std::int64_t maxWidth, std::int6
   const std::vector<Size> displays = content.displays();
   if (displays.empty()) return description(MirrorError::noDisplay);
   const CaptureConfiguration configuration = configurationFor(displays.front(), maxWidth, fps);
-  auto started = content.start(0, configuration,
-                               {.frame = [this](CapturedFrame& frame) { return frameCaptured(frame); },
-                                .stopped = [this](const std::string&) { streamStopped(); }});
+  auto started = content.start(
+      0, configuration,
+      {.frame = [this](CapturedFrame& frame) { return frameCaptured(frame); }, .stopped = [this] { streamStopped(); }});
   if (const auto* failure = std::get_if<CaptureFailure>(&started)) return failure->description;
   adopt(std::get<std::unique_ptr<CaptureStream>>(std::move(started)));
   return Size{static_cast<double>(configuration.width), static_cast<double>(configuration.height)};

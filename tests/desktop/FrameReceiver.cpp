@@ -5,15 +5,16 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <string>
 
 namespace orvel {
 
 CaptureStream::Handlers FrameReceiver::handlers() {
   return {.frame = [this](CapturedFrame& frame) { return receive(frame); },
           .stopped =
-              [this](const std::string& reason) {
+              [this] {
                 const std::lock_guard lock(mutex_);
-                reason_ = reason;
+                hasEnded_ = true;
                 changed_.notify_all();
               }};
 }
@@ -65,10 +66,9 @@ Picture FrameReceiver::picture() const {
   return picture_;
 }
 
-std::string FrameReceiver::reasonOfEnd(Milliseconds limit) {
+bool FrameReceiver::waitForEnd(Milliseconds limit) {
   std::unique_lock lock(mutex_);
-  changed_.wait_for(lock, limit, [&] { return !reason_.empty(); });
-  return reason_;
+  return changed_.wait_for(lock, limit, [&] { return hasEnded_; });
 }
 
 long FrameReceiver::sleeps() const {

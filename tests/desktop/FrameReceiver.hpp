@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <functional>
 #include <mutex>
-#include <string>
 #include <vector>
 
 namespace orvel {
@@ -44,8 +43,8 @@ class FrameReceiver {
   /// The newest that was taken.
   Picture picture() const;
 
-  /// Waits until the stream has ended by itself: why. Empty when it does not.
-  std::string reasonOfEnd(Milliseconds limit = patience);
+  /// Waits until the stream has ended by itself; false when it does not.
+  bool waitForEnd(Milliseconds limit = patience);
 
   /// How often the stream's thread has gone to sleep until now.
   long sleeps() const;
@@ -58,7 +57,7 @@ class FrameReceiver {
   FrameAnswer answer_ = FrameAnswer::taken;
   std::vector<Time> times_;
   Picture picture_;
-  std::string reason_;
+  bool hasEnded_ = false;
   pid_t thread_ = 0;
 };
 

@@ -62,7 +62,7 @@ class ScriptedScreen final : public CaptureService, public ScreenRecordingAccess
   }
 
   /// The capture that was started last ends by itself.
-  void fail() { handlers.at(handlers.size() - 1).stopped("The screen has gone."); }
+  void fail() { handlers.at(handlers.size() - 1).stopped(); }
 
   bool granted = true;
   std::optional<int> grantsLeft;  ///< How often it is still said to be.

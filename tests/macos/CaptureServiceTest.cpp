@@ -25,9 +25,8 @@ class CaptureServiceTest : public CaptureTest {
   std::string contentFailure() { return std::get<CaptureFailure>(service_.shareableContent()).description; }
 
   std::variant<std::unique_ptr<CaptureStream>, CaptureFailure> start(std::size_t display = 0) {
-    return content()->start(
-        display, {.width = 500, .height = 400, .framesPerSecond = 12},
-        {.frame = [](CapturedFrame&) { return FrameAnswer::taken; }, .stopped = [](const std::string&) {}});
+    return content()->start(display, {.width = 500, .height = 400, .framesPerSecond = 12},
+                            {.frame = [](CapturedFrame&) { return FrameAnswer::taken; }, .stopped = [] {}});
   }
 
   std::string startFailure() { return std::get<CaptureFailure>(start()).description; }

@@ -75,7 +75,7 @@ void ScreenStream::run() {
       wasWoken = true;
     }
   }
-  if (!stopping_) handlers_.stopped("The desktop has ended the capture of its screen.");
+  if (!stopping_) handlers_.stopped();
 }
 
 bool ScreenStream::isGoingOn() const {

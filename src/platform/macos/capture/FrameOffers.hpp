@@ -9,7 +9,6 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <string>
 
 namespace orvel {
 
@@ -35,7 +34,7 @@ class FrameOffers final : public std::enable_shared_from_this<FrameOffers> {
   void resume();
 
   /// The stream has ended by itself. Returns at once.
-  void stop(const std::string& reason);
+  void stop();
 
   /// From its return on, no handler runs; it waits for one that does. Not for handlers. Returns whether the stream has
   /// not ended by itself before.

@@ -74,15 +74,13 @@ void FrameOffers::resume() {
   });
 }
 
-void FrameOffers::stop(const std::string& reason) {
+void FrameOffers::stop() {
   const auto self = shared_from_this();
-  // A block that captures a reference does not keep what that refers to.
-  const auto kept = std::make_shared<const std::string>(reason);
   dispatch_async(queue_, ^{
     @autoreleasepool {
       if (self->hasEnded_.exchange(true)) return;
       self->kept_.reset();
-      self->handlers_.stopped(*kept);
+      self->handlers_.stopped();
     }
   });
 }

@@ -1,6 +1,5 @@
 #include "platform/macos/capture/OrvelStreamOutput.hpp"
 
-#include "platform/macos/capture/Failure.hpp"
 #include "platform/macos/capture/FrameOffers.hpp"
 
 #include <utility>
@@ -23,7 +22,7 @@
 
 - (void)stream:(SCStream*)stream didStopWithError:(NSError*)error {
   @autoreleasepool {
-    offers_->stop(orvel::Failure::because(error).description);
+    offers_->stop();
   }
 }
 
