@@ -105,7 +105,8 @@ std::vector<BonjourTest::Found> BonjourTest::browse() {
     std::vector<std::string> fields;
     std::istringstream stream(line);
     for (std::string field; std::getline(stream, field, ';');) fields.push_back(field);
-    if (fields.size() > 8 && fields[0] == "=") found.push_back({unescaped(fields[3]), fields[8]});
+    if (fields.size() <= 8 || fields[0] != "=") continue;
+    found.push_back({unescaped(fields[3]), fields[8], fields.size() > 9 ? fields[9] : ""});
   }
   std::sort(found.begin(), found.end(), [](const Found& a, const Found& b) { return a.name < b.name; });
   return found;

@@ -21,10 +21,11 @@ class BonjourTest : public ::testing::Test {
   struct Found {
     std::string name;
     std::string port;
+    std::string text = {};  ///< Of its TXT record.
 
     friend bool operator==(const Found&, const Found&) = default;
     friend std::ostream& operator<<(std::ostream& out, const Found& each) {
-      return out << each.name << ':' << each.port;
+      return out << each.name << ':' << each.port << ' ' << each.text;
     }
   };
 

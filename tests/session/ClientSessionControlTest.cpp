@@ -163,6 +163,26 @@ TEST_F(ClientSessionControlTest, AuthenticatingAgainRenames) {
   EXPECT_THAT(preferences.lists.at("orvel.devices"), ElementsAre("Old", "New"));
 }
 
+TEST_F(ClientSessionControlTest, AuthenticatingAgainWithoutANameIsBeingAnIPhoneAgain) {
+  authenticate(*phone, "Zoe");
+  phone->text(R"({"t":"auth","proof":")" + proofFor(*phone) + R"("})");
+  EXPECT_EQ(session->deviceName(), "iPhone");
+  clock.runDue();
+  EXPECT_THAT(preferences.lists.at("orvel.devices"), ElementsAre("Zoe", "iPhone"));
+}
+
+TEST_F(ClientSessionControlTest, AGoodProofAfterABadOneCountsUntilTheConnectionIsClosed) {
+  phone->text(R"({"t":"auth","proof":"bad"})");
+  clock.advance(Seconds(0.2));
+  authenticate(*phone, "Zoe");
+  EXPECT_TRUE(session->authenticated());
+  EXPECT_EQ(phone->received("ready").size(), 1u);
+  phone->binary({8, 0, 1});
+  EXPECT_EQ(desktop.posted.size(), 2u);
+  clock.advance(Seconds(0.2));
+  EXPECT_TRUE(phone->cancelled) << "but it is closed all the same";
+}
+
 TEST_F(ClientSessionControlTest, ABadProofClosesAnAuthenticatedSessionToo) {
   authenticate(*phone);
   phone->text(R"({"t":"auth","proof":"bad"})");

@@ -18,6 +18,21 @@ TEST(NetworkInfo, PrefersTheBuiltInInterfacesInTheirOrder) {
   EXPECT_EQ(addressAmong({{"wlan0", "10.0.0.8", true, false}, {"bridge0", "10.0.0.9", true, false}}), "10.0.0.9");
 }
 
+TEST(NetworkInfo, PrefersTheFirstOfTheBuiltInInterfacesWhateverTheSystemsOrder) {
+  const NetworkInterface first = {"en0", "10.0.0.1", true, false};
+  const NetworkInterface second = {"en1", "10.0.0.2", true, false};
+  const NetworkInterface third = {"en2", "10.0.0.3", true, false};
+  EXPECT_EQ(addressAmong({third, second, first}), "10.0.0.1");
+  EXPECT_EQ(addressAmong({second, third, first}), "10.0.0.1");
+  EXPECT_EQ(addressAmong({third, second}), "10.0.0.2");
+}
+
+TEST(NetworkInfo, OfAnInterfaceWithSeveralAddressesTakesTheFirst) {
+  EXPECT_EQ(addressAmong(
+                {{"en1", "10.0.0.9", true, false}, {"en0", "10.0.0.2", true, false}, {"en0", "10.0.0.1", true, false}}),
+            "10.0.0.2");
+}
+
 TEST(NetworkInfo, OtherwiseTakesTheFirst) {
   EXPECT_EQ(addressAmong({{"wlan0", "10.0.0.8", true, false}, {"eth0", "10.0.0.7", true, false}}), "10.0.0.8");
 }
