@@ -29,6 +29,7 @@ class TrustingTuner final : public SocketTuner {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override { return tuner_.enableKeepAlive(socket, idle); }
   Delivery delivery(int socket, Seconds patience) override { return tuner_.delivery(socket, patience); }
+  bool hasHungUp(int) override { return false; }
   Backlog backlog(int) override { return {}; }
 
  private:
@@ -70,7 +71,8 @@ class PlainMirrorServer::Server {
                          if (state == Transport::State::ready) phone_->receive();
                        },
                    .received = [this](const std::optional<Message>& message) { received(message); },
-                   .drained = [] {}});
+                   .drained = [] {},
+                   .hungUp = {}});
   }
 
   void received(const std::optional<Message>& message) {

@@ -17,6 +17,7 @@ namespace {
 constexpr Seconds permissionInterval{1.5};
 constexpr Seconds keepAliveIdle{10};
 constexpr std::size_t maximumMessageSize = 8'388'608;
+constexpr std::size_t mostLingering = 8;  // each may hold as much as one message has
 constexpr const char* serviceType = "_orvel._tcp";
 
 /// Judged by the error, not by its words, which follow the user's language.
@@ -119,11 +120,9 @@ void ServerHub::adopt(std::uint64_t listening, std::unique_ptr<Transport> transp
 }
 
 void ServerHub::stop() {
-  const Sessions taken = live_.withLock([](Live& live) {
-    live.listening = 0;
-    return std::exchange(live.sessions, {});
-  });
-  for (const auto& [id, session] : taken) session->cancel();
+  const Live taken = live_.withLock([](Live& live) { return std::exchange(live, {}); });
+  for (const auto& [id, session] : taken.sessions) session->cancel();
+  for (const auto& [id, session] : taken.lingering) session->cancel();
   listener_.reset();
   dependencies_.advertiser.withdraw();
   onMainThread([](ServerHub& hub) {
@@ -136,6 +135,8 @@ void ServerHub::stop() {
 
 void ServerHub::disconnectAll() {
   for (const auto& session : sessions()) session->cancel();
+  const Sessions lingering = live_.withLock([](const Live& live) { return live.lingering; });
+  for (const auto& [id, session] : lingering) session->cancel();
 }
 
 std::vector<std::shared_ptr<ClientSession>> ServerHub::sessions() const {
@@ -160,9 +161,19 @@ void ServerHub::publishClients() {
   });
 }
 
+bool ServerHub::linger(const SessionID& id) {
+  const bool hasRoom = live_.withLock([&](Live& live) {
+    if (live.lingering.size() >= mostLingering) return false;
+    return live.lingering.insert(live.sessions.extract(id)).inserted;
+  });
+  if (hasRoom) publishClients();
+  return hasRoom;
+}
+
 void ServerHub::leave(const SessionID& id) {
   // Taken out whole, so that the last reference is not let go of under the lock.
-  const auto left = live_.withLock([&](Live& live) { return live.sessions.extract(id); });
+  const auto left =
+      live_.withLock([&](Live& live) { return std::pair(live.sessions.extract(id), live.lingering.extract(id)); });
   publishClients();
 }
 

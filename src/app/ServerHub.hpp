@@ -71,6 +71,9 @@ class ServerHub final : public SessionHub, public std::enable_shared_from_this<S
   void publishClients() override;
 
   /// Threads: any.
+  bool linger(const SessionID& id) override;
+
+  /// Threads: any.
   void leave(const SessionID& id) override;
 
   /// Threads: any.
@@ -90,6 +93,7 @@ class ServerHub final : public SessionHub, public std::enable_shared_from_this<S
 
   struct Live {
     Sessions sessions;
+    Sessions lingering;           // their phones have left
     std::uint64_t listening = 0;  // which listener may add to them; 0 is none
   };
 

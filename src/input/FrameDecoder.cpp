@@ -82,4 +82,10 @@ std::optional<Command> decode(Bytes frame) {
   return std::nullopt;
 }
 
+bool isForPointer(Bytes frame) {
+  const auto kind = frame.empty() ? std::nullopt : opcode(frame[0]);
+  return kind == Opcode::move || kind == Opcode::button || kind == Opcode::scroll || kind == Opcode::click ||
+         kind == Opcode::moveAbsolute;
+}
+
 }  // namespace orvel::FrameDecoder

@@ -75,5 +75,8 @@ using Command = std::variant<Move, Button, Scroll, Key, Text, Media, App, Click,
 /// that does not fit or is not UTF-8. Bytes after the last field are ignored.
 std::optional<Command> decode(std::span<const std::uint8_t> frame);
 
+/// Whether a frame, by its opcode, is for the pointer and its buttons.
+bool isForPointer(std::span<const std::uint8_t> frame);
+
 }  // namespace FrameDecoder
 }  // namespace orvel

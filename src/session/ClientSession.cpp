@@ -2,6 +2,7 @@
 
 #include "base/UTF8.hpp"
 #include "input/EventPoster.hpp"
+#include "input/FrameDecoder.hpp"
 #include "input/PointerDriver.hpp"
 #include "session/Machine.hpp"
 #include "session/PairingStore.hpp"
@@ -16,6 +17,9 @@ namespace {
 
 constexpr int protocolVersion = 1;
 constexpr std::size_t largestBacklog = 256 * 1024;
+constexpr std::size_t mostPending = 8 * 1024 * 1024;  // bytes, and one message more
+constexpr std::size_t fewPending = mostPending / 2;   // when reading goes on
+constexpr int pendingAtATime = 256;                   // then others have their turn
 
 }  // namespace
 
@@ -48,6 +52,10 @@ void ClientSession::start() {
             if (const auto session = self.lock()) session->received(message);
           },
       .drained = [&events = services_.events] { events.flush(); },
+      .hungUp =
+          [self] {
+            if (const auto session = self.lock()) session->hungUp();
+          },
   });
 }
 
@@ -69,8 +77,24 @@ void ClientSession::sendHello() {
 }
 
 void ClientSession::receiveNext() {
-  readingPaused_ = backlog_ > largestBacklog;
-  if (!readingPaused_) transport_->receive();
+  const bool wasPaused = std::exchange(readingPaused_, isFull());
+  if (!readingPaused_) {
+    transport_->receive();
+  } else if (authenticated_ && !wasPaused) {
+    // Nobody would hear the phone release them.
+    letGo();
+  }
+}
+
+bool ClientSession::isFull() const {
+  if (readsToTheEnd_) return false;
+  if (!authenticated_) return backlog_ > largestBacklog;
+  return pending_.cost() > (readingPaused_ ? fewPending : mostPending);
+}
+
+void ClientSession::hungUp() {
+  readsToTheEnd_ = true;
+  if (readingPaused_) receiveNext();
 }
 
 void ClientSession::received(std::optional<Message> message) {
@@ -82,11 +106,46 @@ void ClientSession::received(std::optional<Message> message) {
     transport_->cancel();
     return;
   }
-  if (!message->payload.empty()) {
-    if (message->type == MessageType::text) handleControl(message->payload);
-    if (message->type == MessageType::binary) handleInput(message->payload);
+  if (message->payload.empty()) {
+    receiveNext();
+    return;
+  }
+  if (mustWait(*message)) {
+    pending_.push(*message);
+  } else {
+    handle(*message);
   }
   receiveNext();
+}
+
+bool ClientSession::mustWait(const Message& message) const {
+  // A stranger's is not kept: nothing is read from one who has caused too much.
+  if (!authenticated_ || (pending_.empty() && backlog_ <= largestBacklog)) return false;
+  return message.type != MessageType::binary || !FrameDecoder::isForPointer(message.payload);
+}
+
+void ClientSession::handle(const Message& message) {
+  if (message.type == MessageType::binary) {
+    handleInput(message.payload);
+  } else if (!hasEnded_) {
+    handleControl(message.payload);
+  }
+}
+
+void ClientSession::handlePending() {
+  if (pending_.empty() || backlog_ > largestBacklog || hasEnded_) return;
+  for (int count = 0; count < pendingAtATime && !pending_.empty() && backlog_ <= largestBacklog; ++count) {
+    handle(pending_.pop().message());
+  }
+  services_.events.flush();
+  if (pending_.empty() || backlog_ > largestBacklog || std::exchange(handlesPendingSoon_, true)) return;
+  transport_->queue().post([self = weak_from_this()] {
+    const auto session = self.lock();
+    if (!session) return;
+    session->handlesPendingSoon_ = false;
+    session->handlePending();
+    if (session->readingPaused_) session->receiveNext();
+  });
 }
 
 void ClientSession::send(const boost::json::object& json) {
@@ -125,23 +184,61 @@ void ClientSession::answerLater(std::function<boost::json::object()> compose, st
 
 void ClientSession::settle(std::size_t cost) {
   backlog_ -= cost;
+  handlePending();
   if (readingPaused_) receiveNext();
 }
 
 void ClientSession::cancel() {
+  transport_->queue().post([self = shared_from_this()] { self->pending_.clear(); });
   transport_->cancel();
   // The hub may have let go of this session already, and it must live to see its connection end.
   transport_->queue().post([self = shared_from_this()] {});
 }
 
+void ClientSession::letGo() {
+  services_.pointer.releaseAll();
+  heldKeys_.releaseAll();
+  services_.events.flush();
+}
+
 void ClientSession::teardown() {
-  if (authenticated_) {
-    services_.pointer.releaseAll();
-    heldKeys_.releaseAll();
-    services_.events.flush();
-  }
+  if (authenticated_) letGo();
   stopMirror();
   hasEnded_ = true;
+  const auto hub = hub_.lock();
+  if (!hub || lingers_) return;
+  lingers_ = !pending_.empty() && hub->linger(id_);
+  if (lingers_) {
+    transport_->cancel();
+    finishLater();
+  } else {
+    pending_.clear();
+    hub->leave(id_);
+  }
+}
+
+/// Behind the work that was handed off before. What is to be done keeps the session alive.
+void ClientSession::finishLater() {
+  work_->post([self = shared_from_this(), &queue = transport_->queue()]() mutable {
+    queue.post([self = std::move(self)] { self->finishPending(); });
+  });
+}
+
+void ClientSession::finishPending() {
+  std::size_t cost = 0;
+  while (!pending_.empty() && cost <= largestBacklog) {
+    const PendingMessages::Item next = pending_.pop();
+    cost += taskCost + next.payload.size();
+    handle(next.message());
+  }
+  if (cost > 0) {
+    services_.events.flush();
+    finishLater();
+    return;
+  }
+  heldKeys_.releaseAll();
+  services_.events.flush();
+  lingers_ = false;
   if (const auto hub = hub_.lock()) hub->leave(id_);
 }
 

@@ -6,6 +6,7 @@
 #include "input/FrameDecoder.hpp"
 #include "input/HeldKeys.hpp"
 #include "mirror/ScreenMirror.hpp"
+#include "session/PendingMessages.hpp"
 #include "session/SessionHub.hpp"
 #include "session/Transport.hpp"
 
@@ -56,7 +57,8 @@ struct SessionServices {
 /// One connected phone: greets it, checks its proof, and carries out what it sends.
 ///
 /// The handlers run on the connection's serial queue, slow work on a second serial queue. While what the phone has
-/// caused but not yet taken (replies unsent, work not done) exceeds a bound, nothing more is read from it.
+/// caused but not yet taken (replies unsent, work not done) exceeds a bound, its messages are read, so that its end is
+/// noticed, but all except those for the pointer wait. When too many of them wait, nothing more is read from it.
 ///
 /// Threads: any for the public operations.
 class ClientSession final : public std::enable_shared_from_this<ClientSession> {
@@ -93,7 +95,15 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void sendHello();
   void receiveNext();
   void received(std::optional<Message> message);
+  void hungUp();
+  bool mustWait(const Message& message) const;
+  bool isFull() const;
+  void handle(const Message& message);
+  void handlePending();
+  void letGo();
   void teardown();
+  void finishLater();
+  void finishPending();
 
   void handleControl(std::span<const std::uint8_t> data);
   void authenticate(const ControlMessage& message);
@@ -137,10 +147,14 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   Guarded<std::string> deviceName_;
   HeldKeys heldKeys_;
   std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
+  PendingMessages pending_;               // read, but not handled for the backlog's sake
+  bool handlesPendingSoon_ = false;
   bool readingPaused_ = false;
+  bool readsToTheEnd_ = false;      // the phone sends no more, so there is little left to be read
   bool owningMirror_ = false;       // this session has started the capture and not stopped it since
   std::uint64_t mirrorStarts_ = 0;  // how often it has asked for it
   bool hasEnded_ = false;
+  bool lingers_ = false;  // the phone has left, and what it had sent is still to be done
 };
 
 }  // namespace orvel

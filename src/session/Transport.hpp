@@ -31,6 +31,9 @@ class Transport {
     std::function<void(std::optional<Message>)> received;
     /// All that had arrived has been handed over: the moment to send on what a batch of messages has piled up.
     std::function<void()> drained;
+    /// While no message was asked for, the peer has vanished or ended its side: nothing follows what the system still
+    /// holds of it. Called once.
+    std::function<void()> hungUp;
   };
 
   virtual ~Transport() = default;

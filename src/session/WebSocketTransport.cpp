@@ -34,6 +34,7 @@ using Error = boost::system::error_code;
 
 constexpr std::chrono::seconds handshakeLimit{10};
 constexpr std::chrono::seconds deliveryCheck{3};
+constexpr Seconds hangUpCheck{0.25};
 constexpr Seconds deliveryPatience{14};
 constexpr std::size_t largestRequest = 32 * 1024;  // a browser sends the cookies of this address along
 constexpr std::size_t largestKeptBuffer = 64 * 1024;
@@ -180,10 +181,12 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void listen() {
     if (ended_ || !std::exchange(asked_, false)) return;
+    reading_ = true;
     stream_.async_read(incoming_, [self = shared_from_this()](const Error& error, std::size_t) { self->read(error); });
   }
 
   void read(const Error& error) {
+    reading_ = false;
     if (ended_ || parting_) return;
     if (error) {
       handlers_.received(std::nullopt);
@@ -200,7 +203,39 @@ class Connection : public std::enable_shared_from_this<Connection> {
     delivering_ = false;
     incoming_.consume(payload.size());
     if (incoming_.capacity() > largestKeptBuffer) incoming_ = beast::flat_buffer();
-    listen();
+    if (asked_) {
+      listen();
+    } else {
+      watchForHangUp();
+    }
+  }
+
+  /// While nothing is read, the end of the peer lies behind what it has sent and is looked for.
+  void watchForHangUp() {
+    if (std::exchange(watchingForHangUp_, true)) return;
+    queue_.postAfter(hangUpCheck, [self = weak_from_this()] {
+      const auto connection = self.lock();
+      if (!connection) return;
+      connection->watchingForHangUp_ = false;
+      connection->checkForHangUp();
+    });
+  }
+
+  void checkForHangUp() {
+    if (ended_ || parting_ || reading_) return;
+    if (tuner_.hasHungUp(stream_.next_layer().socket().native_handle())) {
+      if (handlers_.hungUp) handlers_.hungUp();
+      return;
+    }
+    probe();
+    watchForHangUp();
+  }
+
+  /// The system of a peer that is gone, but has more to send than we have room for, keeps that from us. To data it
+  /// answers by a reset.
+  void probe() {
+    if (writing_ || std::exchange(probing_, true)) return;
+    stream_.async_ping({}, [self = shared_from_this()](const Error&) { self->probing_ = false; });
   }
 
   /// Writes what is to go next, unless something is being written. Whatever waits goes before a frame.
@@ -281,7 +316,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   bool delivering_ = false;  // one, which still stands in `incoming_`
   bool parting_ = false;     // a farewell is on its way and ends in its own time
   bool ended_ = false;
+  bool reading_ = false;
   bool writing_ = false;
+  bool probing_ = false;
+  bool watchingForHangUp_ = false;
   bool watchingDelivery_ = false;
 };
 

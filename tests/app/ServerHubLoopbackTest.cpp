@@ -57,6 +57,7 @@ struct RecordingTuner final : SocketTuner {
     return true;
   }
   Delivery delivery(int, Seconds) override { return Delivery::done; }
+  bool hasHungUp(int) override { return false; }
   Backlog backlog(int) override { return {}; }
 
   struct Seen {

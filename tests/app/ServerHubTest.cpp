@@ -303,6 +303,59 @@ TEST_F(ServerHubTest, AHubThatIsGoneIsNotCalled) {
   EXPECT_EQ(clock.pendingTasks(), 0u);
 }
 
+/// A phone that has sent more text than can be typed at once, and left.
+struct LingeringPhoneTest : ServerHubTest {
+  void visit() {
+    const auto wire = wires.emplace_back(connectPaired("Zoe"));
+    std::vector<std::uint8_t> text(65'538, 'x');
+    text[0] = 5;
+    text[1] = text[2] = 0xff;
+    for (int count = 0; count < 10; ++count) wire->binary(text);
+    wire->drop();
+  }
+
+  std::size_t typed() const {
+    std::size_t size = 0;
+    for (const TextEvent& event : desktop.all<TextEvent>()) size += event.down ? event.text.size() : 0;
+    return size;
+  }
+
+  std::vector<std::shared_ptr<FakeWire>> wires;  // whose queues outlive the sessions
+};
+
+TEST_F(LingeringPhoneTest, IsNoClientAnyMoreWhileItsTextIsTyped) {
+  start();
+  visit();
+  std::vector<std::size_t> typedBefore;
+  hub->observe([&](const HubState& next) {
+    if (!hub->state().clients.empty() && next.clients.empty()) typedBefore.push_back(typed());
+  });
+  clock.advance(Seconds(3600));
+  EXPECT_THAT(hub->state().clients, IsEmpty());
+  EXPECT_THAT(typedBefore, ElementsAre(testing::Lt(655'350u)));
+  EXPECT_EQ(typed(), 655'350u);
+}
+
+TEST_F(LingeringPhoneTest, IsPartedFromLikeTheOthers) {
+  start();
+  visit();
+  hub->disconnectAll();
+  clock.advance(Seconds(3600));
+  EXPECT_LT(typed(), 655'350u);
+  visit();
+  hub->stop();
+  clock.advance(Seconds(3600));
+  EXPECT_LT(typed(), 655'350u);
+}
+
+TEST_F(LingeringPhoneTest, MustNotBeOneOfTooMany) {
+  start();
+  for (int count = 0; count < 20; ++count) visit();
+  clock.advance(Seconds(36'000));
+  EXPECT_GE(typed(), 8 * 655'350u);
+  EXPECT_LT(typed(), 16 * 655'350u);
+}
+
 TEST_F(ServerHubTest, SaysWhetherAPhoneSeesTheScreen) {
   start();
   const auto first = connectPaired("First");

@@ -48,6 +48,13 @@ class FakeWire {
     deliver();
   }
 
+  /// The phone has ended its side while it was not read from; what it had sent before still arrives, then the end.
+  void hangUp() {
+    broken = true;
+    if (!asked) handlers.hungUp();
+    deliver();
+  }
+
   /// Takes what waits to be sent, as a phone that reads again.
   void unstall() {
     stalled = false;

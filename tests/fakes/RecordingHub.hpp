@@ -10,11 +10,17 @@ class RecordingHub final : public SessionHub {
  public:
   void publishClients() override { ++published; }
   void leave(const SessionID& id) override { left.push_back(id); }
+  bool linger(const SessionID& id) override {
+    if (hasRoom) lingering.push_back(id);
+    return hasRoom;
+  }
 
   void setMirroring(bool on) override { mirroring.push_back(on); }
 
   int published = 0;
   std::vector<SessionID> left;
+  std::vector<SessionID> lingering;
+  bool hasRoom = true;  ///< For sessions that linger.
   std::vector<bool> mirroring;  ///< All that it was told.
 };
 

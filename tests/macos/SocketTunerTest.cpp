@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <cstdint>
 #include <limits>
 #include <map>
 
@@ -75,6 +76,16 @@ TEST_F(SocketTunerTest, WhatWasNotTakenIsPendingUntilTheKernelGivesUp) {
   connection().tcpi_snd_sbbytes = 1;
   EXPECT_EQ(tuner_.delivery(socketNumber, Seconds(14)), Delivery::pending);
   EXPECT_EQ(options(), (std::map<fake::Sockets::Option, int>{{repeatTime, 14}}));
+}
+
+TEST_F(SocketTunerTest, APeerThatHasEndedItsSideHasHungUp) {
+  constexpr int established = 4;
+  connection().tcpi_state = established;
+  EXPECT_FALSE(tuner_.hasHungUp(socketNumber));
+  for (const int state : {0, 5, 9}) {
+    connection().tcpi_state = static_cast<std::uint8_t>(state);
+    EXPECT_TRUE(tuner_.hasHungUp(socketNumber)) << state;
+  }
 }
 
 TEST_F(SocketTunerTest, NoPatienceIsNotEndlessPatience) {

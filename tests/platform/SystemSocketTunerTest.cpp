@@ -9,6 +9,7 @@
 #include <chrono>
 #include <limits>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -70,6 +71,63 @@ TEST_P(SystemSocketTunerTest, WhatIsNoTCPSocketIsRefused) {
 
 INSTANTIATE_TEST_SUITE_P(Families, SystemSocketTunerTest, ::testing::Values(AF_INET, AF_INET6),
                          [](const auto& family) { return family.param == AF_INET ? "IPv4" : "IPv6"; });
+
+/// Two ends of a connection of which the host's has unread data.
+class HangUpTest : public ::testing::Test {
+ protected:
+  HangUpTest() {
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), size), 0);
+    EXPECT_EQ(listen(listener, 1), 0);
+    EXPECT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    EXPECT_EQ(connect(phone_, reinterpret_cast<const sockaddr*>(&address), size), 0);
+    host_ = accept(listener, nullptr, nullptr);
+    close(listener);
+    EXPECT_EQ(send(phone_, "unread", 6, 0), 6);
+    EXPECT_FALSE(tuner_.hasHungUp(host_));
+  }
+  ~HangUpTest() override {
+    if (phone_ >= 0) close(phone_);
+    close(host_);
+  }
+
+  /// Loopback is swift, but not immediate.
+  bool hasHungUp() {
+    for (int look = 0; look < 200 && !tuner_.hasHungUp(host_); ++look) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return tuner_.hasHungUp(host_);
+  }
+
+  SystemSocketTuner tuner_;
+  int phone_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  int host_ = -1;
+};
+
+TEST_F(HangUpTest, IsSeenBehindUnreadDataWhenThePeerSendsNoMore) {
+  shutdown(phone_, SHUT_WR);
+  EXPECT_TRUE(hasHungUp());
+}
+
+TEST_F(HangUpTest, IsSeenBehindUnreadDataWhenThePeerCloses) {
+  close(std::exchange(phone_, -1));
+  EXPECT_TRUE(hasHungUp());
+}
+
+TEST_F(HangUpTest, IsSeenBehindUnreadDataWhenThePeerResets) {
+  const linger hard{.l_onoff = 1, .l_linger = 0};
+  setsockopt(phone_, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+  close(std::exchange(phone_, -1));
+  EXPECT_TRUE(hasHungUp());
+}
+
+TEST_F(HangUpTest, IsTrueOfASocketThatIsNone) {
+  EXPECT_TRUE(tuner_.hasHungUp(-1));
+}
 
 TEST(SystemSocketTuner, ABacklogLeavesAtThePaceOfTheConnectionLessWhatIsOnItsWay) {
   constexpr std::uint32_t unknown = 0xffffffff;

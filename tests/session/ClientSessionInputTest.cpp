@@ -160,15 +160,6 @@ TEST_F(ClientSessionInputTest, MotionDoesNotWaitForTheLongestText) {
   EXPECT_EQ(typed, longest.size());
 }
 
-TEST_F(ClientSessionInputTest, AFloodOfTextIsReadNoFurtherUntilItIsTyped) {
-  for (int text = 0; text < 50; ++text) phone->binary(textFrame(std::string(65'535, 'x')));
-  phone->text(R"({"t":"ping"})");
-  EXPECT_THAT(phone->received("pong"), IsEmpty());
-  EXPECT_GE(phone->incoming.size(), 45u) << "all but the first 256 KiB still wait in the network";
-  clock.advance(Seconds(3600));
-  EXPECT_EQ(phone->received("pong").size(), 1u);
-}
-
 TEST_F(ClientSessionInputTest, TextAndApplicationsAreSeenToWhenThePhoneHasLeft) {
   computer.running = {{.instance = 7, .identifier = "ab", .name = {}, .location = {}, .isRegular = true}};
   phone->binary(textFrame("last words"));

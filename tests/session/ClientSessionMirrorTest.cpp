@@ -312,10 +312,9 @@ TEST_F(ClientSessionMirrorTest, AnEarlierStartThatFailsLeavesALaterOneItsOwner) 
   EXPECT_EQ(screen.running, 0) << "which the phone can end";
 }
 
-TEST_F(ClientSessionMirrorTest, APhoneThatAsksAgainAndAgainIsReadNoFurther) {
+TEST_F(ClientSessionMirrorTest, APhoneThatAsksAgainAndAgainIsServedAsFastAsItCanBe) {
   for (int count = 0; count < 5000; ++count) phone->text(start);
-  EXPECT_FALSE(phone->incoming.empty());
-  for (int round = 0; round < 5000 && !phone->incoming.empty(); ++round) clock.runDue();
+  EXPECT_LT(clock.pendingTasks(), 3000u) << "the other starts wait";
   clock.runDue();
   EXPECT_THAT(told(*phone), SizeIs(5000)) << "and nothing is lost";
   EXPECT_EQ(screen.running, 1);

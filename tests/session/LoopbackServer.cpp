@@ -45,7 +45,11 @@ class LoopbackServer::Peer : public std::enable_shared_from_this<Peer> {
                            [weak = weak_from_this()](std::optional<Message> message) {
                              if (const auto self = weak.lock()) self->received(message);
                            },
-                       .drained = [] {}});
+                       .drained = [] {},
+                       .hungUp =
+                           [weak = weak_from_this()] {
+                             if (const auto self = weak.lock()) self->hungUp();
+                           }});
   }
 
   void send(std::string text) {
@@ -64,6 +68,13 @@ class LoopbackServer::Peer : public std::enable_shared_from_this<Peer> {
 
   void dropFrames() {
     transport_->queue().post([self = shared_from_this()] { self->transport_->dropFrames(); });
+  }
+
+  void pause(bool paused) {
+    transport_->queue().post([self = shared_from_this(), paused] {
+      self->paused_ = paused;
+      if (!paused && std::exchange(self->owesReceive_, false)) self->transport_->receive();
+    });
   }
 
   void cancel() {
@@ -92,14 +103,22 @@ class LoopbackServer::Peer : public std::enable_shared_from_this<Peer> {
     });
     if (message->type == MessageType::close) {
       transport_->cancel();
+    } else if (paused_) {
+      owesReceive_ = true;
     } else {
       transport_->receive();
     }
   }
 
+  void hungUp() {
+    server_.note(index_, [](ConnectionRecord& record) { record.hungUp = true; });
+  }
+
   LoopbackServer& server_;
   const std::size_t index_;
   const std::unique_ptr<Transport> transport_;
+  bool paused_ = false;
+  bool owesReceive_ = false;
 };
 
 bool ConnectionRecord::has(Transport::State state) const {
@@ -174,6 +193,10 @@ void LoopbackServer::sendFrame(std::size_t index, std::uint8_t marker, const std
 
 void LoopbackServer::dropFrames(std::size_t index) {
   if (const auto found = peer(index)) found->dropFrames();
+}
+
+void LoopbackServer::pause(std::size_t index, bool paused) {
+  if (const auto found = peer(index)) found->pause(paused);
 }
 
 void LoopbackServer::cancel(std::size_t index) {

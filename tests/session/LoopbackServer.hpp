@@ -31,6 +31,7 @@ struct ConnectionRecord {
   std::vector<ReceivedMessage> messages;
   std::size_t sendsDone = 0;
   std::size_t framesTaken = 0;
+  bool hungUp = false;           ///< Told so while it read nothing.
   bool failedToReceive = false;  ///< Told of the end in place of a message.
 
   bool has(Transport::State state) const;
@@ -65,7 +66,13 @@ class LoopbackServer {
   void send(std::size_t index, std::string text);
   void sendFrame(std::size_t index, std::uint8_t marker, const std::string& image);
   void dropFrames(std::size_t index);
+
+  /// Asks for no more of the messages, or for the next again.
+  void pause(std::size_t index, bool paused);
   void cancel(std::size_t index);
+
+  /// What is known of all peers from now on.
+  void setHungUp(bool hungUp) { tuner_.hungUpNow = hungUp; }
 
   /// How long the network takes from now on for what was sent before.
   void setBacklog(Seconds backlog) { tuner_.backlogNow = backlog; }
@@ -75,9 +82,11 @@ class LoopbackServer {
   struct Tuner final : SocketTuner {
     bool enableKeepAlive(int, Seconds) override { return true; }
     Delivery delivery(int, Seconds) override { return Delivery::done; }
+    bool hasHungUp(int) override { return hungUpNow; }
     Backlog backlog(int) override { return {.bytes = 0, .time = backlogNow}; }
 
     std::atomic<Seconds> backlogNow = Seconds(0);
+    std::atomic<bool> hungUpNow = false;
   };
 
   bool listen(std::uint16_t port);

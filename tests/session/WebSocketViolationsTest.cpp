@@ -527,6 +527,43 @@ TEST_F(WebSocketClient, LosesItsSocketAfterItsGoodbyeEvenWhenItStays) {
   EXPECT_TRUE(client.waitUntilSocketIsGone());
 }
 
+// Clients that are not read from.
+
+struct WebSocketPause : WebSocketClient {
+  void SetUp() override {
+    WebSocketClient::SetUp();
+    server.pause(1, true);
+    ASSERT_TRUE(client.send(text("the last that is asked for")));
+    ASSERT_THAT(messages(1), SizeIs(1));
+  }
+
+  void TearDown() override {
+    server.setHungUp(false);
+    WebSocketClient::TearDown();
+  }
+};
+
+TEST_F(WebSocketPause, ItsHangUpIsToldOfWithoutBeingReadFrom) {
+  ASSERT_TRUE(client.send(text("unread")));
+  server.setHungUp(true);
+  EXPECT_TRUE(server.waitFor(
+      1, [](const ConnectionRecord& record) { return record.hungUp; }, 1s));
+  EXPECT_THAT(server.connection(1).messages, SizeIs(1));
+  EXPECT_FALSE(server.connection(0).hungUp) << "who is read from says it by itself";
+  server.pause(1, false);
+  EXPECT_THAT(messages(2), SizeIs(2));
+}
+
+TEST_F(WebSocketPause, IsPingedSoThatTheSystemOfOneThatIsGoneResets) {
+  const auto ping = client.readFrame(1s);
+  ASSERT_TRUE(ping);
+  EXPECT_EQ(ping->opcode, opcode::ping);
+  EXPECT_THAT(ping->payload, IsEmpty());
+  server.pause(1, false);
+  ASSERT_TRUE(client.send(text("unread")));
+  EXPECT_THAT(messages(2), SizeIs(2));
+}
+
 // Clients that do not read.
 
 /// As many bytes of `unit` as the server takes from a client that never reads.

@@ -20,6 +20,7 @@ constexpr int probeCount = 4;
 constexpr unsigned fewRepeats = 2;
 constexpr double slowestPace = 1000;   // bytes a second, until the kernel knows better
 constexpr double longestIdle = 32767;  // the kernel takes no more
+constexpr int established = 1;         // the state of a connection as long as neither end has ended it
 
 /// What the kernel knows of a connection, and how many bytes the peer has not acknowledged.
 struct Knowledge {
@@ -58,6 +59,11 @@ Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
   const unsigned repeats = std::max(known->info.tcpi_retransmits, known->info.tcpi_probes);
   const Seconds silence = std::chrono::milliseconds(known->info.tcpi_last_ack_recv);
   return repeats >= fewRepeats && silence > patience ? Delivery::ignored : Delivery::pending;
+}
+
+bool SystemSocketTuner::hasHungUp(int socket) {
+  const auto known = knowledgeOf(socket);
+  return !known || known->info.tcpi_state != established;
 }
 
 Backlog SystemSocketTuner::backlog(int socket) {

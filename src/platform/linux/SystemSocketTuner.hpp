@@ -14,6 +14,7 @@ class SystemSocketTuner final : public SocketTuner {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override;
   Delivery delivery(int socket, Seconds patience) override;
+  bool hasHungUp(int socket) override;
   Backlog backlog(int socket) override;
 
   /// What the kernel tells of a connection: bytes unacknowledged, bytes a second that arrived of late (0 when it does

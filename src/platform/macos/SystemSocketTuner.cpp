@@ -16,6 +16,7 @@ constexpr int probeInterval = 4;
 constexpr int probeCount = 4;
 constexpr double slowestPace = 1000;    // bytes a second
 constexpr double longestSpell = 32767;  // seconds; the kernel counts milliseconds in 32 bits
+constexpr int established = 4;          // the state of a connection as long as neither end has ended it
 
 std::optional<tcp_connection_info> knowledgeOf(int socket) {
   tcp_connection_info info{};
@@ -51,6 +52,11 @@ Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
   if (!known || known->tcpi_snd_sbbytes == 0) return Delivery::done;
   setOption(socket, IPPROTO_TCP, TCP_RXT_CONNDROPTIME, wholeSeconds(patience));
   return Delivery::pending;
+}
+
+bool SystemSocketTuner::hasHungUp(int socket) {
+  const auto known = knowledgeOf(socket);
+  return !known || known->tcpi_state != established;
 }
 
 Backlog SystemSocketTuner::backlog(int socket) {

@@ -18,6 +18,7 @@ class SystemSocketTuner final : public SocketTuner {
   /// Never finds data ignored: it tells the kernel how patient to be, which then ends the connection itself.
   Delivery delivery(int socket, Seconds patience) override;
 
+  bool hasHungUp(int socket) override;
   Backlog backlog(int socket) override;
 
   /// What the kernel tells of a connection: bytes unacknowledged, bytes that may be under way at a time, and how many
