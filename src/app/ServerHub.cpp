@@ -31,11 +31,8 @@ std::string wordingOf(const std::error_code& error) {
 std::shared_ptr<ServerHub> ServerHub::make(const Dependencies& dependencies, std::uint16_t port) {
   std::shared_ptr<ServerHub> hub(new ServerHub(dependencies, port));
   dependencies.services.permission.publishTo([self = std::weak_ptr(hub)](bool trusted) {
-    if (const auto live = self.lock()) {
-      live->onMainThread([trusted](ServerHub& here) {
-        here.publish([trusted](HubState& state) { state.accessibilityGranted = trusted; });
-      });
-    }
+    const auto live = self.lock();
+    if (live) live->onMainThread([trusted](ServerHub& here) { here.permissionSeen(trusted); });
   });
   hub->watchPermission();
   return hub;
@@ -184,12 +181,13 @@ void ServerHub::setMirroring(bool on) {
 void ServerHub::watchPermission() {
   permissionWatch_ = std::make_unique<RepeatingTimer>(dependencies_.mainThread, dependencies_.clock, permissionInterval,
                                                       permissionInterval, [self = weak_from_this()] {
-                                                        if (const auto hub = self.lock()) hub->permissionTick();
+                                                        const auto hub = self.lock();
+                                                        if (hub) hub->dependencies_.services.permission.refresh();
                                                       });
 }
 
-void ServerHub::permissionTick() {
-  const bool trusted = dependencies_.services.permission.refresh();
+void ServerHub::permissionSeen(bool trusted) {
+  publish([trusted](HubState& next) { next.accessibilityGranted = trusted; });
   if (lastKnownTrust_ == trusted) return;
   lastKnownTrust_ = trusted;
   for (const auto& session : sessions()) {

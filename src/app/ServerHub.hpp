@@ -100,7 +100,7 @@ class ServerHub final : public SessionHub, public std::enable_shared_from_this<S
   ServerHub(const Dependencies& dependencies, std::uint16_t port);
 
   void watchPermission();
-  void permissionTick();
+  void permissionSeen(bool trusted);
   void listen(std::uint64_t listening);
   void listenerChanged(std::uint64_t listening, Listener::State state, const std::error_code& error);
   void adopt(std::uint64_t listening, std::unique_ptr<Transport> transport);

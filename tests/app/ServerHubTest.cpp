@@ -236,6 +236,53 @@ TEST_F(ServerHubTest, AuthenticatedPhonesHearOfAPermissionChangeOnce) {
   EXPECT_THAT(stranger->received("permission"), IsEmpty());
 }
 
+TEST_F(ServerHubTest, PhonesHearOfAChangeWhoeverFindsItAndAtOnce) {
+  start();
+  clock.advance(Seconds(1.5));
+  const auto phone = connectPaired("Zoe");
+  desktop.trusted = false;
+  permission.refresh();
+  clock.runDue();
+  EXPECT_FALSE(hub->state().accessibilityGranted);
+  ASSERT_EQ(phone->received("permission").size(), 1u);
+  EXPECT_FALSE(phone->received("permission").at(0).at("accessibility").as_bool());
+  clock.advance(Seconds(3));
+  EXPECT_EQ(phone->received("permission").size(), 1u);
+}
+
+TEST_F(ServerHubTest, APhoneThatProvesItselfWithoutANameIsListedAsAnIPhone) {
+  start();
+  const auto wire = connect();
+  wire->text(R"({"t":"auth","proof":")" + proofFor(*wire) + R"("})");
+  clock.runDue();
+  EXPECT_THAT(hub->state().clients, ElementsAre("iPhone"));
+}
+
+TEST_F(ServerHubTest, APhoneThatProvesItselfAgainWithoutANameIsAnIPhoneAgain) {
+  start();
+  const auto wire = connectPaired("Zoe");
+  wire->text(R"({"t":"auth","proof":")" + proofFor(*wire) + R"("})");
+  clock.runDue();
+  EXPECT_THAT(hub->state().clients, ElementsAre("iPhone"));
+}
+
+TEST_F(ServerHubTest, AnObserverSeesTheOldStateOfEachPropertyAndIsGivenTheNew) {
+  std::vector<std::pair<HubState, HubState>> changes;
+  hub->observe([&](const HubState& next) { changes.emplace_back(hub->state(), next); });
+  start();
+  permission.refresh();
+  connectPaired("Zoe");
+  hub->setMirroring(true);
+  clock.runDue();
+  HubState expected;
+  for (const auto& [seen, announced] : changes) {
+    EXPECT_EQ(seen, expected);
+    expected = announced;
+  }
+  EXPECT_EQ(hub->state(), expected);
+  EXPECT_EQ(changes.size(), 4u);
+}
+
 TEST_F(ServerHubTest, TheFirstTickComesAfterOneAndAHalfSecondsAndCountsAsAChange) {
   start();
   const auto early = connectPaired("Zoe");

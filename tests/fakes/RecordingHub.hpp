@@ -2,6 +2,7 @@
 
 #include "session/SessionHub.hpp"
 
+#include <functional>
 #include <vector>
 
 namespace orvel {
@@ -15,12 +16,16 @@ class RecordingHub final : public SessionHub {
     return hasRoom;
   }
 
-  void setMirroring(bool on) override { mirroring.push_back(on); }
+  void setMirroring(bool on) override {
+    mirroring.push_back(on);
+    if (whenMirroring) whenMirroring();
+  }
 
   int published = 0;
   std::vector<SessionID> left;
   std::vector<SessionID> lingering;
   bool hasRoom = true;  ///< For sessions that linger.
+  std::function<void()> whenMirroring;
   std::vector<bool> mirroring;  ///< All that it was told.
 };
 

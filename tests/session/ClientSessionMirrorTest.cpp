@@ -355,6 +355,38 @@ TEST_F(ClientSessionMirrorTest, APhoneThatMirrorsNothingLeavesTheCaptureAlone) {
   EXPECT_THAT(hub->mirroring, ElementsAre(true));
 }
 
+TEST_F(ClientSessionMirrorTest, TheHubHearsOfItBeforeThePhone) {
+  std::vector<std::size_t> toldBefore;
+  hub->whenMirroring = [&] { toldBefore.push_back(told(*phone).size()); };
+  say(start);
+  EXPECT_THAT(toldBefore, ElementsAre(0u));
+  EXPECT_THAT(told(*phone), SizeIs(1));
+}
+
+TEST_F(ClientSessionMirrorTest, AStartAndItsEndNeedNoHub) {
+  say(start);
+  hub.reset();
+  change();
+  EXPECT_THAT(phone->frames, SizeIs(1));
+  say(start);
+  EXPECT_THAT(told(*phone), SizeIs(2));
+  say(stop);
+  EXPECT_EQ(screen.running, 0);
+  say(start);
+  phone->drop();
+  clock.runDue();
+  EXPECT_EQ(screen.running, 0);
+}
+
+TEST_F(ClientSessionMirrorTest, APongMayComeBeforeTheAnswerToAStart) {
+  phone->text(start);
+  phone->text(R"({"t":"ping"})");
+  clock.runDue();
+  std::vector<std::string> kinds;
+  for (const auto& message : phone->received()) kinds.emplace_back(message.at("t").as_string());
+  EXPECT_THAT(kinds, ElementsAre("hello", "ready", "pong", "mirrorReady"));
+}
+
 TEST_F(ClientSessionMirrorTest, AStartThatIsDoneAfterTheStopIsToldOf) {
   phone->text(start);
   phone->text(stop);
