@@ -60,6 +60,7 @@ SessionServices withMirror(const SessionServices& services, ScreenRecordingAcces
   return {.apps = services.apps,
           .events = services.events,
           .keyboard = services.keyboard,
+          .keys = services.keys,
           .machine = services.machine,
           .media = services.media,
           .mirror = mirror,

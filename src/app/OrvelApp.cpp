@@ -30,6 +30,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
       mirrorQueue_(swiftWorkers_.makeSerialQueue()),
       apps_(platform.workspace(), platform.bundles()),
       keyboard_(platform.events(), clock_),
+      keys_(platform.events()),
       media_(platform.events()),
       mirror_({.access = platform.screenRecording(),
                .capture = platform.capture(),
@@ -47,6 +48,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
       services_{.apps = apps_,
                 .events = platform.events(),
                 .keyboard = keyboard_,
+                .keys = keys_,
                 .machine = platform.machine(),
                 .media = media_,
                 .mirror = mirror_,
@@ -137,6 +139,9 @@ int OrvelApp::run(const Start& start) {
   // use.
   network_.finish();
   sessionWorkers_.finish();
+  // What sessions still hold that were not taken down in time, or that work has pressed whose rest was dropped.
+  keys_.releaseAll();
+  platform_.events().flush();
   swiftWorkers_.finish();
   mirror_.finish();
   return exitCode;

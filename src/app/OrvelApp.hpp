@@ -9,6 +9,7 @@
 #include "base/WorkerThreads.hpp"
 #include "catalog/AppCatalog.hpp"
 #include "input/CursorSnap.hpp"
+#include "input/HeldKeys.hpp"
 #include "input/KeyboardDriver.hpp"
 #include "input/MediaDriver.hpp"
 #include "input/PermissionGate.hpp"
@@ -68,6 +69,7 @@ class OrvelApp {
   const std::unique_ptr<Executor> mirrorQueue_;
   AppCatalog apps_;
   KeyboardDriver keyboard_;
+  HeldKeys keys_;
   MediaDriver media_;
   ScreenMirror mirror_;
   PairingStore pairing_;

@@ -1,30 +1,58 @@
 #pragma once
 
+#include "base/Guarded.hpp"
 #include "input/InputEvent.hpp"
 
 #include <cstdint>
-#include <set>
+#include <map>
+#include <vector>
 
 namespace orvel {
 
 class EventPoster;
 
-/// Posts the key strokes of one phone and remembers which keys it holds down, so that none stays down when the phone
-/// goes: a desktop would repeat it for ever.
+/// Posts the key strokes of all phones and remembers which of them hold a key down. It goes up when the last one lets
+/// go of it, and none stays down when its phone goes: a desktop would repeat it for ever.
 ///
-/// Threads: one at a time. `EventPoster::flush` is left to the caller.
+/// Threads: any. `EventPoster::flush` is left to the caller.
 class HeldKeys {
  public:
+  /// One phone among the others.
+  using Phone = std::uint64_t;
+
   explicit HeldKeys(EventPoster& events);
 
-  void post(const KeyEvent& event);
+  /// A phone that holds nothing yet.
+  Phone addPhone();
 
-  /// Releases every key that is still down.
+  /// Posts a press, or a release unless another phone still holds the key. What the desktop refuses changes nothing.
+  void post(Phone phone, const KeyEvent& event);
+
+  /// Lets go of every key that the phone still holds.
+  void releaseAll(Phone phone);
+
+  /// The same for all phones.
   void releaseAll();
 
  private:
+  using Holders = std::vector<Phone>;
+
+  struct State {
+    Phone phones = 0;  // that there have been
+    std::map<std::uint16_t, Holders> keys;
+  };
+
+  struct Release {
+    bool wasHeld;  // by that phone
+    bool isLast;   // nobody else holds it
+  };
+
+  void press(Phone phone, const KeyEvent& event);
+  void release(Phone phone, const KeyEvent& event);
+  static Release letGo(State& state, std::uint16_t keyCode, Phone phone);
+
   EventPoster& events_;
-  std::set<std::uint16_t> down_;
+  Guarded<State> state_;
 };
 
 }  // namespace orvel

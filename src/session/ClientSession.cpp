@@ -32,7 +32,7 @@ ClientSession::ClientSession(std::unique_ptr<Transport> transport, std::weak_ptr
       work_(services.queues.makeSerialQueue()),
       nonce_(services.pairing.randomNonce()),
       deviceName_("iPhone"),
-      heldKeys_(services.events) {}
+      phone_(services.keys.addPhone()) {}
 
 ClientSession::~ClientSession() = default;
 
@@ -197,7 +197,7 @@ void ClientSession::cancel() {
 
 void ClientSession::letGo() {
   services_.pointer.releaseAll();
-  heldKeys_.releaseAll();
+  services_.keys.releaseAll(phone_);
   services_.events.flush();
 }
 
@@ -236,7 +236,7 @@ void ClientSession::finishPending() {
     finishLater();
     return;
   }
-  heldKeys_.releaseAll();
+  services_.keys.releaseAll(phone_);
   services_.events.flush();
   lingers_ = false;
   if (const auto hub = hub_.lock()) hub->leave(id_);

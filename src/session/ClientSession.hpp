@@ -42,6 +42,7 @@ struct SessionServices {
   AppCatalog& apps;
   EventPoster& events;
   KeyboardDriver& keyboard;
+  HeldKeys& keys;
   const Machine& machine;
   MediaDriver& media;
   ScreenMirror& mirror;
@@ -145,7 +146,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   const std::string nonce_;
   std::atomic<bool> authenticated_ = false;
   Guarded<std::string> deviceName_;
-  HeldKeys heldKeys_;
+  const HeldKeys::Phone phone_;
   std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
   PendingMessages pending_;               // read, but not handled for the backlog's sake
   bool handlesPendingSoon_ = false;

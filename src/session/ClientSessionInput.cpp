@@ -52,7 +52,7 @@ void ClientSession::carryOut(const FrameDecoder::Scroll& scroll) {
 }
 
 void ClientSession::carryOut(const FrameDecoder::Key& key) {
-  heldKeys_.post({.keyCode = key.keyCode, .down = key.down, .flags = flagsOf(key.modifiers)});
+  services_.keys.post(phone_, {.keyCode = key.keyCode, .down = key.down, .flags = flagsOf(key.modifiers)});
 }
 
 void ClientSession::carryOut(const FrameDecoder::Text& text) {

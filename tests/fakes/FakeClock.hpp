@@ -13,6 +13,8 @@ namespace orvel {
 /// Time that stands still until a test moves it. All of its queues run on the test's thread.
 class FakeClock final : public Clock {
  public:
+  explicit FakeClock(Seconds start = Seconds(1000)) : now_(start) {}
+
   Seconds now() const override { return now_; }
 
   void sleep(Seconds duration) override {
@@ -41,7 +43,7 @@ class FakeClock final : public Clock {
   std::vector<Seconds> sleeps;
 
  private:
-  Seconds now_{1000};
+  Seconds now_;
   std::multimap<Seconds, Task> tasks_;
 };
 

@@ -6,6 +6,7 @@
 #include "fakes/ScriptedScreen.hpp"
 #include "fakes/ScriptedTree.hpp"
 #include "input/CursorSnap.hpp"
+#include "input/HeldKeys.hpp"
 #include "input/KeyboardDriver.hpp"
 #include "input/MediaDriver.hpp"
 #include "input/PermissionGate.hpp"
@@ -29,11 +30,13 @@ struct Rules {
         permission(desktop),
         pointer(desktop, desktop, clock, *pointerQueue),
         keyboard(desktop, clock),
+        keys(desktop),
         media(desktop),
         snap({.clock = clock, .permission = permission, .pointer = pointer, .queue = *snapQueue, .tree = tree}),
         services{.apps = apps,
                  .events = desktop,
                  .keyboard = keyboard,
+                 .keys = keys,
                  .machine = machine,
                  .media = media,
                  .mirror = mirror,
@@ -50,6 +53,7 @@ struct Rules {
     return {.apps = services.apps,
             .events = services.events,
             .keyboard = services.keyboard,
+            .keys = services.keys,
             .machine = services.machine,
             .media = services.media,
             .mirror = services.mirror,
@@ -76,6 +80,7 @@ struct Rules {
   PermissionGate permission;
   PointerDriver pointer;
   KeyboardDriver keyboard;
+  HeldKeys keys;
   MediaDriver media;
   CursorSnap snap;
   ScreenMirror mirror{{.access = screen, .capture = screen, .encoder = encoder, .queue = *mirrorQueue}};

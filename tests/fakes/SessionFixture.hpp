@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 namespace orvel {
 
@@ -28,9 +29,20 @@ struct SessionFixture : testing::Test, SessionWorld {
     ASSERT_TRUE(session->authenticated());
   }
 
+  /// A second phone, or a third, that has proved its token.
+  std::shared_ptr<FakeWire> connectAnother() {
+    auto wire = std::make_shared<FakeWire>(clock);
+    others.push_back(makeSession(wire));
+    wire->open();
+    authenticate(*wire);
+    EXPECT_TRUE(others.back()->authenticated());
+    return wire;
+  }
+
   std::shared_ptr<RecordingHub> hub = std::make_shared<RecordingHub>();
   std::shared_ptr<FakeWire> phone = std::make_shared<FakeWire>(clock);
   std::shared_ptr<ClientSession> session = makeSession(phone);
+  std::vector<std::shared_ptr<ClientSession>> others;
 };
 
 }  // namespace orvel

@@ -233,6 +233,16 @@ TEST_F(PointerDriverTest, ItsOwnPlacementCountsForAFifthOfASecond) {
   EXPECT_EQ(pointer.currentAuthoritative(), (Point{700, 700}));
 }
 
+TEST_F(PointerDriverTest, AFifthOfASecondIncludesItsLastMoment) {
+  FakeClock fromZero(Seconds(0));  // so that the difference of the two moments is exact
+  FakeExecutor queue(fromZero);
+  PointerDriver placed(desktop, desktop, fromZero, queue);
+  placed.place({300, 200}, false);
+  desktop.pointer = Point{700, 700};
+  fromZero.advance(Seconds(0.2));
+  EXPECT_EQ(placed.currentAuthoritative(), (Point{300, 200}));
+}
+
 TEST_F(PointerDriverTest, APlacementAtTheOriginDoesNotCount) {
   pointer.moveRelative(-500, -500);
   clock.runDue();
@@ -244,6 +254,17 @@ TEST_F(PointerDriverTest, AbsoluteMotionAloneDoesNotOverruleTheSystem) {
   pointer.moveAbsolute(0.5, 0.5);
   desktop.pointer = Point{700, 700};
   EXPECT_EQ(pointer.currentAuthoritative(), (Point{700, 700}));
+}
+
+TEST_F(PointerDriverTest, AbsoluteMotionDoesNotProlongTheTimeOfAnEarlierPlacement) {
+  pointer.moveRelative(1, 0);
+  clock.runDue();
+  clock.advance(Seconds(0.15));
+  pointer.moveAbsolute(0.5, 0.5);
+  desktop.pointer = Point{700, 700};
+  EXPECT_EQ(pointer.currentAuthoritative(), (Point{500, 400})) << "the earlier placement is recent";
+  clock.advance(Seconds(0.1));
+  EXPECT_EQ(pointer.currentAuthoritative(), (Point{700, 700})) << "and then no more";
 }
 
 TEST_F(PointerDriverTest, WithoutASystemPositionTheLastKnownOneHolds) {

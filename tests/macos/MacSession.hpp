@@ -54,6 +54,7 @@ struct MacSession : MacSurroundings, Rules {
   const SessionServices servicesOfMac{.apps = apps,
                                       .events = desktop,
                                       .keyboard = keyboard,
+                                      .keys = keys,
                                       .machine = machine,
                                       .media = media,
                                       .mirror = mirror,

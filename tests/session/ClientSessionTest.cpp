@@ -111,14 +111,46 @@ TEST_F(ClientSessionTest, AnUnauthenticatedPhoneReleasesNothing) {
 TEST_F(ClientSessionTest, AKeyThatWasLeftDownIsReleasedWithItsPhone) {
   openAuthenticated();
   phone->binary({4, 8, 0, 1, 1});
-  const auto other = std::make_shared<FakeWire>(clock);
-  const auto second = makeSession(other);
-  other->open();
-  authenticate(*other);
+  const auto other = connectAnother();
   other->binary({4, 9, 0, 1, 0});
   phone->drop();
   EXPECT_EQ(desktop.all<KeyEvent>().back(), (KeyEvent{.keyCode = 8, .down = false}));
   EXPECT_EQ(desktop.all<KeyEvent>().size(), 3u) << "the other phone's key stays down";
+  EXPECT_EQ(desktop.flushed, desktop.posted.size());
+}
+
+TEST_F(ClientSessionTest, AKeyThatTwoPhonesHoldIsReleasedWithTheLastOfThem) {
+  openAuthenticated();
+  const auto other = connectAnother();
+  phone->binary({4, 8, 0, 1, 0});
+  other->binary({4, 8, 0, 1, 0});
+  phone->drop();
+  EXPECT_TRUE(desktop.all<KeyEvent>().back().down) << "the other phone holds it still";
+  other->drop();
+  EXPECT_EQ(desktop.all<KeyEvent>().back(), (KeyEvent{.keyCode = 8, .down = false}));
+  EXPECT_EQ(desktop.all<KeyEvent>().size(), 3u);
+}
+
+TEST_F(ClientSessionTest, APhoneThatLeavesLetsGoOfTheButtonsOfAllPhones) {
+  openAuthenticated();
+  const auto other = connectAnother();
+  other->binary({2, 1, 1});
+  phone->drop();
+  EXPECT_EQ(desktop.all<MouseEvent>().back().type, MouseEventType::rightUp);
+  EXPECT_EQ(desktop.flushed, desktop.posted.size());
+}
+
+TEST_F(ClientSessionTest, WhatAPhoneHoldsIsReleasedAlsoWhenThePermissionHasGone) {
+  openAuthenticated();
+  phone->binary({2, 0, 1});
+  phone->binary({4, 8, 0, 1, 0});
+  desktop.trusted = false;
+  permission.refresh();
+  phone->binary({4, 8, 0, 0, 0});
+  EXPECT_TRUE(desktop.all<KeyEvent>().back().down) << "the permission counts for the frame";
+  phone->drop();
+  EXPECT_EQ(desktop.all<MouseEvent>().back().type, MouseEventType::leftUp);
+  EXPECT_EQ(desktop.all<KeyEvent>().back(), (KeyEvent{.keyCode = 8, .down = false}));
   EXPECT_EQ(desktop.flushed, desktop.posted.size());
 }
 
