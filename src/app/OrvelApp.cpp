@@ -1,6 +1,7 @@
 #include "app/OrvelApp.hpp"
 
 #include "app/ServerHub.hpp"
+#include "input/EventPoster.hpp"
 #include "input/TrustCheck.hpp"
 #include "platform/Platform.hpp"
 #include "session/Machine.hpp"

@@ -21,6 +21,7 @@ class KeyboardDriver {
 
   /// Has texts that are being typed end after their current piece, and all further ones before their first.
   void stop() { stopped_ = true; }
+  bool isStopped() const { return stopped_; }
 
  private:
   EventPoster& events_;

@@ -3,7 +3,6 @@
 #include "base/UTF8.hpp"
 #include "input/EventPoster.hpp"
 #include "input/FrameDecoder.hpp"
-#include "input/PointerDriver.hpp"
 #include "session/Machine.hpp"
 #include "session/PairingStore.hpp"
 
@@ -82,7 +81,7 @@ void ClientSession::receiveNext() {
     transport_->receive();
   } else if (authenticated_ && !wasPaused) {
     // Nobody would hear the phone release them.
-    letGo();
+    releaseAll();
   }
 }
 
@@ -195,14 +194,8 @@ void ClientSession::cancel() {
   transport_->queue().post([self = shared_from_this()] {});
 }
 
-void ClientSession::letGo() {
-  services_.pointer.releaseAll();
-  services_.keys.releaseAll(phone_);
-  services_.events.flush();
-}
-
 void ClientSession::teardown() {
-  if (authenticated_) letGo();
+  if (authenticated_) releaseAll();
   stopMirror();
   hasEnded_ = true;
   const auto hub = hub_.lock();

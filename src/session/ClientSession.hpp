@@ -101,7 +101,6 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   bool isFull() const;
   void handle(const Message& message);
   void handlePending();
-  void letGo();
   void teardown();
   void finishLater();
   void finishPending();
@@ -131,6 +130,10 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void carryOut(const FrameDecoder::Click& click);
   void carryOut(const FrameDecoder::MoveAbsolute& move);
 
+  void pressAfterTexts(Task press);
+  void typeLater(Task task, std::size_t cost);
+  void releaseAll();
+
   void sendText(std::string json);
   void handOff(Task task, std::size_t cost);
   void answerLater(std::function<boost::json::object()> compose, std::size_t cost);
@@ -150,6 +153,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
   PendingMessages pending_;               // read, but not handled for the backlog's sake
   bool handlesPendingSoon_ = false;
+  std::size_t typingLeft_ = 0;            // texts, and keys behind them, that are still to be typed
   bool readingPaused_ = false;
   bool readsToTheEnd_ = false;      // the phone sends no more, so there is little left to be read
   bool owningMirror_ = false;       // this session has started the capture and not stopped it since

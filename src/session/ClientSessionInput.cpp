@@ -1,10 +1,13 @@
 #include "catalog/AppCatalog.hpp"
+#include "input/EventPoster.hpp"
 #include "input/FrameDecoder.hpp"
 #include "input/KeyboardDriver.hpp"
 #include "input/MediaDriver.hpp"
 #include "input/PermissionGate.hpp"
 #include "input/PointerDriver.hpp"
 #include "session/ClientSession.hpp"
+
+#include <utility>
 
 namespace orvel {
 namespace {
@@ -52,15 +55,57 @@ void ClientSession::carryOut(const FrameDecoder::Scroll& scroll) {
 }
 
 void ClientSession::carryOut(const FrameDecoder::Key& key) {
-  services_.keys.post(phone_, {.keyCode = key.keyCode, .down = key.down, .flags = flagsOf(key.modifiers)});
+  const KeyEvent event{.keyCode = key.keyCode, .down = key.down, .flags = flagsOf(key.modifiers)};
+  pressAfterTexts([&keys = services_.keys, phone = phone_, event] { keys.post(phone, event); });
 }
 
 void ClientSession::carryOut(const FrameDecoder::Text& text) {
-  handOff([&keyboard = services_.keyboard, text = text.text] { keyboard.type(text); }, taskCost + text.text.size());
+  typeLater([&keyboard = services_.keyboard, text = text.text] { keyboard.type(text); }, taskCost + text.text.size());
 }
 
 void ClientSession::carryOut(const FrameDecoder::Media& media) {
-  if (const auto code = MediaDriver::code(media.code)) services_.media.press(*code);
+  const auto code = MediaDriver::code(media.code);
+  if (code) pressAfterTexts([&driver = services_.media, code = *code] { driver.press(code); });
+}
+
+/// Presses keys at once, or behind the texts and keys of this phone that are still to be typed.
+void ClientSession::pressAfterTexts(Task press) {
+  if (typingLeft_ == 0) {
+    press();
+    return;
+  }
+  typeLater(
+      [&keyboard = services_.keyboard, &events = services_.events, press = std::move(press)] {
+        // The text before it may have been broken off, and Return would send the half of it.
+        if (keyboard.isStopped()) return;
+        press();
+        events.flush();
+      },
+      taskCost);
+}
+
+void ClientSession::typeLater(Task task, std::size_t cost) {
+  ++typingLeft_;
+  handOff(
+      [self = weak_from_this(), &queue = transport_->queue(), task = std::move(task)] {
+        task();
+        queue.post([self] {
+          if (const auto session = self.lock()) --session->typingLeft_;
+        });
+      },
+      cost);
+}
+
+/// Lets go of what the phone holds down, and once more behind the keys of it that are still to come.
+void ClientSession::releaseAll() {
+  services_.pointer.releaseAll();
+  services_.keys.releaseAll(phone_);
+  services_.events.flush();
+  if (typingLeft_ == 0) return;
+  work_->post([&keys = services_.keys, &events = services_.events, phone = phone_] {
+    keys.releaseAll(phone);
+    events.flush();
+  });
 }
 
 void ClientSession::carryOut(const FrameDecoder::App& app) {

@@ -172,6 +172,142 @@ TEST_F(ClientSessionInputTest, TextAndApplicationsAreSeenToWhenThePhoneHasLeft) 
   EXPECT_THAT(computer.terminated, ElementsAre(7u));
 }
 
+constexpr std::uint8_t keyReturn = 36;
+constexpr std::uint8_t keyShift = 56;
+
+std::vector<std::uint8_t> keyFrame(std::uint8_t keyCode, bool down) {
+  return {4, keyCode, 0, static_cast<std::uint8_t>(down ? 1 : 0), 0};
+}
+
+/// What was typed and pressed, in order: texts as they are, "+36" and "-36" for keys, "media" for each event of those.
+std::vector<std::string> typedAndPressed(const RecordingDesktop& desktop) {
+  std::vector<std::string> log;
+  for (const PostedEvent& event : desktop.posted) {
+    const auto* text = std::get_if<TextEvent>(&event);
+    const auto* key = std::get_if<KeyEvent>(&event);
+    if (text && text->down) log.emplace_back(text->text.begin(), text->text.end());
+    if (key) log.push_back((key->down ? "+" : "-") + std::to_string(key->keyCode));
+    if (std::holds_alternative<SystemDefinedEvent>(event)) log.emplace_back("media");
+  }
+  return log;
+}
+
+TEST_F(ClientSessionInputTest, AKeyComesAfterTheTextsBeforeIt) {
+  phone->binary(textFrame(std::string(20, 'x')));
+  phone->binary(textFrame("y"));
+  phone->binary(keyFrame(keyReturn, true));
+  phone->binary(keyFrame(keyReturn, false));
+  phone->binary(textFrame("z"));
+  EXPECT_THAT(desktop.posted, IsEmpty());
+  clock.runDue();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("xxxxxxxxxxxxxxxx", "xxxx", "y", "+36", "-36", "z"));
+  EXPECT_EQ(desktop.flushed, desktop.posted.size() - 2) << "a text needs no flush";
+}
+
+TEST_F(ClientSessionInputTest, AMediaKeyComesAfterTheTextsAndKeysBeforeIt) {
+  phone->binary(textFrame("x"));
+  phone->binary(keyFrame(keyReturn, true));
+  phone->binary({6, 16});
+  phone->binary(keyFrame(keyReturn, false));
+  EXPECT_THAT(desktop.posted, IsEmpty());
+  clock.runDue();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("x", "+36", "media", "media", "-36"));
+  EXPECT_EQ(desktop.flushed, desktop.posted.size());
+}
+
+TEST_F(ClientSessionInputTest, KeysThatAreHeldAroundATextStayAroundIt) {
+  phone->binary(keyFrame(keyShift, true));
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("+56")) << "nothing was to be typed";
+  phone->binary(textFrame("x"));
+  phone->binary(keyFrame(keyShift, false));
+  clock.runDue();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("+56", "x", "-56"));
+}
+
+TEST_F(ClientSessionInputTest, OnceATextIsTypedKeysActAtOnceAgain) {
+  phone->binary(textFrame("x"));
+  phone->binary(keyFrame(keyReturn, true));
+  clock.advance(Seconds(1));
+  phone->binary(keyFrame(keyReturn, false));
+  phone->binary({6, 16});
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("x", "+36", "-36", "media", "media"));
+}
+
+TEST_F(ClientSessionInputTest, PhonesDoNotWaitForEachOthersTexts) {
+  const auto other = connectAnother();
+  phone->binary(textFrame("x"));
+  other->binary(keyFrame(keyReturn, true));
+  other->binary({6, 16});
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("+36", "media", "media"));
+}
+
+TEST_F(ClientSessionInputTest, ClicksAndWheelsDoNotWaitForTexts) {
+  phone->binary(textFrame("x"));
+  phone->binary(keyFrame(keyReturn, true));
+  phone->binary({8, 0, 1});
+  phone->binary({3, 0, 0, 40, 0});
+  EXPECT_EQ(desktop.all<MouseEvent>().size(), 2u);
+  EXPECT_EQ(desktop.all<ScrollEvent>().size(), 1u);
+  EXPECT_THAT(typedAndPressed(desktop), IsEmpty());
+}
+
+TEST_F(ClientSessionInputTest, WhatWaitsForAnApplicationIsNoText) {
+  phone->binary(appFrame(0, "ab"));
+  phone->binary(keyFrame(keyReturn, true));
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("+36"));
+}
+
+TEST_F(ClientSessionInputTest, AFloodOfKeysBehindATextIsReadNoFurtherUntilItIsTyped) {
+  phone->binary(textFrame("x"));
+  for (int stroke = 0; stroke < 5000; ++stroke) phone->binary(keyFrame(keyReturn, stroke % 2 == 0));
+  EXPECT_GT(phone->incoming.size(), 3900u);
+  clock.advance(Seconds(60));
+  EXPECT_THAT(phone->incoming, IsEmpty());
+  EXPECT_EQ(desktop.all<KeyEvent>().size(), 5000u);
+}
+
+TEST_F(ClientSessionInputTest, KeysBehindTheTextsOfAPhoneThatHasLeftArePressedAndReleased) {
+  phone->binary(textFrame("last words"));
+  phone->binary(keyFrame(keyReturn, true));
+  phone->binary(keyFrame(keyReturn, false));
+  phone->binary(keyFrame(keyShift, true));
+  phone->drop();
+  session.reset();
+  clock.runDue();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("last words", "+36", "-36", "+56", "-56"));
+  EXPECT_EQ(desktop.flushed, desktop.posted.size());
+}
+
+TEST_F(ClientSessionInputTest, WhatIsHeldWhenAPhoneLeavesDoesNotWaitForItsTexts) {
+  phone->binary(keyFrame(keyShift, true));
+  phone->binary(textFrame("x"));
+  phone->binary(keyFrame(keyShift, false));
+  phone->drop();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("+56", "-56"));
+  EXPECT_EQ(desktop.flushed, desktop.posted.size());
+}
+
+TEST_F(ClientSessionInputTest, NoKeyIsPressedBehindATextThatWasBrokenOff) {
+  phone->binary(textFrame("half a message"));
+  phone->binary(keyFrame(keyReturn, true));
+  phone->binary({6, 16});
+  keyboard.stop();
+  clock.runDue();
+  EXPECT_THAT(desktop.posted, IsEmpty());
+}
+
+TEST_F(ClientSessionInputTest, ThePermissionCountsForAKeyWhenItsFrameComes) {
+  phone->binary(textFrame("x"));
+  phone->binary(keyFrame(keyReturn, true));
+  desktop.trusted = false;
+  permission.refresh();
+  phone->binary(keyFrame(keyReturn, false));
+  clock.runDue();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("x", "+36")) << "as for its text";
+  phone->drop();
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("x", "+36", "-36"));
+}
+
 TEST_F(ClientSessionInputTest, AMediaFrameIsOnePressAndRelease) {
   phone->binary({6, 16});
   EXPECT_THAT(desktop.all<SystemDefinedEvent>(), ElementsAre(testing::Field(&SystemDefinedEvent::data1, 0x100a00),
