@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <string>
+#include <vector>
 
 namespace orvel {
 namespace {
@@ -13,6 +14,10 @@ using Kind = X11Witness::Kind;
 
 constexpr int volumeUpKey = 123;
 constexpr int letterX = 53;
+constexpr int returnKey = 36;  // the virtual key code and that of X are the same
+constexpr int shiftKey = 50;
+constexpr int levelKey = 92;
+constexpr std::uint16_t virtualShiftKey = 0x38;
 
 struct TypingTest : ProgramFixture {
   std::size_t typedCharacters() const {
@@ -27,6 +32,19 @@ struct TypingTest : ProgramFixture {
       return std::any_of(inputs.begin(), inputs.end(),
                          [&](const auto& input) { return input.kind == Kind::motion && input.x == x && input.y == y; });
     });
+  }
+
+  static void press(phone::PhoneClient& phone, std::uint16_t keyCode) {
+    for (const bool down : {true, false}) phone.sendFrame(phone::keyFrame(keyCode, down, 0));
+  }
+
+  /// The keys that went down so far, by their numbers in X, but for the one that has programs fetch the map.
+  std::vector<int> pressedKeys() const {
+    std::vector<int> keys;
+    for (const auto& input : witness.inputs()) {
+      if (input.kind == Kind::keyDown && input.detail != levelKey) keys.push_back(input.detail);
+    }
+    return keys;
   }
 
   static constexpr std::size_t longest = phone::longestFrameText;
@@ -56,6 +74,52 @@ TEST_F(TypingTest, WhileALongTextIsTypedThePointerFollowsAllPhonesAndTheProgramC
   EXPECT_EQ(host.process().waitForExit(Milliseconds(4000)), 0);
   typed += typedCharacters();
   EXPECT_LT(typed, longest) << "the program does not stay for the rest of a text";
+}
+
+TEST_F(TypingTest, KeysAndMediaKeysComeAfterTheTextsBeforeThem) {
+  auto phone = connectPaired();
+  phone.sendFrame(*phone::textFrame(std::string(100, 'x')));
+  press(phone, returnKey);
+  phone.sendFrame(*phone::textFrame("x"));
+  phone.sendFrame(phone::mediaFrame(0));
+  ASSERT_TRUE(waitForInput(Kind::keyUp, volumeUpKey));
+  std::vector<int> expected(100, letterX);
+  expected.insert(expected.end(), {returnKey, letterX, volumeUpKey});
+  EXPECT_EQ(pressedKeys(), expected);
+}
+
+TEST_F(TypingTest, AKeyComesAfterACharacterThatNoKeyHas) {
+  auto phone = connectPaired();
+  phone.sendFrame(*phone::textFrame("\u00e9"));
+  press(phone, returnKey);
+  ASSERT_TRUE(waitForInput(Kind::keyUp, returnKey));
+  ASSERT_FALSE(phone.finishWork(phonePatience));
+  witness.catchUp();
+  EXPECT_GE(pressedKeys().size(), 2u);
+  EXPECT_EQ(pressedKeys().back(), returnKey);
+}
+
+TEST_F(TypingTest, KeysDoNotWaitForTheTextsOfOtherPhones) {
+  auto writer = connectPaired("Writer");
+  auto other = connectPaired("Other");
+  writer.sendFrame(*phone::textFrame(std::string(longest, 'x')));
+  ASSERT_TRUE(waitForInput(Kind::keyUp, letterX));
+  press(other, returnKey);
+  ASSERT_TRUE(waitForInput(Kind::keyUp, returnKey));
+  EXPECT_LT(typedCharacters(), longest);
+}
+
+TEST_F(TypingTest, KeysBehindTheTextOfAPhoneThatLeavesArePressedAndReleased) {
+  auto phone = connectPaired();
+  phone.sendFrame(*phone::textFrame(std::string(100, 'x')));
+  press(phone, returnKey);
+  phone.sendFrame(phone::keyFrame(virtualShiftKey, true, 0));
+  settle(phone);
+  phone.reset();
+  ASSERT_TRUE(waitForInput(Kind::keyUp, shiftKey));
+  std::vector<int> expected(100, letterX);
+  expected.insert(expected.end(), {returnKey, shiftKey});
+  EXPECT_EQ(pressedKeys(), expected);
 }
 
 TEST_F(TypingTest, AMediaKeyIsPressedAndReleasedOnce) {
