@@ -18,8 +18,8 @@ class EventPoster {
   virtual bool post(const KeyEvent& event) = 0;
   virtual bool post(const SystemDefinedEvent& event) = 0;
 
-  /// The same, but not for the input path: the press of a text may last until the programs of the desktop are ready to
-  /// take it, for seconds when they hang, and needs no `flush`.
+  /// The same for a whole stroke, all of it or nothing, but not for the input path: it may last until the programs of
+  /// the desktop are ready to take the text, for seconds when they hang. It needs no `flush`.
   virtual bool post(const TextEvent& event) = 0;
 
   /// Where the pointer is, events posted but not yet flushed included. Nothing when the desktop cannot tell.

@@ -58,10 +58,9 @@ struct KeyEvent {
   friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
 };
 
-/// One press or release of a key that carries text of its own, whatever the keyboard's layout has there.
+/// The press and the release of a key that carries text of its own, whatever the keyboard's layout has there.
 struct TextEvent {
   std::u16string text;  ///< UTF-16.
-  bool down = false;
 
   friend bool operator==(const TextEvent&, const TextEvent&) = default;
 };

@@ -20,10 +20,7 @@ KeyboardDriver::KeyboardDriver(EventPoster& events, Clock& clock) : events_(even
 void KeyboardDriver::type(std::string_view text) {
   for (const std::string_view chunk : chunked(text, charactersInChunk)) {
     if (stopped_) return;
-    TextEvent event{.text = utf16(chunk), .down = true};
-    events_.post(event);
-    event.down = false;
-    events_.post(event);
+    events_.post(TextEvent{.text = utf16(chunk)});
     clock_.sleep(pause);
   }
 }

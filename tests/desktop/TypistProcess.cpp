@@ -15,7 +15,7 @@ int main(int count, char** arguments) {
   if (!connection) return 1;
   const orvel::SystemDisplays displays(*connection);
   orvel::SystemEventPoster events(*connection, displays);
-  if (!events.post(orvel::TextEvent{.text = orvel::utf16(arguments[2]), .down = true})) return 1;
+  if (!events.post(orvel::TextEvent{.text = orvel::utf16(arguments[2])})) return 1;
   std::puts("typed");
   std::fflush(stdout);
   pause();

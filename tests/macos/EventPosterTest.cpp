@@ -34,11 +34,7 @@ class EventPosterTest : public MacTest {
             poster_.post(ScrollEvent{}), poster_.post(KeyEvent{}), poster_.post(SystemDefinedEvent{})};
   }
 
-  bool type(const std::u16string& text) {
-    const bool pressed = poster_.post(TextEvent{.text = text, .down = true});
-    const bool released = poster_.post(TextEvent{.text = text, .down = false});
-    return pressed && released;
-  }
+  bool type(const std::u16string& text) { return poster_.post(TextEvent{.text = text}); }
 
   void moveTo(double x, double y) { ASSERT_TRUE(poster_.post(MouseEvent{.position = {x, y}})); }
 
@@ -223,7 +219,7 @@ TEST_F(EventPosterTest, ADisplayThatSleepsWakesForInputOfEveryKind) {
     if (kind == 2) poster_.post(ScrollEvent{});
     if (kind == 3) poster_.post(KeyEvent{});
     if (kind == 4) poster_.post(SystemDefinedEvent{});
-    if (kind == 5) poster_.post(TextEvent{.text = u"a", .down = true});
+    if (kind == 5) poster_.post(TextEvent{.text = u"a"});
     EXPECT_FALSE(fake::powerManagement().displaySleeps) << kind;
   }
 }
@@ -266,9 +262,7 @@ TEST_F(EventPosterTest, ToAskWhereThePointerIsWakesNoDisplay) {
 }
 
 TEST_F(EventPosterTest, AShortTextIsOneStroke) {
-  ASSERT_TRUE(poster_.post(TextEvent{.text = u"Zürich", .down = true}));
-  EXPECT_THAT(posted_, ElementsAre(stroke(u"Zürich", true)));
-  ASSERT_TRUE(poster_.post(TextEvent{.text = u"Zürich", .down = false}));
+  ASSERT_TRUE(type(u"Zürich"));
   EXPECT_THAT(posted_, ElementsAre(stroke(u"Zürich", true), stroke(u"Zürich", false)));
 }
 
@@ -279,19 +273,21 @@ TEST_F(EventPosterTest, TextIsNoShortcutWhateverModifierIsHeld) {
 }
 
 TEST_F(EventPosterTest, EachStrokeOfALongTextIsReleasedBeforeTheNext) {
-  ASSERT_TRUE(poster_.post(TextEvent{.text = u"👍👍👍👍👍👍👍👍👍👍👎", .down = true}));
+  ASSERT_TRUE(type(u"👍👍👍👍👍👍👍👍👍👍👎"));
   const std::u16string first = u"👍👍👍👍👍👍👍👍👍👍";
-  EXPECT_THAT(posted_, ElementsAre(stroke(first, true), stroke(first, false), stroke(u"👎", true)));
-  posted_.clear();
-  ASSERT_TRUE(poster_.post(TextEvent{.text = u"👍👍👍👍👍👍👍👍👍👍👎", .down = false}));
-  EXPECT_THAT(posted_, ElementsAre(stroke(u"👎", false)));
+  EXPECT_THAT(posted_, ElementsAre(stroke(first, true), stroke(first, false), stroke(u"👎", true), stroke(u"👎", false)));
 }
 
-TEST_F(EventPosterTest, ALongTextArrivesWholeOrNotAtAll) {
-  const std::u16string text(50, u'x');
-  fake::quartz().creationsLeft = 4;
-  EXPECT_FALSE(poster_.post(TextEvent{.text = text, .down = true}));
-  EXPECT_THAT(posted_, IsEmpty());
+TEST_F(EventPosterTest, ATextArrivesWholeOrNotAtAll) {
+  const std::u16string text(50, u'x');  // three strokes
+  for (int creations = 0; creations < 6; ++creations) {
+    fake::quartz().creationsLeft = creations;
+    EXPECT_FALSE(type(text));
+    EXPECT_THAT(posted_, IsEmpty()) << "only " << creations << " events can be made";
+  }
+  fake::quartz().creationsLeft = 6;
+  EXPECT_TRUE(type(text));
+  EXPECT_THAT(posted_, SizeIs(6));
 }
 
 TEST_F(EventPosterTest, NoTextIsNoStroke) {

@@ -230,6 +230,19 @@ TEST_F(InputRulesTest, SixteenCharactersThatAreTooLongForOneEventArriveWhole) {
   EXPECT_THAT(mac_->clock.sleeps, ElementsAre(Seconds(0.002)));
 }
 
+TEST_F(InputRulesTest, APieceOfATextOfWhichOneEventCannotBeMadeIsLeftOut) {
+  fake::quartz().creationsLeft = 3;
+  sendText(std::string(16, 'x') + std::string(16, 'y'));
+  EXPECT_THAT(posted_, ElementsAre(isStroke(true, 16), isStroke(false, 16)));
+  EXPECT_EQ(posted_.back().text, std::u16string(16, u'x'));
+}
+
+TEST_F(InputRulesTest, APieceOfATextWhosePressCannotBeMadeIsNotReleased) {
+  fake::quartz().creationsToFail = 1;
+  sendText("x");
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
 TEST_F(InputRulesTest, WithoutThePermissionNothingIsPosted) {
   fake::trust().isGranted = false;
   mac_->permission.refresh();

@@ -131,7 +131,7 @@ TEST_F(ClientSessionInputTest, TextIsTypedOffTheNetworkThread) {
   phone->binary(textFrame("h\u00e9"));
   EXPECT_THAT(desktop.posted, IsEmpty());
   clock.runDue();
-  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"h\u00e9", true}, TextEvent{u"h\u00e9", false}));
+  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"h\u00e9"}));
 }
 
 TEST_F(ClientSessionInputTest, TextsAreTypedInTheOrderInWhichTheyCame) {
@@ -140,9 +140,7 @@ TEST_F(ClientSessionInputTest, TextsAreTypedInTheOrderInWhichTheyCame) {
   phone->binary(textFrame("three"));
   clock.runDue();
   std::u16string typed;
-  for (const TextEvent& event : desktop.all<TextEvent>()) {
-    if (event.down) typed += event.text;
-  }
+  for (const TextEvent& event : desktop.all<TextEvent>()) typed += event.text;
   EXPECT_EQ(typed, u"onetwothree");
 }
 
@@ -156,7 +154,7 @@ TEST_F(ClientSessionInputTest, MotionDoesNotWaitForTheLongestText) {
   EXPECT_THAT(desktop.all<TextEvent>(), IsEmpty());
   clock.runDue();
   std::size_t typed = 0;
-  for (const TextEvent& event : desktop.all<TextEvent>()) typed += event.down ? event.text.size() : 0;
+  for (const TextEvent& event : desktop.all<TextEvent>()) typed += event.text.size();
   EXPECT_EQ(typed, longest.size());
 }
 
@@ -167,7 +165,7 @@ TEST_F(ClientSessionInputTest, TextAndApplicationsAreSeenToWhenThePhoneHasLeft) 
   phone->drop();
   session.reset();
   clock.runDue();
-  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"last words", true}, TextEvent{u"last words", false}));
+  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"last words"}));
   clock.advance(Seconds(1));
   EXPECT_THAT(computer.terminated, ElementsAre(7u));
 }
@@ -185,7 +183,7 @@ std::vector<std::string> typedAndPressed(const RecordingDesktop& desktop) {
   for (const PostedEvent& event : desktop.posted) {
     const auto* text = std::get_if<TextEvent>(&event);
     const auto* key = std::get_if<KeyEvent>(&event);
-    if (text && text->down) log.emplace_back(text->text.begin(), text->text.end());
+    if (text) log.emplace_back(text->text.begin(), text->text.end());
     if (key) log.push_back((key->down ? "+" : "-") + std::to_string(key->keyCode));
     if (std::holds_alternative<SystemDefinedEvent>(event)) log.emplace_back("media");
   }
@@ -201,7 +199,7 @@ TEST_F(ClientSessionInputTest, AKeyComesAfterTheTextsBeforeIt) {
   EXPECT_THAT(desktop.posted, IsEmpty());
   clock.runDue();
   EXPECT_THAT(typedAndPressed(desktop), ElementsAre("xxxxxxxxxxxxxxxx", "xxxx", "y", "+36", "-36", "z"));
-  EXPECT_EQ(desktop.flushed, desktop.posted.size() - 2) << "a text needs no flush";
+  EXPECT_EQ(desktop.flushed, desktop.posted.size() - 1) << "a text needs no flush";
 }
 
 TEST_F(ClientSessionInputTest, AMediaKeyComesAfterTheTextsAndKeysBeforeIt) {

@@ -167,8 +167,7 @@ bool SystemEventPoster::post(const SystemDefinedEvent& event) {
 }
 
 bool SystemEventPoster::post(const TextEvent& event) {
-  if (!canPost()) return false;
-  return !event.down || typist_.type(event.text);
+  return canPost() && typist_.type(event.text);
 }
 
 std::optional<Point> SystemEventPoster::pointerLocation() {

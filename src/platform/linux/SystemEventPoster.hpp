@@ -22,8 +22,6 @@ class X11Connection;
 /// shortcut modifier of this desktop, and function is nothing. Wheels turn in notches; what is left of one is
 /// kept, whichever phone turns next.
 ///
-/// Text is typed when its press is posted; its release is nothing.
-///
 /// On Xwayland nothing is ever posted, nor sent to find out whether it could be: see `isXwayland`.
 ///
 /// Threads: any. Only `pointerLocation` and text wait for the server. `handle` is for the thread of the connection.

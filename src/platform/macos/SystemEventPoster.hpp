@@ -8,8 +8,7 @@ namespace orvel {
 
 /// Posts input where that of the mouse and the keyboard enters the system. Every event is sent at once.
 ///
-/// A text that is too long for one event goes out as several strokes, each released before the next is pressed: the
-/// press of the text is all of that but the last release, which is the release of the text.
+/// A text that is too long for one event goes out as several strokes, each released before the next is pressed.
 ///
 /// A display that sleeps wakes for it. The pointer is where it was put last, even while the system does not say so yet.
 ///

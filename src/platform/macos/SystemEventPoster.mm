@@ -7,7 +7,6 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -103,11 +102,9 @@ bool SystemEventPoster::post(const TextEvent& event) {
     const auto pieces = textPieces(event.text);
     if (pieces.empty()) return false;
     std::vector<Event> events;
-    for (std::size_t at = 0; event.down && at < pieces.size(); ++at) {
-      if (at > 0) events.push_back(makeText(pieces[at - 1], false));
-      events.push_back(makeText(pieces[at], true));
+    for (const std::u16string& piece : pieces) {
+      for (const bool down : {true, false}) events.push_back(makeText(piece, down));
     }
-    if (!event.down) events.push_back(makeText(pieces.back(), false));
     // All of the text or nothing of it.
     if (std::find(events.begin(), events.end(), nullptr) != events.end()) return false;
     return std::all_of(events.begin(), events.end(), send);

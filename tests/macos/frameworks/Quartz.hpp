@@ -41,6 +41,7 @@ struct Quartz {
   std::deque<std::array<double, 2>> pointerGoesTo;
   CGEventFlags heldModifiers = 0;    ///< What a new event has.
   std::optional<int> creationsLeft;  ///< How many more events can be made; nothing: any number.
+  int creationsToFail = 0;           ///< How many of the next events cannot be made.
 };
 
 /// Tests set it anew.

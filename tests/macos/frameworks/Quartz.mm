@@ -56,6 +56,10 @@ void letPointerArrive(int places) {
 }
 
 QuartzEventObject* makeQuartzEvent(std::uint32_t type) {
+  if (quartz().creationsToFail > 0) {
+    --quartz().creationsToFail;
+    return nil;
+  }
   if (quartz().creationsLeft && (*quartz().creationsLeft)-- <= 0) return nil;
   QuartzEventObject* made = [[QuartzEventObject alloc] init];
   made->event_.type = type;
