@@ -25,7 +25,8 @@ class HeldKeys {
   /// A phone that holds nothing yet.
   Phone addPhone();
 
-  /// Posts a press, or a release unless another phone still holds the key. What the desktop refuses changes nothing.
+  /// Posts a press, or the release of a key. It stays down while another phone holds it. No press is modified by what
+  /// only other phones hold; what the phone itself holds counts. What the desktop refuses changes nothing.
   void post(Phone phone, const KeyEvent& event);
 
   /// Lets go of every key that the phone still holds.
@@ -35,21 +36,17 @@ class HeldKeys {
   void releaseAll();
 
  private:
-  using Holders = std::vector<Phone>;
+  using Holders = std::vector<Phone>;  // in the order in which they pressed it last
 
   struct State {
     Phone phones = 0;  // that there have been
     std::map<std::uint16_t, Holders> keys;
   };
 
-  struct Release {
-    bool wasHeld;  // by that phone
-    bool isLast;   // nobody else holds it
-  };
-
-  void press(Phone phone, const KeyEvent& event);
+  void press(Phone phone, KeyEvent event);
   void release(Phone phone, const KeyEvent& event);
-  static Release letGo(State& state, std::uint16_t keyCode, Phone phone);
+  bool letGo(Phone phone, KeyEvent event);
+  bool holds(Phone phone, std::uint16_t keyCode) const;
 
   EventPoster& events_;
   Guarded<State> state_;

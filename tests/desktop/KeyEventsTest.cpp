@@ -2,6 +2,7 @@
 #include "platform/linux/keyboard/KeyPositions.hpp"
 
 #include <ostream>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -55,6 +56,11 @@ struct KeyEventsTest : LeafFixture {
     Strokes result;
     for (const auto& input : delivered()) result.push_back({input.kind, input.detail, input.state});
     return result;
+  }
+
+  /// Presses a key without what others hold.
+  void pressUnwanted(std::uint16_t keyCode, std::vector<std::uint16_t> unwanted) {
+    EXPECT_TRUE(leaves.events.post(KeyEvent{.keyCode = keyCode, .down = true, .unwantedKeys = std::move(unwanted)}));
   }
 };
 
@@ -163,6 +169,93 @@ TEST_F(KeyEventsTest, ModifiersDoNotRepeat) {
   key(capsLockKey, true);
   key(capsLockKey, true);
   EXPECT_EQ(strokes(), (Strokes{pressed(shift), pressed(capsLock, withShift)}));
+}
+
+TEST_F(KeyEventsTest, AnUnwantedModifierIsLiftedForAKeyAndPutBack) {
+  key(shiftKey, true);
+  pressUnwanted(keyA, {shiftKey});
+  EXPECT_EQ(strokes(), (Strokes{pressed(shift), released(shift, withShift), pressed(a)}));
+  key(keyA, false);
+  EXPECT_EQ(strokes(), (Strokes{released(a), pressed(shift)}));
+  key(shiftKey, false);
+  EXPECT_EQ(strokes(), Strokes{released(shift, withShift)});
+}
+
+TEST_F(KeyEventsTest, AModifierThatIsHeldAndNotUnwantedCounts) {
+  key(shiftKey, true);
+  key(keyA, true);
+  key(keyA, false);
+  EXPECT_EQ(strokes(), (Strokes{pressed(shift), pressed(a, withShift), released(a, withShift)}));
+}
+
+TEST_F(KeyEventsTest, AnUnwantedModifierThatTheKeyNamesItselfStays) {
+  key(shiftKey, true);
+  EXPECT_TRUE(leaves.events.post(
+      KeyEvent{.keyCode = keyA, .down = true, .flags = modifier::shift, .unwantedKeys = {shiftKey}}));
+  key(keyA, false);
+  EXPECT_EQ(strokes(), (Strokes{pressed(shift), pressed(a, withShift), released(a, withShift)}));
+}
+
+TEST_F(KeyEventsTest, AModifierThatGoesWithOneKeyIsLiftedForAnother) {
+  key(keyC, true, modifier::command);
+  key(keyA, true);
+  EXPECT_EQ(strokes(),
+            (Strokes{pressed(control), pressed(c, withControl), released(control, withControl), pressed(a)}));
+  key(keyA, false);
+  EXPECT_EQ(strokes(), (Strokes{released(a), pressed(control)}));
+  key(keyC, false);
+  EXPECT_EQ(strokes(), (Strokes{released(c, withControl), released(control, withControl)}));
+}
+
+TEST_F(KeyEventsTest, ALiftedModifierThatIsReleasedMeanwhileIsNotPutBack) {
+  key(shiftKey, true);
+  pressUnwanted(keyA, {shiftKey});
+  key(shiftKey, false);
+  key(keyA, false);
+  EXPECT_EQ(strokes(), (Strokes{pressed(shift), released(shift, withShift), pressed(a), released(a)}));
+}
+
+TEST_F(KeyEventsTest, ALiftedModifierCountsAgainWhenItIsPressedAnewOrNamed) {
+  key(shiftKey, true);
+  pressUnwanted(keyA, {shiftKey});
+  strokes();
+  key(shiftKey, true);
+  EXPECT_EQ(strokes(), Strokes{pressed(shift)});
+  key(keyA, false);
+  pressUnwanted(keyA, {shiftKey});
+  strokes();
+  key(keyV, true, modifier::shift);
+  EXPECT_EQ(strokes(), (Strokes{pressed(shift), pressed(v, withShift)}));
+  key(keyV, false);
+  key(keyA, false);
+  key(shiftKey, false);
+  EXPECT_EQ(strokes(), (Strokes{released(v, withShift), released(a, withShift), released(shift, withShift)}));
+}
+
+TEST_F(KeyEventsTest, NoModifierIsLiftedForAModifier) {
+  key(keyC, true, modifier::command);
+  key(shiftKey, true);
+  EXPECT_EQ(strokes(), (Strokes{pressed(control), pressed(c, withControl), pressed(shift, withControl)}));
+}
+
+TEST_F(KeyEventsTest, WhatTheUserHoldsIsNotLifted) {
+  LeafSet keyboard(desktop);
+  keyboard.events.post(KeyEvent{.keyCode = shiftKey, .down = true});
+  keyboard.events.flush();
+  ASSERT_TRUE(witness.waitForCount(1));
+  witness.forget();
+  pressUnwanted(keyA, {shiftKey});
+  EXPECT_EQ(strokes(), Strokes{pressed(a, withShift)});
+}
+
+TEST_F(KeyEventsTest, WhatOthersStillHoldStaysDownButForItsModifiers) {
+  key(keyA, true);
+  key(keyA, true, modifier::shift);
+  EXPECT_EQ(strokes(), (Strokes{pressed(a), pressed(shift), released(a, withShift), pressed(a, withShift)}));
+  EXPECT_TRUE(leaves.events.post(KeyEvent{.keyCode = keyA, .down = false, .staysDown = true}));
+  EXPECT_EQ(strokes(), Strokes{released(shift, withShift)});
+  key(keyA, false);
+  EXPECT_EQ(strokes(), Strokes{released(a)});
 }
 
 TEST_F(KeyEventsTest, AReleaseLeavesTheUsersOwnKeysAlone) {

@@ -12,11 +12,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr KeyEvent pressed(std::uint16_t keyCode) {
+KeyEvent pressed(std::uint16_t keyCode) {
   return {.keyCode = keyCode, .down = true};
 }
 
-constexpr KeyEvent released(std::uint16_t keyCode) {
+KeyEvent released(std::uint16_t keyCode) {
   return {.keyCode = keyCode, .down = false};
 }
 
@@ -81,12 +81,22 @@ TEST_F(HeldKeysTest, AKeyThatTwoPhonesHoldGoesUpWhenTheLastLetsGo) {
   EXPECT_THAT(strokes(), ElementsAre(released(8)));
 }
 
+TEST_F(HeldKeysTest, TheModifiersOfTheLastPressGoWithItsPhone) {
+  keys.post(anna, pressed(8));
+  keys.post(ben, {.keyCode = 8, .down = true, .flags = modifier::shift});
+  strokes();
+  keys.post(ben, released(8));
+  EXPECT_THAT(strokes(), ElementsAre(KeyEvent{.keyCode = 8, .down = false, .staysDown = true}));
+  keys.post(anna, released(8));
+  EXPECT_THAT(strokes(), ElementsAre(released(8)));
+}
+
 TEST_F(HeldKeysTest, AKeyThatTwoPhonesHoldGoesUpWhenTheLastLeaves) {
   keys.post(anna, pressed(8));
   keys.post(ben, pressed(8));
   strokes();
   keys.releaseAll(ben);
-  EXPECT_THAT(strokes(), IsEmpty());
+  EXPECT_THAT(strokes(), ElementsAre(KeyEvent{.keyCode = 8, .down = false, .staysDown = true}));
   keys.releaseAll(anna);
   EXPECT_THAT(strokes(), ElementsAre(released(8)));
 }
@@ -113,6 +123,31 @@ TEST_F(HeldKeysTest, APhoneCannotReleaseWhatOnlyAnotherHolds) {
 TEST_F(HeldKeysTest, AReleaseOfWhatNobodyHoldsIsPostedAllTheSame) {
   keys.post(anna, {.keyCode = 8, .down = false, .flags = modifier::shift});
   EXPECT_THAT(strokes(), ElementsAre(KeyEvent{.keyCode = 8, .down = false, .flags = modifier::shift}));
+}
+
+constexpr std::uint16_t shiftKey = 56;
+constexpr std::uint16_t capsLockKey = 57;
+constexpr std::uint16_t rightControlKey = 62;
+
+TEST_F(HeldKeysTest, TheModifiersThatOnlyOthersHoldAreUnwanted) {
+  keys.post(anna, pressed(shiftKey));
+  keys.post(anna, pressed(capsLockKey));
+  keys.post(anna, pressed(9));
+  keys.post(ben, pressed(rightControlKey));
+  strokes();
+  keys.post(anna, pressed(8));
+  keys.post(ben, pressed(8));
+  EXPECT_THAT(strokes(), ElementsAre(KeyEvent{.keyCode = 8, .down = true, .unwantedKeys = {rightControlKey}},
+                                     KeyEvent{.keyCode = 8, .down = true, .unwantedKeys = {shiftKey}}));
+  keys.post(ben, pressed(shiftKey));
+  keys.post(ben, pressed(8));
+  EXPECT_THAT(strokes(), ElementsAre(pressed(shiftKey), pressed(8)))
+      << "what both hold is wanted, and modifiers add up";
+  keys.releaseAll(anna);
+  keys.releaseAll(ben);
+  strokes();
+  keys.post(ben, pressed(8));
+  EXPECT_THAT(strokes(), ElementsAre(pressed(8)));
 }
 
 TEST_F(HeldKeysTest, InTheEndAllIsReleasedOnce) {

@@ -114,6 +114,11 @@ TEST_F(EventPosterTest, EveryModifierOfAKeyArrives) {
   }
 }
 
+TEST_F(EventPosterTest, AReleaseWhileOthersHoldTheKeyIsNoEvent) {
+  EXPECT_TRUE(poster_.post(KeyEvent{.keyCode = 8, .down = false, .staysDown = true}));
+  EXPECT_THAT(posted_, IsEmpty());
+}
+
 TEST_F(EventPosterTest, ASystemDefinedEventIsOneOfNoPlaceAndNoTime) {
   const SystemDefinedEvent event{.flags = 0xa00, .subtype = 8, .data1 = 0x100b00, .data2 = -1};
   ASSERT_TRUE(poster_.post(event));

@@ -122,6 +122,36 @@ TEST_F(TypingTest, KeysBehindTheTextOfAPhoneThatLeavesArePressedAndReleased) {
   EXPECT_EQ(pressedKeys(), expected);
 }
 
+TEST_F(TypingTest, AKeyArrivesWithoutTheModifiersOfAnotherPhone) {
+  auto holder = connectPaired("Holder");
+  auto other = connectPaired("Other");
+  holder.sendFrame(phone::keyFrame(virtualShiftKey, true, 0));
+  ASSERT_TRUE(waitForInput(Kind::keyDown, shiftKey));
+  press(other, returnKey);
+  ASSERT_TRUE(waitForInput(Kind::keyUp, returnKey));
+  press(holder, returnKey);
+  settle(holder);
+  std::vector<unsigned> states;
+  for (const auto& input : witness.catchUp()) {
+    if (input.kind == Kind::keyDown && input.detail == returnKey) states.push_back(input.state);
+  }
+  EXPECT_EQ(states, (std::vector<unsigned>{0, XCB_MOD_MASK_SHIFT})) << "the holder's own key has its Shift";
+}
+
+TEST_F(TypingTest, AKeyThatTwoPhonesHoldGoesUpWithTheLastOfThem) {
+  auto first = connectPaired("First");
+  auto second = connectPaired("Second");
+  for (auto* phone : {&first, &second}) {
+    phone->sendFrame(phone::keyFrame(virtualShiftKey, true, 0));
+    settle(*phone);
+  }
+  first.sendFrame(phone::keyFrame(virtualShiftKey, false, 0));
+  settle(first);
+  for (const auto& input : witness.catchUp()) EXPECT_NE(input.kind, Kind::keyUp);
+  second.reset();
+  EXPECT_TRUE(waitForInput(Kind::keyUp, shiftKey));
+}
+
 TEST_F(TypingTest, AMediaKeyIsPressedAndReleasedOnce) {
   auto phone = connectPaired();
   phone.sendFrame(phone::mediaFrame(0));

@@ -239,6 +239,15 @@ TEST_F(ClientSessionInputTest, PhonesDoNotWaitForEachOthersTexts) {
   EXPECT_THAT(typedAndPressed(desktop), ElementsAre("+36", "media", "media"));
 }
 
+TEST_F(ClientSessionInputTest, WhatAnotherPhoneHoldsDoesNotModifyAKey) {
+  const auto other = connectAnother();
+  other->binary(keyFrame(keyShift, true));
+  phone->binary(keyFrame(keyReturn, true));
+  EXPECT_THAT(desktop.all<KeyEvent>().back().unwantedKeys, ElementsAre(keyShift));
+  other->binary(keyFrame(keyReturn, true));
+  EXPECT_THAT(desktop.all<KeyEvent>().back().unwantedKeys, IsEmpty());
+}
+
 TEST_F(ClientSessionInputTest, ClicksAndWheelsDoNotWaitForTexts) {
   phone->binary(textFrame("x"));
   phone->binary(keyFrame(keyReturn, true));

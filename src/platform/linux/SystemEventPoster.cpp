@@ -36,6 +36,16 @@ constexpr std::array modifierKeys = {
     ModifierKey{modifier::control | modifier::command, KEY_LEFTCTRL + 8},
 };
 
+/// What is lifted from keys that shall not have it.
+constexpr std::array<std::uint8_t, 8> heldModifierKeys = {
+    KEY_LEFTSHIFT + 8, KEY_RIGHTSHIFT + 8, KEY_LEFTCTRL + 8, KEY_RIGHTCTRL + 8,
+    KEY_LEFTALT + 8,   KEY_RIGHTALT + 8,   KEY_LEFTMETA + 8, KEY_RIGHTMETA + 8,
+};
+
+bool isModifierKey(std::uint8_t keyCode) {
+  return std::ranges::find(heldModifierKeys, keyCode) != heldModifierKeys.end();
+}
+
 constexpr std::uint8_t bitOf(std::size_t modifierKey) {
   return static_cast<std::uint8_t>(1u << modifierKey);
 }
@@ -145,9 +155,10 @@ bool SystemEventPoster::post(const KeyEvent& event) {
   if (!keyCode || !canPost()) return false;
   state_.withLock([&](State& state) {
     if (event.down) {
+      liftModifiers(state, event, *keyCode);
       press(state, *keyCode, modifiersOf(event.flags));
     } else {
-      release(state, *keyCode);
+      release(state, *keyCode, event.staysDown);
     }
   });
   return true;
@@ -160,7 +171,7 @@ bool SystemEventPoster::post(const SystemDefinedEvent& event) {
     if (change->down) {
       press(state, change->keyCode, 0);
     } else {
-      release(state, change->keyCode);
+      release(state, change->keyCode, false);
     }
   });
   return true;
@@ -206,7 +217,8 @@ void SystemEventPoster::flush() {
 KeyQueue::Held SystemEventPoster::held() {
   return state_.withLock([](const State& state) {
     Held held{.keys = {}, .version = state.keyVersion};
-    for (std::size_t key = 0; key < state.keys.size(); ++key) held.keys[key] = state.keys[key].holders > 0;
+    for (std::size_t key = 0; key < state.keys.size(); ++key)
+      held.keys[key] = state.keys[key].holders > 0 && !state.lifted[key];
     return held;
   });
 }
@@ -242,6 +254,9 @@ void SystemEventPoster::press(State& state, std::uint8_t keyCode, std::uint8_t m
   if (!key.isDown) {
     key.isDown = true;
     hold(state, keyCode);
+  } else if (state.lifted[keyCode]) {
+    state.lifted.reset(keyCode);
+    queue(state, XCB_KEY_PRESS, keyCode);
   } else if (repeatingKeys_[keyCode]) {
     // The server takes no press of a key that is down. Its own repeats look like this, too, and start anew after it.
     queue(state, XCB_KEY_RELEASE, keyCode);
@@ -249,13 +264,46 @@ void SystemEventPoster::press(State& state, std::uint8_t keyCode, std::uint8_t m
   }
 }
 
-void SystemEventPoster::release(State& state, std::uint8_t keyCode) {
+void SystemEventPoster::release(State& state, std::uint8_t keyCode, bool staysDown) {
   Key& key = state.keys[keyCode];
   // A key that is down by other hands is not ours to release.
   if (!key.isDown) return;
-  key.isDown = false;
-  letGo(state, keyCode);
+  if (!staysDown) {
+    key.isDown = false;
+    letGo(state, keyCode);
+  }
   letGoModifiers(state, std::exchange(key.heldModifiers, std::uint8_t{0}));
+  if (state.liftedFor == keyCode) setLifted(state, {});
+}
+
+/// Has a key that is about to be pressed not be modified by what is held for other keys, or by other phones. Modifiers
+/// themselves add up.
+void SystemEventPoster::liftModifiers(State& state, const KeyEvent& event, std::uint8_t keyCode) {
+  if (isModifierKey(keyCode)) return;
+  std::bitset<256> unwanted;
+  for (const std::uint16_t key : event.unwantedKeys) {
+    if (const auto code = KeyPositions::keyCodeOf(key)) unwanted.set(*code);
+  }
+  std::bitset<256> lifted;
+  for (const std::uint8_t modifier : heldModifierKeys) {
+    const Key& key = state.keys[modifier];
+    lifted[modifier] = key.holders > 0 && (!key.isDown || unwanted[modifier]);
+  }
+  const std::uint8_t named = modifiersOf(event.flags);
+  for (std::size_t i = 0; i < modifierKeys.size(); ++i) {
+    if (named & bitOf(i)) lifted.reset(modifierKeys[i].keyCode);
+  }
+  setLifted(state, lifted);
+  state.liftedFor = keyCode;
+}
+
+void SystemEventPoster::setLifted(State& state, const std::bitset<256>& lifted) {
+  const auto before = std::exchange(state.lifted, lifted);
+  for (const std::uint8_t modifier : heldModifierKeys) {
+    const bool isHeld = state.keys[modifier].holders > 0;
+    if (isHeld && before[modifier] != lifted[modifier])
+      queue(state, lifted[modifier] ? XCB_KEY_RELEASE : XCB_KEY_PRESS, modifier);
+  }
 }
 
 void SystemEventPoster::holdModifiers(State& state, std::uint8_t modifiers) {
@@ -271,11 +319,15 @@ void SystemEventPoster::letGoModifiers(State& state, std::uint8_t modifiers) {
 }
 
 void SystemEventPoster::hold(State& state, std::uint8_t keyCode) {
-  if (state.keys[keyCode].holders++ == 0) queue(state, XCB_KEY_PRESS, keyCode);
+  const bool isDown = state.keys[keyCode].holders++ > 0 && !state.lifted[keyCode];
+  state.lifted.reset(keyCode);
+  if (!isDown) queue(state, XCB_KEY_PRESS, keyCode);
 }
 
 void SystemEventPoster::letGo(State& state, std::uint8_t keyCode) {
-  if (--state.keys[keyCode].holders == 0) queue(state, XCB_KEY_RELEASE, keyCode);
+  if (--state.keys[keyCode].holders > 0) return;
+  if (!state.lifted[keyCode]) queue(state, XCB_KEY_RELEASE, keyCode);
+  state.lifted.reset(keyCode);
 }
 
 void SystemEventPoster::queue(State& state, std::uint8_t type, std::uint8_t detail, Position position) const {

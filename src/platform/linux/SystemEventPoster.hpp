@@ -19,8 +19,9 @@ class X11Connection;
 /// Posts input by XTEST, as if a second mouse and keyboard were plugged in.
 ///
 /// A modifier flag holds the key of that modifier down for as long as the key it came with; command is Control, the
-/// shortcut modifier of this desktop, and function is nothing. Wheels turn in notches; what is left of one is
-/// kept, whichever phone turns next.
+/// shortcut modifier of this desktop, and function is nothing. Modifiers that are down for other keys, or unwanted, are
+/// lifted from the press of a key to its release, or until they are pressed anew. Wheels turn in notches; what is left
+/// of one is kept, whichever phone turns next.
 ///
 /// On Xwayland nothing is ever posted, nor sent to find out whether it could be: see `isXwayland`.
 ///
@@ -66,6 +67,8 @@ class SystemEventPoster final : public EventPoster, private KeyQueue {
     std::int64_t verticalRemainder = 0;  // pixels that do not make a notch yet
     std::int64_t horizontalRemainder = 0;
     std::array<Key, 256> keys;     // by X key code
+    std::bitset<256> lifted;       // modifiers that are held but not down
+    std::uint8_t liftedFor = 0;    // the key that was pressed without them
     std::uint64_t keyVersion = 0;  // another one with each key event
   };
 
@@ -75,7 +78,9 @@ class SystemEventPoster final : public EventPoster, private KeyQueue {
   bool canPost() const;
   void turn(State& state, std::int64_t& remainder, std::int32_t pixels, std::uint8_t forward, std::uint8_t backward);
   void press(State& state, std::uint8_t keyCode, std::uint8_t modifiers);
-  void release(State& state, std::uint8_t keyCode);
+  void release(State& state, std::uint8_t keyCode, bool staysDown);
+  void liftModifiers(State& state, const KeyEvent& event, std::uint8_t keyCode);
+  void setLifted(State& state, const std::bitset<256>& lifted);
   void holdModifiers(State& state, std::uint8_t modifiers);
   void letGoModifiers(State& state, std::uint8_t modifiers);
   void hold(State& state, std::uint8_t keyCode);

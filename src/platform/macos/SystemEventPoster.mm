@@ -80,6 +80,7 @@ bool SystemEventPoster::post(const ScrollEvent& event) {
 }
 
 bool SystemEventPoster::post(const KeyEvent& event) {
+  if (event.staysDown) return true;  // modifiers come with each event, not with the key
   @autoreleasepool {
     activity_.declare();
     const Event made(CGEventCreateKeyboardEvent(nullptr, event.keyCode, event.down));
