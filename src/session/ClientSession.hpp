@@ -153,7 +153,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   std::atomic<std::size_t> backlog_ = 0;  // bytes caused by the phone and not yet dealt with
   PendingMessages pending_;               // read, but not handled for the backlog's sake
   bool handlesPendingSoon_ = false;
-  std::size_t typingLeft_ = 0;            // texts, and keys behind them, that are still to be typed
+  std::size_t typingLeft_ = 0;  // texts, and keys behind them, that are still to be typed
   bool readingPaused_ = false;
   bool readsToTheEnd_ = false;      // the phone sends no more, so there is little left to be read
   bool owningMirror_ = false;       // this session has started the capture and not stopped it since

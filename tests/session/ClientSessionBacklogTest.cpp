@@ -40,7 +40,7 @@ struct ClientSessionBacklogTest : SessionFixture {
   std::string typed() const {
     std::u16string all;
     for (const TextEvent& event : desktop.all<TextEvent>()) {
-      if (event.down) all += event.text;
+      all += event.text;
     }
     std::string letters;
     for (std::size_t at = 0; at + longest <= all.size(); at += longest) letters += static_cast<char>(all[at]);
