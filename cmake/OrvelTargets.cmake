@@ -35,6 +35,10 @@ endif()
 if(ORVEL_SANITIZE)
   target_compile_options(orvel_flags INTERFACE -fsanitize=${ORVEL_SANITIZE} -fno-omit-frame-pointer
                                                -fno-sanitize-recover=all)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # False alarms about optionals and variants, of which the added code hides that they are asked first.
+    target_compile_options(orvel_flags INTERFACE -Wno-maybe-uninitialized)
+  endif()
   target_link_options(orvel_flags INTERFACE -fsanitize=${ORVEL_SANITIZE})
 endif()
 if(ORVEL_SANITIZE MATCHES undefined)
