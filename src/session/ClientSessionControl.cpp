@@ -51,7 +51,7 @@ void ClientSession::remember(const std::string& device, const std::string& proof
 }
 
 void ClientSession::deny() {
-  send({{"t", "denied"}, {"reason", "That pairing code does not match this Mac."}});
+  send({{"t", "denied"}, {"reason", "That pairing code does not match this " + services_.machine.kind() + "."}});
   transport_->queue().postAfter(denialPause, [self = weak_from_this()] {
     if (const auto session = self.lock()) session->transport_->cancel();
   });

@@ -25,6 +25,9 @@ class Machine {
   /// Its name on the network.
   virtual std::string hostName() const = 0;
 
+  /// What its users call a computer of its kind, as in "this Mac".
+  virtual std::string kind() const = 0;
+
   /// The IPv4 addresses in the system's order; empty when they cannot be listed.
   virtual std::vector<NetworkInterface> interfaces() const = 0;
 };

@@ -51,7 +51,7 @@ TEST(XwaylandOutputsTest, ServersThatDoNotSayItAreKnownByTheNamesOfTheirOutputs)
   EXPECT_TRUE(areXwaylandOutputs(Names{"XWAYLAND0"}));
   EXPECT_TRUE(areXwaylandOutputs(Names{"XWAYLAND0", "XWAYLAND12"}));
   EXPECT_TRUE(areXwaylandOutputs(Names{"Virtual-1", "XWAYLAND1"}));
-  EXPECT_FALSE(areXwaylandOutputs(Names{}));
+  EXPECT_TRUE(areXwaylandOutputs(Names{})) << "Xwayland without a monitor";
   EXPECT_FALSE(areXwaylandOutputs(Names{"", "screen", "eDP-1", "HDMI-1", "VNC-0", "xwayland", "WAYLAND0"}));
 }
 

@@ -1,7 +1,6 @@
 #include "desktop/WaylandDesktop.hpp"
 
-#include <unistd.h>
-
+#include <csignal>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -26,13 +25,18 @@ std::string size() {
 
 }  // namespace
 
-WaylandDesktop::WaylandDesktop(Kind kind) : kind_(kind), bus_(privateHome(), bareEnvironment()) {
+WaylandDesktop::WaylandDesktop(Kind kind, bool hasOutput) : kind_(kind), bus_(privateHome(), bareEnvironment()) {
   if (kind == Kind::sway) {
-    startSway();
+    startSway(hasOutput);
   } else {
     startSystemBus();
     startGnome();
   }
+}
+
+WaylandDesktop::~WaylandDesktop() {
+  compositor_->signal(SIGTERM);
+  compositor_->waitForExit(patience);
 }
 
 const std::filesystem::path& WaylandDesktop::privateHome() const {
@@ -68,13 +72,14 @@ ChildProcess::Environment WaylandDesktop::environment() const {
   return environment;
 }
 
-void WaylandDesktop::startSway() {
+void WaylandDesktop::startSway(bool hasOutput) {
   const auto configuration = home() / "sway.conf";
   std::ofstream(configuration) << "xwayland enable\n"
                                << "output HEADLESS-1 resolution " << size() << " position 0 0\n"
                                << "exec echo \"display $DISPLAY, wayland $WAYLAND_DISPLAY.\"\n";
   auto environment = bareEnvironment();
   environment["WLR_BACKENDS"] = "headless";
+  environment["WLR_HEADLESS_OUTPUTS"] = hasOutput ? "1" : "0";
   environment["WLR_RENDERER"] = "pixman";
   environment["WLR_LIBINPUT_NO_DEVICES"] = "1";
   // It does not start for root.
@@ -95,9 +100,7 @@ void WaylandDesktop::startSystemBus() {
 }
 
 void WaylandDesktop::startGnome() {
-  std::vector<std::string> command{"unshare"};
-  if (geteuid() != 0) command.insert(command.end(), {"--user", "--map-root-user"});
-  startCompositor(std::move(command),
+  startCompositor({},
                   {"gnome-shell", "--headless", "--virtual-monitor", size(), "--wayland", "--wayland-display",
                    "wayland-private", "--mode=user"},
                   bus_.environment());
@@ -111,7 +114,6 @@ void WaylandDesktop::startGnome() {
 
 void WaylandDesktop::startCompositor(std::vector<std::string> command, const std::vector<std::string>& compositor,
                                      const ChildProcess::Environment& environment) {
-  command.insert(command.end(), {"--mount", "--pid", "--fork", "--kill-child", "--mount-proc"});
   command.insert(command.end(), compositor.begin(), compositor.end());
   compositor_.emplace(ChildProcess::Program{.command = command, .environment = environment});
 }

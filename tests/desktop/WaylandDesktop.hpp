@@ -12,7 +12,7 @@
 namespace orvel {
 
 /// A private Wayland desktop without a monitor, 1280 by 800, with Xwayland, a private home and message buses of its
-/// own. Its compositor runs in a process namespace, so that nothing that it starts outlives it.
+/// own. At its end the compositor is asked to end, so that it ends what it has started.
 ///
 /// Threads: one at a time; the thread that made it must live as long as the desktop.
 class WaylandDesktop {
@@ -22,8 +22,10 @@ class WaylandDesktop {
   static constexpr int width = 1280;
   static constexpr int height = 800;
 
-  /// Starts it and waits until it shows windows. Throws, with what the compositor says, when it does not.
-  explicit WaylandDesktop(Kind kind);
+  /// Starts it and waits until it shows windows. Throws, with what the compositor says, when it does not. Without an
+  /// output it is as a computer whose monitor is not connected yet; that is for sway alone.
+  explicit WaylandDesktop(Kind kind, bool hasOutput = true);
+  ~WaylandDesktop();
 
   const std::filesystem::path& home() const { return home_.path(); }
 
@@ -38,7 +40,7 @@ class WaylandDesktop {
  private:
   const std::filesystem::path& privateHome() const;
   ChildProcess::Environment bareEnvironment() const;
-  void startSway();
+  void startSway(bool hasOutput);
   void startSystemBus();
   void startGnome();
   void startCompositor(std::vector<std::string> command, const std::vector<std::string>& compositor,

@@ -28,6 +28,14 @@ TEST_F(XwaylandTest, NothingThatMayBeDoneThereIsClaimed) {
   EXPECT_EQ(recording.denial().onStart, recording.denial().onRequest);
 }
 
+/// Its outputs have no names to know it by then, and a monitor may come while the host runs.
+TEST(XwaylandWithoutMonitorTest, IsKnownBeforeAMonitorComes) {
+  const WaylandDesktop desktop(WaylandDesktop::Kind::sway, false);
+  LeafSet leaves(desktop.display());
+  EXPECT_TRUE(leaves.connection().isXwayland());
+  EXPECT_FALSE(leaves.trust.isTrusted());
+}
+
 /// Whatever its callers do.
 TEST_F(XwaylandTest, ThePosterPostsNothing) {
   EXPECT_FALSE(leaves.events.post(MouseEvent{.type = MouseEventType::moved, .position = {40, 50}}));

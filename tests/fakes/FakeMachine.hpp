@@ -17,10 +17,12 @@ class FakeMachine final : public Machine {
  public:
   std::optional<std::string> localizedName() const override { return localized; }
   std::string hostName() const override { return host; }
+  std::string kind() const override { return kindName; }
   std::vector<NetworkInterface> interfaces() const override { return addresses; }
 
   std::optional<std::string> localized = "Test Mac";
   std::string host = "test-mac.local";
+  std::string kindName = "Mac";
   std::vector<NetworkInterface> addresses = {{"en0", "10.0.0.2", true, false}};
 };
 

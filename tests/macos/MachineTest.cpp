@@ -37,6 +37,10 @@ TEST_F(MachineTest, WithoutSuchANameItHasThatOfTheNetwork) {
   EXPECT_EQ(displayName(machine_), expected.data());
 }
 
+TEST_F(MachineTest, IsAMac) {
+  EXPECT_EQ(machine_.kind(), "Mac");
+}
+
 TEST_F(MachineTest, HasALoopback) {
   EXPECT_THAT(machine_.interfaces(),
               testing::Contains(testing::AllOf(testing::Field(&NetworkInterface::isUp, true),

@@ -25,6 +25,10 @@ class SystemMachineTest : public ::testing::Test {
   TemporaryFolder folder_;
 };
 
+TEST_F(SystemMachineTest, IsAComputer) {
+  EXPECT_EQ(SystemMachine().kind(), "computer");
+}
+
 TEST_F(SystemMachineTest, ThePrettyHostNameIsTheLocalizedName) {
   EXPECT_EQ(localizedNameIn("PRETTY_HOSTNAME=Desk\n"), "Desk");
   EXPECT_EQ(localizedNameIn("ICON_NAME=computer\nPRETTY_HOSTNAME=\"Ada's Desk\"\nCHASSIS=desktop\n"), "Ada's Desk");

@@ -128,6 +128,12 @@ TEST_F(ClientSessionControlTest, APhoneWithoutANameIsAnIPhone) {
   EXPECT_EQ(session->deviceName(), "");
 }
 
+TEST_F(ClientSessionControlTest, ADenialCallsTheComputerWhatItIs) {
+  machine.kindName = "computer";
+  phone->text(R"({"t":"auth"})");
+  EXPECT_EQ(phone->received("denied").at(0).at("reason"), "That pairing code does not match this computer.");
+}
+
 TEST_F(ClientSessionControlTest, AnAuthWithoutAProofIsDeniedAndClosedAfterAPause) {
   phone->text(R"({"t":"auth"})");
   EXPECT_EQ(phone->received("denied").at(0).at("reason"), "That pairing code does not match this Mac.");

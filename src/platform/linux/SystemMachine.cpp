@@ -84,6 +84,10 @@ std::string SystemMachine::hostName() const {
   return HostName::read();
 }
 
+std::string SystemMachine::kind() const {
+  return "computer";
+}
+
 std::vector<NetworkInterface> SystemMachine::interfaces() const {
   return NetworkInterfaces::list();
 }

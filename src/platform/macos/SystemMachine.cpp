@@ -20,6 +20,10 @@ std::string SystemMachine::hostName() const {
   return HostName::read();
 }
 
+std::string SystemMachine::kind() const {
+  return "Mac";
+}
+
 std::vector<NetworkInterface> SystemMachine::interfaces() const {
   return NetworkInterfaces::list();
 }

@@ -10,6 +10,7 @@ class SystemMachine final : public Machine {
  public:
   std::optional<std::string> localizedName() const override;
   std::string hostName() const override;
+  std::string kind() const override;
   std::vector<NetworkInterface> interfaces() const override;
 };
 

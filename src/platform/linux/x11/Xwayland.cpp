@@ -5,6 +5,7 @@
 #include <xcb/randr.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -27,12 +28,13 @@ std::string outputName(const X11Connection& connection, xcb_randr_get_output_inf
   return {reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())), info->name_len};
 }
 
-std::vector<std::string> outputNames(const X11Connection& connection) {
-  if (connection.extension(xcb_randr_id) == nullptr) return {};
+/// Nothing when the server knows no outputs.
+std::optional<std::vector<std::string>> outputNames(const X11Connection& connection) {
+  if (connection.extension(xcb_randr_id) == nullptr) return std::nullopt;
   const auto asked = xcb_randr_get_screen_resources_current(connection.get(), connection.root());
   const X11Answer<xcb_randr_get_screen_resources_current_reply_t> resources{
       xcb_randr_get_screen_resources_current_reply(connection.get(), asked, nullptr)};
-  if (!resources) return {};
+  if (!resources) return std::nullopt;
   const std::span outputs(xcb_randr_get_screen_resources_current_outputs(resources.get()), resources->num_outputs);
   std::vector<xcb_randr_get_output_info_cookie_t> cookies;
   cookies.reserve(outputs.size());
@@ -49,11 +51,16 @@ std::vector<std::string> outputNames(const X11Connection& connection) {
 
 bool isXwayland(const X11Connection& connection) {
   // Servers before 23.1 do not have the extension yet.
-  return hasExtension(connection) || areXwaylandOutputs(outputNames(connection));
+  if (hasExtension(connection)) return true;
+  const auto names = outputNames(connection);
+  return names && areXwaylandOutputs(*names);
 }
 
 bool areXwaylandOutputs(std::span<const std::string> names) {
-  return std::ranges::any_of(names, [](const std::string& name) { return name.starts_with(outputPrefix); });
+  // A server of its own lists its outputs whether or not a monitor is connected to them; Xwayland has one for each
+  // monitor, and none where the desktop has none yet.
+  return names.empty() ||
+         std::ranges::any_of(names, [](const std::string& name) { return name.starts_with(outputPrefix); });
 }
 
 }  // namespace orvel

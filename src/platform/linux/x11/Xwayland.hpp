@@ -13,7 +13,7 @@ class X11Connection;
 /// Threads: any.
 bool isXwayland(const X11Connection& connection);
 
-/// Whether outputs of these names are those of Xwayland.
+/// Whether outputs of these names are those of Xwayland, or there is none, as without a monitor on Wayland.
 bool areXwaylandOutputs(std::span<const std::string> names);
 
 }  // namespace orvel
