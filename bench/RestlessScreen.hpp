@@ -18,7 +18,8 @@ class RestlessScreen final : public CaptureService, public ScreenRecordingAccess
   RestlessScreen();
 
   bool isGranted() override { return true; }
-  bool request() override { return false; }
+  Denial denial() const override { return {}; }
+  void request() override {}
   std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> shareableContent() override;
 
  private:
