@@ -21,9 +21,7 @@
 }
 
 - (void)stream:(SCStream*)stream didStopWithError:(NSError*)error {
-  @autoreleasepool {
-    offers_->stop();
-  }
+  offers_->stop();
 }
 
 @end
