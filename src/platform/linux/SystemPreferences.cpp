@@ -186,6 +186,8 @@ SystemPreferences::Texts SystemPreferences::textsOf(State& state, const std::str
 }
 
 void SystemPreferences::refresh(State& state) const {
+  // The file is used by one thread at a time; what is about to stand in it is in the memory.
+  if (state.isStoring) return;
   const auto stamp = FileStamp::of(file_);
   if (!stamp) {
     const bool isMissing = errno == ENOENT || errno == ENOTDIR;
