@@ -179,6 +179,16 @@ TEST_F(AdvertiserTest, WhatMakesNoSenseIsNotTriedAgain) {
   EXPECT_TRUE(isAnnounced(2));
 }
 
+TEST_F(AdvertiserTest, ANameThatIsNotUTF8IsNotRegistered) {
+  advertise();
+  ASSERT_TRUE(isAnnounced(1));
+  advertiser_->advertise("Desk\xff", "_orvel._tcp", 8787);
+  ASSERT_TRUE(eventually([] { return living() == 0; })) << "what it replaces is withdrawn";
+  advertise();
+  EXPECT_TRUE(isAnnounced(2));
+  EXPECT_EQ(fake::bonjour().books().requests[1].name, "Desk");
+}
+
 TEST_F(AdvertiserTest, ALongNameIsCutBetweenCharacters) {
   std::string name = "x";
   std::string expected = "x";

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace orvel {
 namespace {
@@ -59,14 +60,14 @@ TEST_F(MacAdvertiserTest, TheEndTakesItBack) {
   expectOffered({});
 }
 
-TEST_F(MacAdvertiserTest, ADaemonThatComesLateIsToldThen) {
+TEST_F(MacAdvertiserTest, TheServiceIsRegisteredOnceTheDaemonStarts) {
   startBus();
   advertise();
   startDaemon();
   expectOffered({{"Desk", "8787"}});
 }
 
-TEST_F(MacAdvertiserTest, ARestartedDaemonIsToldAgain) {
+TEST_F(MacAdvertiserTest, TheServiceIsRegisteredAgainAfterARestartOfTheDaemon) {
   startAll();
   advertise();
   expectOffered({{"Desk", "8787"}});
@@ -87,8 +88,14 @@ TEST_F(MacAdvertiserTest, ALongNameIsCutBetweenCharacters) {
 
 TEST_F(MacAdvertiserTest, WhatCannotBeAnnouncedDoesNoHarm) {
   startAll();
-  advertiser_->advertise("Desk", "no type", 8787);
-  advertiser_->advertise("Desk\xff", "_orvel._tcp", 8787);
+  const std::pair<const char*, const char*> services[] = {{"Desk", "no type"}, {"Desk\xff", "_orvel._tcp"}};
+  for (const auto& [name, type] : services) {
+    advertise();
+    expectOffered({{"Desk", "8787"}});
+    advertiser_->advertise(name, type, 8787);
+    // Only then has the advertiser seen it: a later call would replace it before that.
+    expectOffered({});
+  }
   advertise();
   expectOffered({{"Desk", "8787"}});
 }

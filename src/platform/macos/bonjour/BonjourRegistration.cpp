@@ -1,5 +1,6 @@
 #include "platform/macos/bonjour/BonjourRegistration.hpp"
 
+#include "base/UTF8.hpp"
 #include "platform/ServiceName.hpp"
 
 #include <arpa/inet.h>
@@ -7,6 +8,11 @@
 namespace orvel {
 
 BonjourRegistration::BonjourRegistration(const BonjourService& service) {
+  // The library may abort the program for it.
+  if (!isValidUTF8(service.name)) {
+    error_ = kDNSServiceErr_BadParam;
+    return;
+  }
   constexpr DNSServiceFlags none = 0;
   constexpr std::uint32_t everyInterface = 0;
   error_ = DNSServiceRegister(
