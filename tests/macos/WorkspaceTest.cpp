@@ -110,6 +110,22 @@ TEST_F(WorkspaceTest, WhatComesToTheFrontLateIsNotOpened) {
   EXPECT_EQ(fake::workspaceObservers(), 0u);
 }
 
+TEST_F(WorkspaceTest, WhatIsQuitWhileItsActivationIsAwaitedIsNotOpened) {
+  for (const bool isForgotten : {false, true}) {
+    calls().clear();
+    fake::Program program = editor;
+    program.ignoresActivation = true;
+    const RunningApplication application = running(program);
+    dispatch::meanwhile([isForgotten] {
+      fake::workspace().programs[0].hasEnded = true;
+      if (isForgotten) fake::workspace().programs.clear();
+    });
+    onBareThread([&] { workspace_->activate(application); });
+    EXPECT_THAT(calls(), ElementsAre("activate 98765 with 1"));
+    EXPECT_THAT(dispatch::timeouts(), ElementsAre(1));
+  }
+}
+
 TEST_F(WorkspaceTest, AnotherProgramThatComesToTheFrontMeanwhileDoesNotCount) {
   fake::Program program = editor;
   program.ignoresActivation = true;

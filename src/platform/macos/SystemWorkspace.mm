@@ -125,6 +125,8 @@ void SystemWorkspace::activate(const RunningApplication& application) {
   @autoreleasepool {
     NSRunningApplication* program = find(application);
     if (program == nil || bringToFront(program)) return;
+    // It may have been quit meanwhile, and is not to be started anew.
+    if (program.terminated) return;
     // To open what runs already is to bring it to the front, which a program of the background may always ask for.
     NSURL* location = program.bundleURL;
     if (location != nil) openInFront(location);

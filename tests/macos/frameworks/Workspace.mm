@@ -41,7 +41,9 @@ void note(const std::string& call) {
   return found == programs.end() ? nil : [self of:*found];
 }
 - (BOOL)isTerminated {
-  return program_.hasEnded;
+  const auto& programs = fake::workspace().programs;
+  const auto found = std::ranges::find(programs, program_.process, &fake::Program::process);
+  return found == programs.end() || found->hasEnded;
 }
 - (BOOL)isActive {
   return fake::workspace().front == program_.process;
