@@ -36,7 +36,7 @@ class AccessibilityTreeTest : public MacTest {
   std::unique_ptr<SystemAccessibilityTree> tree_;
 };
 
-TEST_F(AccessibilityTreeTest, AnElementTellsItsRoleAndItsPlace) {
+TEST_F(AccessibilityTreeTest, AnElementHasItsRoleAndItsPlace) {
   const auto element = tree_->elementAt({100.25, -50});
   ASSERT_TRUE(element);
   EXPECT_EQ(element->role, "AXButton");
@@ -81,7 +81,7 @@ TEST_F(AccessibilityTreeTest, ASearchThatFindsNothingIsNoElement) {
   EXPECT_FALSE(tree_->elementAt({}));
 }
 
-TEST_F(AccessibilityTreeTest, WhatAnElementDoesNotTellIsNotThere) {
+TEST_F(AccessibilityTreeTest, AnAttributeThatAnElementLacksIsAbsent) {
   attributes_ = {{"AXRole", kAXErrorAttributeUnsupported}, {"AXPosition", CGPoint{1, 2}}};
   const auto element = tree_->elementAt({});
   ASSERT_TRUE(element);

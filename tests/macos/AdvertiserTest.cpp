@@ -123,7 +123,7 @@ TEST_F(AdvertiserTest, NothingRunsWhileNothingChanges) {
   EXPECT_EQ(fake::bonjour().books().looks, 2);
 }
 
-TEST_F(AdvertiserTest, ARestartedDaemonIsToldAgainEachTime) {
+TEST_F(AdvertiserTest, TheServiceIsRegisteredAgainAfterEachRestartOfTheDaemon) {
   advertise();
   for (const std::size_t count : {1, 2, 3}) {
     ASSERT_TRUE(isAnnounced(count));

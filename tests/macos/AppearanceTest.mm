@@ -40,7 +40,7 @@ TEST_F(AppearanceTest, LeavesTheFontToTheToolkit) {
   EXPECT_EQ(appearance_->font(), std::nullopt);
 }
 
-TEST_F(AppearanceTest, TellsOfEachChangeUntilItEnds) {
+TEST_F(AppearanceTest, NotifiesOfEachChangeUntilItEnds) {
   int changes = 0;
   std::optional<bool> isDark;
   appearance_->observe([&] {

@@ -138,7 +138,7 @@ TEST_F(CaptureRulesTest, WithoutADisplayThereIsNothingToCapture) {
   EXPECT_EQ(failure(), "No display available to capture.");
 }
 
-TEST_F(CaptureRulesTest, ErrorsOfTheSystemAreToldInItsWords) {
+TEST_F(CaptureRulesTest, ErrorsOfTheSystemAreReportedInItsWords) {
   fake::screenCapture().content.error = "Declined.";
   start();
   EXPECT_EQ(failure(), "Declined.");

@@ -70,7 +70,7 @@ TEST_F(CaptureServiceTest, ThereMayBeNoDisplay) {
   EXPECT_TRUE(content()->displays().empty());
 }
 
-TEST_F(CaptureServiceTest, DeniedContentIsToldInTheWordsOfTheSystem) {
+TEST_F(CaptureServiceTest, DeniedContentIsReportedInTheWordsOfTheSystem) {
   fake::screenCapture().content.error = "The user declined TCCs.";
   EXPECT_EQ(contentFailure(), "The user declined TCCs.");
 }

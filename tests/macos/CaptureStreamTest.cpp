@@ -70,7 +70,7 @@ class CaptureStreamTest : public CaptureTest {
     ++stops_;
   }
 
-  /// Has a sample come that is told from others by its width.
+  /// Has a sample come that is known by its width.
   static void deliver(std::size_t width) { fake::deliver({.width = width}); }
   static void deliverIdle() { fake::deliver({.status = fake::idle, .hasPixels = false}); }
 
@@ -114,12 +114,12 @@ TEST_F(CaptureStreamTest, AFrameIsWhatTheSampleIs) {
   EXPECT_EQ(seen_[0].height, 480);
 }
 
-TEST_F(CaptureStreamTest, OtherSamplesAreToldFromThoseOfTheScreen) {
+TEST_F(CaptureStreamTest, OtherSamplesAreDistinguishedFromThoseOfTheScreen) {
   fake::deliver({.type = fake::Sample::Type::audio});
   EXPECT_FALSE(seen_.at(0).isScreen);
 }
 
-TEST_F(CaptureStreamTest, BrokenSamplesAreToldFromOthers) {
+TEST_F(CaptureStreamTest, BrokenSamplesAreDistinguishedFromOthers) {
   fake::deliver({.isValid = false});
   EXPECT_FALSE(seen_.at(0).isValid);
 }
@@ -382,7 +382,7 @@ TEST_F(CaptureStreamTest, WhatHasEndedByItselfIsNotStopped) {
   EXPECT_EQ(fake::screenCapture().calls.back(), "start");
 }
 
-TEST_F(CaptureStreamTest, ItsOwnEndIsToldWhereFramesAre) {
+TEST_F(CaptureStreamTest, ItsOwnEndIsReportedOnTheQueueOfFrames) {
   std::thread::id frames;
   std::thread::id end;
   whileSeeing_ = [&] { frames = std::this_thread::get_id(); };
@@ -393,7 +393,7 @@ TEST_F(CaptureStreamTest, ItsOwnEndIsToldWhereFramesAre) {
   EXPECT_EQ(end, frames);
 }
 
-TEST_F(CaptureStreamTest, ItMayBeDestroyedWhileItsOwnEndIsTold) {
+TEST_F(CaptureStreamTest, ItMayBeDestroyedWhileItsOwnEndIsReported) {
   std::binary_semaphore entered{0};
   std::binary_semaphore released{0};
   whileStopping_ = [&] {
@@ -411,7 +411,7 @@ TEST_F(CaptureStreamTest, ItMayBeDestroyedWhileItsOwnEndIsTold) {
   ending.join();
 }
 
-TEST_F(CaptureStreamTest, AnEndThatIsToldTooLateIsNotPassedOn) {
+TEST_F(CaptureStreamTest, AnEndThatIsReportedTooLateIsNotPassedOn) {
   fake::screenCapture().stop.comes = false;
   stream_.reset();
   fake::failStream("It has stopped.");

@@ -97,14 +97,14 @@ TEST_F(DisplaysTest, ADisplayThatComesWhileTheyAreReadHasToWait) {
   EXPECT_THAT(displays.layout()->screens, ElementsAre(builtInBounds));
 }
 
-TEST_F(DisplaysTest, AChangeWhileTheyAreReadIsToldAfterwards) {
-  std::vector<fake::DisplayList::Watcher> told;
+TEST_F(DisplaysTest, AChangeWhileTheyAreReadIsReportedAfterwards) {
+  std::vector<fake::DisplayList::Watcher> watchers;
   fake::displayList().whenCounted = [&] {
     fake::displayList().active = {external};
-    told = fake::displayList().watchers;
+    watchers = fake::displayList().watchers;
   };
   const SystemDisplays displays;
-  for (const auto& [callback, userInfo] : told) callback(external.id, kCGDisplayAddFlag, userInfo);
+  for (const auto& [callback, userInfo] : watchers) callback(external.id, kCGDisplayAddFlag, userInfo);
   EXPECT_EQ(displays.layout()->main, externalBounds);
 }
 
@@ -120,7 +120,7 @@ TEST_F(DisplaysTest, WithoutAnAnswerThereAreNoScreens) {
   EXPECT_THAT(displays.layout()->screens, IsEmpty());
 }
 
-TEST_F(DisplaysTest, NothingIsToldOnceTheyHaveGone) {
+TEST_F(DisplaysTest, NothingIsReportedOnceTheyHaveGone) {
   { const SystemDisplays displays; }
   EXPECT_THAT(fake::displayList().watchers, IsEmpty());
 }

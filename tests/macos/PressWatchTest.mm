@@ -21,7 +21,7 @@ class PressWatchTest : public MacTest {
   int presses_ = 0;
 };
 
-TEST_F(PressWatchTest, TellsOfEveryButtonPressedElsewhere) {
+TEST_F(PressWatchTest, ReportsEveryButtonPressedElsewhere) {
   watch_->begin([this] { ++presses_; });
   fake::sendToMonitors(NSEventMaskLeftMouseDown);
   fake::sendToMonitors(NSEventMaskRightMouseDown);
@@ -42,7 +42,7 @@ TEST_F(PressWatchTest, ListensOnlyUntilItsEnd) {
   EXPECT_EQ(presses_, 0);
 }
 
-TEST_F(PressWatchTest, WhoIsToldMayEndIt) {
+TEST_F(PressWatchTest, TheHandlerMayEndIt) {
   watch_->begin([this, big = std::string(100, 'x')] {
     watch_->end();
     presses_ += static_cast<int>(big.size());
@@ -73,7 +73,7 @@ TEST_F(PressWatchTest, EndsWithTheProgram) {
   EXPECT_EQ(fake::monitorCount(), 0U);
 }
 
-TEST_F(PressWatchTest, NeverTellsWhereTheSystemGivesNoMonitor) {
+TEST_F(PressWatchTest, ReportsNothingWithoutAMonitorOfTheSystem) {
   fake::refuseMonitors(true);
   watch_->begin([this] { ++presses_; });
   fake::sendToMonitors(NSEventMaskLeftMouseDown);

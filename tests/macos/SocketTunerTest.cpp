@@ -59,7 +59,7 @@ TEST_F(SocketTunerTest, SenselessIdleTimesAreRefused) {
   EXPECT_TRUE(options().empty());
 }
 
-TEST_F(SocketTunerTest, WhatTheKernelRefusesIsTold) {
+TEST_F(SocketTunerTest, WhatTheKernelRefusesIsReported) {
   for (const auto& option : {keepAlive, idleTime, probeInterval, probeCount}) {
     fake::sockets().refused = {option};
     EXPECT_FALSE(tuner_.enableKeepAlive(socketNumber, Seconds(10))) << option.second;
@@ -100,7 +100,7 @@ TEST_F(SocketTunerTest, ASocketThatIsNoneHasNothingToDeliver) {
   EXPECT_EQ(tuner_.backlog(-1).time, Seconds(0));
 }
 
-TEST_F(SocketTunerTest, ABacklogIsWhatTheKernelTells) {
+TEST_F(SocketTunerTest, ABacklogIsWhatTheKernelReports) {
   connection().tcpi_snd_sbbytes = 90'000;
   connection().tcpi_snd_cwnd = 30'000;
   connection().tcpi_snd_wnd = 60'000;

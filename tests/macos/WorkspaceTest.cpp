@@ -39,7 +39,7 @@ class WorkspaceTest : public MacTest {
   std::unique_ptr<SystemWorkspace> workspace_ = std::make_unique<SystemWorkspace>();
 };
 
-TEST_F(WorkspaceTest, TellsOfRunningProgramsInItsOrder) {
+TEST_F(WorkspaceTest, ListsRunningProgramsInItsOrder) {
   fake::Program nameless = {.process = 3, .policy = 1};
   fake::workspace().programs = {editor, nameless};
   onBareThread([&] {
@@ -186,7 +186,7 @@ TEST_F(WorkspaceTest, OpensInFront) {
   EXPECT_THAT(calls(), ElementsAre("open /Applications/Spreadsheet.app in front"));
 }
 
-TEST_F(WorkspaceTest, TellsWhenAnotherProgramComesToTheFront) {
+TEST_F(WorkspaceTest, NotifiesWhenAnotherProgramComesToTheFront) {
   const auto count = std::make_shared<int>(0);
   // What it holds is on the heap, and gone when it is not kept.
   workspace_->observeActivation([count] { ++*count; });

@@ -54,7 +54,7 @@ class MacPlatform final : public Platform {
   /// Never: the end of the login ends this program, by the application's own way to end.
   void observeEnd(std::function<void()>) override {}
 
-  /// Nothing to do: text is posted at once, and what types it has been told to stop.
+  /// Nothing to do: text is posted at once, and what types it was asked to stop.
   void stopTyping() override {}
 
   /// The capture alone can be waited for without an end.

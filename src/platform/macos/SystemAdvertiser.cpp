@@ -22,7 +22,7 @@ constexpr std::array retryDelays = {milliseconds(50), milliseconds(200), millise
 
 }  // namespace
 
-/// What is to be announced, and the bell that tells the thread of a change. Threads: any.
+/// What is to be announced, and the bell that wakes the thread for a change. Threads: any.
 class SystemAdvertiser::Orders {
  public:
   struct State {

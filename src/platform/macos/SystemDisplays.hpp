@@ -9,7 +9,7 @@ namespace orvel {
 
 /// The displays that are switched on, the main one first. What they are is asked when they change, not with each event.
 ///
-/// Threads: any, but made and destroyed on the main thread, whose run loop tells of changes.
+/// Threads: any, but made and destroyed on the main thread, whose run loop reports changes.
 class SystemDisplays final : public Displays {
  public:
   SystemDisplays();

@@ -15,13 +15,13 @@ class SystemSocketTuner final : public SocketTuner {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override;
 
-  /// Never finds data ignored: it tells the kernel how patient to be, which then ends the connection itself.
+  /// Never finds data ignored: it gives the kernel a time limit, which then ends the connection itself.
   Delivery delivery(int socket, Seconds patience) override;
 
   bool hasHungUp(int socket) override;
   Backlog backlog(int socket) override;
 
-  /// What the kernel tells of a connection: bytes unacknowledged, bytes that may be under way at a time, and how many
+  /// What the kernel reports of a connection: bytes unacknowledged, bytes that may be under way at a time, and how many
   /// milliseconds the way there and back takes (0 for less than one, and when it does not know).
   struct Pace {
     std::uint32_t unacknowledged = 0;

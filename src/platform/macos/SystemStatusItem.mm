@@ -7,7 +7,7 @@
 
 #include <utility>
 
-/// What the button tells, which does not keep it.
+/// The target of the button's action, which the button does not keep.
 @interface OrvelStatusItemTarget : NSObject {
  @public
   orvel::StatusItem::Handlers handlers_;
@@ -41,7 +41,7 @@ NSImage* imageOf(Symbol symbol) {
 }  // namespace
 
 struct SystemStatusItem::Shown {
-  Shown(NSStatusItem* shown, OrvelStatusItemTarget* told) : item(shown), target(told) {}
+  Shown(NSStatusItem* shown, OrvelStatusItemTarget* pressed) : item(shown), target(pressed) {}
   ~Shown() { [NSStatusBar.systemStatusBar removeStatusItem:item]; }
 
   NSStatusItem* const item;
@@ -62,11 +62,11 @@ void SystemStatusItem::show(Symbol symbol, Handlers handlers) {
   item.button.action = @selector(press:);
   [item.button sendActionOn:presses];
   setSymbol(symbol);
-  // Held by this alone, so that nobody is told any more when it has gone by then.
-  __weak OrvelStatusItemTarget* const toTell = target;
+  // Held by this alone, so that nobody is notified any more when it has gone by then.
+  __weak OrvelStatusItemTarget* const weakTarget = target;
   __weak NSStatusItem* const asked = item;
   dispatch_async(dispatch_get_main_queue(), ^{
-    OrvelStatusItemTarget* const living = toTell;
+    OrvelStatusItemTarget* const living = weakTarget;
     if (living != nil) living->handlers_.decided(asked.isVisible != NO);
   });
 }

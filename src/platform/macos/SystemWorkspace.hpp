@@ -7,7 +7,7 @@
 
 namespace orvel {
 
-/// The user's programs as the shared workspace tells of them, each known by its process and its bundle. What it tells
+/// The user's programs as the shared workspace lists them, each known by its process and its bundle. The list
 /// changes while the main thread's loop turns.
 ///
 /// Threads: any, but for `observeActivation` and the end, which are the main thread's; the observer is called there.

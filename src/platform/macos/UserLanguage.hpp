@@ -4,7 +4,7 @@
 namespace orvel::UserLanguage {
 
 /// Has the library that sorts names go by it, everywhere in this program. By itself it looks at the environment, which
-/// tells of no language in a program that Finder has started. Threads: the main thread, before there are others.
+/// names no language in a program that Finder has started. Threads: the main thread, before there are others.
 void apply();
 
 }  // namespace orvel::UserLanguage

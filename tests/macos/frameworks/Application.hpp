@@ -17,10 +17,10 @@ struct Application {
 /// Tests set it anew.
 Application& application();
 
-/// Gives it another look and tells who observes it.
+/// Gives it another look and notifies its observers.
 void changeAppearance(const std::string& name);
 
-/// Tells that it has been launched.
+/// Posts the notification that it has been launched.
 void finishLaunching();
 
 }  // namespace fake

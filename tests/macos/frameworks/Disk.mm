@@ -22,7 +22,7 @@ NSString* NSHomeDirectory() {
   return objectivec::text(fake::disk().home);
 }
 
-// What a CFBundleRef is. It keeps what it has told, as long as it lives.
+// What a CFBundleRef is. It keeps what it has returned, as long as it lives.
 @interface Bundle : NSObject {
  @public
   std::map<std::string, id> values_;

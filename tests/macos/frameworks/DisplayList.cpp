@@ -8,7 +8,7 @@ namespace {
 
 constexpr CGError failure = 1000;
 
-void tell(const std::vector<Display>& displays, CGDisplayChangeSummaryFlags flags) {
+void notify(const std::vector<Display>& displays, CGDisplayChangeSummaryFlags flags) {
   for (const Display& display : displays) {
     for (const auto& [callback, userInfo] : displayList().watchers) callback(display.id, flags, userInfo);
   }
@@ -23,11 +23,11 @@ DisplayList& displayList() {
 
 void DisplayList::become(std::vector<Display> displays, std::optional<CGDirectDisplayID> newMain) {
   const auto before = active;
-  tell(before, kCGDisplayBeginConfigurationFlag);
+  notify(before, kCGDisplayBeginConfigurationFlag);
   active = std::move(displays);
   main = newMain;
-  tell(before, kCGDisplayRemoveFlag);
-  tell(active, kCGDisplayAddFlag | kCGDisplayMovedFlag);
+  notify(before, kCGDisplayRemoveFlag);
+  notify(active, kCGDisplayAddFlag | kCGDisplayMovedFlag);
 }
 
 }  // namespace fake

@@ -21,11 +21,11 @@ struct DisplayList {
   std::vector<Display> active;            ///< In any order.
   std::optional<CGDirectDisplayID> main;  ///< Otherwise the first one.
   bool isUnreadable = false;
-  std::function<void()> whenCounted;  ///< What happens after somebody was told how many there are.
+  std::function<void()> whenCounted;  ///< What happens after somebody has asked how many there are.
   int questions = 0;                  ///< How often somebody asked for the list or for bounds.
   std::vector<Watcher> watchers;
 
-  /// Another set of displays: told before and after, once for each display.
+  /// Another set of displays: reported before and after, once for each display.
   void become(std::vector<Display> displays, std::optional<CGDirectDisplayID> newMain = std::nullopt);
 };
 

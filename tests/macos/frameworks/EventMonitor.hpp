@@ -7,7 +7,7 @@
 /// What programs hear of the events that others get.
 namespace fake {
 
-/// Tells the monitors of an event of that kind, which is a mask of its own.
+/// Notifies the monitors of an event of that kind, which is a mask of its own.
 void sendToMonitors(NSEventMask kind);
 
 std::size_t monitorCount();

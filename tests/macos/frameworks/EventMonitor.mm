@@ -48,9 +48,9 @@ namespace fake {
 void sendToMonitors(NSEventMask kind) {
   @autoreleasepool {
     NSEvent* event = [[NSEvent alloc] init];
-    // Not kept while they are told: whoever ends its watch then loses its block in the middle of it.
-    std::vector<EventMonitor * __weak> told(monitors().begin(), monitors().end());
-    for (const auto& each : told) {
+    // Not kept while they are notified: whoever ends its watch then loses its block in the middle of it.
+    std::vector<EventMonitor * __weak> notified(monitors().begin(), monitors().end());
+    for (const auto& each : notified) {
       void (^__unsafe_unretained handler)(NSEvent*) = nil;
       if (EventMonitor* monitor = each; monitor != nil && (monitor->mask_ & kind) != 0) handler = monitor->handler_;
       if (handler != nil) handler(event);

@@ -8,7 +8,7 @@
 /// Observers of properties. One that is removed without having been added ends the program, as on a Mac.
 namespace fake {
 
-/// Tells the observers of that property that it has another value.
+/// Notifies the observers of that property that it has another value.
 void tellKeyValueObservers(NSObject* observed, const std::string& keyPath);
 
 std::size_t keyValueObserverCount();

@@ -42,8 +42,8 @@ std::vector<Observation>& observations() {
 namespace fake {
 
 void tellKeyValueObservers(NSObject* observed, const std::string& keyPath) {
-  const auto told = observations();
-  for (const Observation& each : told) {
+  const auto notified = observations();
+  for (const Observation& each : notified) {
     if (each.observed != observed || each.keyPath != keyPath) continue;
     @autoreleasepool {
       [each.observer observeValueForKeyPath:[NSString stringWithUTF8String:keyPath.c_str()]

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What programs tell the system of its user, in place of IOKit.
+/// What programs declare of the user's activity, in place of IOKit.
 namespace fake {
 
 struct UserActivity {

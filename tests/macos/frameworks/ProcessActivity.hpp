@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What this process tells the system that it does.
+/// The activities that this process has begun.
 namespace fake {
 
 struct BegunActivity {

@@ -15,7 +15,7 @@ struct Sockets {
 
   std::map<int, std::map<Option, int>> options;  ///< What was set, by socket.
   std::set<Option> refused;
-  std::map<int, tcp_connection_info> connections;  ///< What there is to tell of each.
+  std::map<int, tcp_connection_info> connections;  ///< What the kernel reports of each.
 };
 
 /// Tests set it anew.

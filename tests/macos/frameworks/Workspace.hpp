@@ -30,10 +30,10 @@ struct Workspace {
 /// Tests set it anew.
 Workspace& workspace();
 
-/// Tells the workspace's observers, on this thread, that another program has come to the front.
+/// Notifies the workspace's observers, on this thread, that another program has come to the front.
 void bringAnotherToFront();
 
-/// Brings the program of that process to the front, and tells the observers on this thread.
+/// Brings the program of that process to the front, and notifies the observers on this thread.
 void comeToFront(int process);
 
 /// How many observers the workspace has.

@@ -20,7 +20,7 @@ bool isUTF8(const std::string& bytes);
 
 NSError* error(const std::string& domain, NSInteger code, const std::string& description);
 
-/// Tells the observers of `center`, on this thread.
+/// Notifies the observers of `center`, on this thread.
 void notify(NSNotificationCenter* center, NSString* name, NSDictionary* userInfo);
 std::size_t observerCount(NSNotificationCenter* center);
 

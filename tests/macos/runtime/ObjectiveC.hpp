@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-/// What the runtime can tell of the objects that it has made.
+/// What the runtime knows of the objects that it has made.
 namespace objectivec {
 
 /// How many objects of each class are alive. Blocks on the heap count as "block". Threads: any.
