@@ -1,5 +1,6 @@
 #include "MacTest.hpp"
 #include "fakes/FakeClock.hpp"
+#include "frameworks/DisplayList.hpp"
 #include "frameworks/PowerManagement.hpp"
 #include "frameworks/Quartz.hpp"
 #include "platform/macos/SystemEventPoster.hpp"
@@ -25,6 +26,7 @@ class EventPosterTest : public MacTest {
     MacTest::SetUp();
     fake::quartz() = {};
     fake::powerManagement() = {};
+    fake::displayList() = {};
   }
 
   /// One of each kind but text.
@@ -213,6 +215,55 @@ TEST_F(EventPosterTest, AThousandPlacesWithoutAQuestionStillEndAtTheLast) {
   for (int x = 1; x <= 1000; ++x) moveTo(10 * x, 0);
   fake::letPointerArrive(990);
   EXPECT_EQ(poster_.pointerLocation(), (Point{10'000, 0}));
+}
+
+TEST_F(EventPosterTest, ThePlaceThatThePointerIsKeptAtCountsHoweverOftenItIsPutElsewhere) {
+  fake::quartz().pointer = {100, 100};
+  fake::quartz().isSlow = true;
+  for (int tick = 0; tick < 100; ++tick) {
+    const auto before = poster_.pointerLocation();
+    ASSERT_TRUE(before);
+    if (tick * 0.008 > 0.21) {
+      EXPECT_EQ(*before, (Point{100, 100})) << tick;
+    }
+    moveTo(before->x, before->y + 10);
+    clock_.advance(Seconds(0.008));
+  }
+}
+
+TEST_F(EventPosterTest, APlaceCountsAsReachedForAsLongAsTheNextIsYoung) {
+  fake::quartz().pointer = {100, 100};
+  fake::quartz().isSlow = true;
+  moveTo(200, 100);
+  clock_.advance(Seconds(0.15));
+  moveTo(300, 100);
+  fake::letPointerArrive(1);
+  clock_.advance(Seconds(0.15));
+  EXPECT_EQ(poster_.pointerLocation(), (Point{300, 100})) << "the system has had 0.15 s for it";
+  clock_.advance(Seconds(0.04));
+  moveTo(400, 100);
+  EXPECT_EQ(poster_.pointerLocation(), (Point{400, 100}));
+  clock_.advance(Seconds(0.02));
+  EXPECT_EQ(poster_.pointerLocation(), (Point{200, 100})) << "it has had 0.21 s for the second";
+}
+
+TEST_F(EventPosterTest, APointerThatWasKeptMayBeLateAgainOnceItHasMoved) {
+  fake::quartz().pointer = {100, 100};
+  fake::quartz().isSlow = true;
+  moveTo(100, 110);
+  clock_.advance(Seconds(0.15));
+  moveTo(100, 120);
+  clock_.advance(Seconds(0.06));
+  ASSERT_EQ(poster_.pointerLocation(), (Point{100, 100}));
+  moveTo(100, 90);
+  EXPECT_EQ(poster_.pointerLocation(), (Point{100, 100})) << "still kept, for all that is known";
+  moveTo(100, 80);
+  fake::quartz().pointer = {100, 90};
+  EXPECT_EQ(poster_.pointerLocation(), (Point{100, 80}));
+  moveTo(100, 100);
+  moveTo(100, 110);
+  fake::quartz().pointer = {100, 100};
+  EXPECT_EQ(poster_.pointerLocation(), (Point{100, 110})) << "where it was kept before";
 }
 
 TEST_F(EventPosterTest, ADisplayThatSleepsWakesForInputOfEveryKind) {

@@ -61,6 +61,13 @@ class InputRulesTest : public MacTest {
     mac_->clock.runDue();
   }
 
+  /// Motion of one tick, which is at most 127 points down, or as many up.
+  void moveVertically(std::int8_t points) {
+    const auto low = static_cast<std::uint8_t>(points);
+    send({1, 0, 0, low, static_cast<std::uint8_t>(points < 0 ? 0xff : 0)});
+    mac_->clock.advance(Seconds(0.008));
+  }
+
   /// One snap of the pointer at 100, 100 beside an element whose centre is `distance` to its right.
   void snap(double distance, const std::string& role = "AXButton") {
     fake::accessibility().attributes.insert(
@@ -180,6 +187,41 @@ TEST_F(InputRulesTest, MotionAddsUpAlthoughThePointerArrivesLate) {
     mac_->clock.advance(Seconds(0.008));
   }
   EXPECT_THAT(posted_, ElementsAre(isAt(110, 100), isAt(120, 100), isAt(130, 100)));
+}
+
+TEST_F(InputRulesTest, MotionAddsUpAlthoughEachPlaceArrivesLate) {
+  fake::quartz().isSlow = true;
+  for (int tick = 1; tick <= 100; ++tick) {
+    moveVertically(1);
+    if (tick > 12) fake::letPointerArrive(1);
+  }
+  EXPECT_THAT(posted_.back(), isAt(100, 200));
+}
+
+TEST_F(InputRulesTest, ThePointerTurnsAtOnceWhereItWasPushedAgainstAGapBetweenDisplays) {
+  fake::quartz().pointer = {1500, 500};
+  for (int tick = 0; tick < 100; ++tick) moveVertically(40);
+  ASSERT_THAT(fake::quartz().pointer, ElementsAre(1500, 599)) << "the second display ends above the first";
+  moveVertically(-10);
+  EXPECT_THAT(posted_.back(), isAt(1500, 589));
+  EXPECT_THAT(fake::quartz().pointer, ElementsAre(1500, 589));
+  moveVertically(-10);
+  EXPECT_THAT(fake::quartz().pointer, ElementsAre(1500, 579));
+}
+
+TEST_F(InputRulesTest, ThePointerTurnsSoonWhereItIsLateAndWasPushedAgainstAGap) {
+  fake::quartz().pointer = {1500, 500};
+  fake::quartz().isSlow = true;
+  for (int tick = 1; tick <= 100; ++tick) {
+    moveVertically(40);
+    if (tick > 5) fake::letPointerArrive(1);
+  }
+  for (int tick = 0; tick < 20; ++tick) {
+    moveVertically(-10);
+    fake::letPointerArrive(1);
+  }
+  fake::letPointerArrive(5);
+  EXPECT_LE(fake::quartz().pointer[1], 599 - 100) << "half of the way back at least";
 }
 
 TEST_F(InputRulesTest, ADisplayThatSleepsWakesForAPhone) {

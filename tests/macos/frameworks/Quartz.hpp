@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-/// The events of the system, in place of CoreGraphics: they are recorded as they are posted, and move the pointer.
+/// The events of the system, in place of CoreGraphics: they are recorded as they are posted, and move the pointer,
+/// which stays on the displays, if there are any.
 namespace fake {
 
 struct QuartzEvent {

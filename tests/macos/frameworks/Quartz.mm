@@ -1,5 +1,6 @@
 #include "frameworks/Quartz.hpp"
 
+#include "frameworks/DisplayList.hpp"
 #include "frameworks/QuartzEventObject.hpp"
 #include "runtime/Foundation.hpp"
 
@@ -34,6 +35,24 @@ void leaveToPool() {
   objectivec::text("for the pool");
 }
 
+bool contains(const CGRect& bounds, const std::array<double, 2>& place) {
+  return place[0] >= bounds.origin.x && place[0] < bounds.origin.x + bounds.size.width && place[1] >= bounds.origin.y &&
+         place[1] < bounds.origin.y + bounds.size.height;
+}
+
+/// Where the pointer comes to be that is put at `wanted`: outside of all displays, at the edge of its own.
+std::array<double, 2> onDisplay(const std::array<double, 2>& pointer, const std::array<double, 2>& wanted) {
+  const auto& displays = fake::displayList().active;
+  const auto holds = [](const auto& place) {
+    return [&place](const fake::Display& display) { return contains(display.bounds, place); };
+  };
+  const auto own = std::ranges::find_if(displays, holds(pointer));
+  if (own == displays.end() || std::ranges::any_of(displays, holds(wanted))) return wanted;
+  const auto& [origin, size] = own->bounds;
+  return {std::clamp(wanted[0], origin.x, origin.x + size.width - 1),
+          std::clamp(wanted[1], origin.y, origin.y + size.height - 1)};
+}
+
 CGEventRef owned(QuartzEventObject* object) {
   return (CGEventRef)(__bridge_retained void*)object;
 }
@@ -50,7 +69,7 @@ Quartz& quartz() {
 void letPointerArrive(int places) {
   auto& waiting = quartz().pointerGoesTo;
   for (; places > 0 && !waiting.empty(); --places) {
-    quartz().pointer = waiting.front();
+    quartz().pointer = onDisplay(quartz().pointer, waiting.front());
     waiting.pop_front();
   }
 }

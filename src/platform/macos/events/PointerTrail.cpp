@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 
 namespace orvel {
 namespace {
@@ -21,37 +22,47 @@ bool isSame(Point left, Point right) {
 }  // namespace
 
 bool PointerTrail::isCold() const {
-  return state_.withLock([this](const State& state) { return isCold(state); });
+  const Seconds now = clock_.now();
+  return state_.withLock([now](const State& state) { return isCold(state, now); });
 }
 
-bool PointerTrail::isCold(const State& state) const {
-  return state.places.empty() || clock_.now() - state.putAt > longestDelay;
+bool PointerTrail::isCold(const State& state, Seconds now) {
+  return state.places.empty() || now - state.places.back().putAt > longestDelay;
 }
 
 void PointerTrail::begin(Point reported) {
-  state_.withLock([reported](State& state) { state.places = {reported}; });
+  const Seconds now = clock_.now();
+  state_.withLock([=](State& state) { state = {.places = {{reported, now}}, .stuckAt = std::nullopt}; });
 }
 
 void PointerTrail::put(Point place) {
   const Seconds now = clock_.now();
   state_.withLock([=](State& state) {
     if (state.places.size() == mostPlaces) state.places.pop_front();
-    state.places.push_back(place);
-    state.putAt = now;
+    state.places.push_back({place, now});
   });
 }
 
 Point PointerTrail::resolve(Point reported) {
-  return state_.withLock([&](State& state) {
-    if (isCold(state)) return reported;
-    const Point last = state.places.back();
-    const bool hasArrived = isSame(last, reported);
-    const bool isBehind = std::any_of(state.places.begin(), state.places.end(),
-                                      [reported](Point place) { return isSame(place, reported); });
-    if (isBehind && !hasArrived) return last;
-    state.places = {reported};
+  const Seconds now = clock_.now();
+  return state_.withLock([=](State& state) {
+    if (isCold(state, now)) return reported;
+    const Place last = state.places.back();
+    const Whereabouts whereabouts = find(state, reported, now);
+    state.stuckAt = whereabouts == Whereabouts::stuck ? std::optional(reported) : std::nullopt;
+    if (whereabouts == Whereabouts::behind) return last.point;
+    if (whereabouts == Whereabouts::known) state.places = {{reported, last.putAt}};
     return reported;
   });
+}
+
+PointerTrail::Whereabouts PointerTrail::find(const State& state, Point reported, Seconds now) {
+  const auto isThere = [reported](const Place& place) { return isSame(place.point, reported); };
+  if (isThere(state.places.back())) return Whereabouts::known;
+  if (state.stuckAt && isSame(*state.stuckAt, reported)) return Whereabouts::stuck;
+  const auto found = std::find_if(state.places.rbegin(), state.places.rend(), isThere);
+  if (found == state.places.rend()) return Whereabouts::known;
+  return now - std::prev(found)->putAt <= longestDelay ? Whereabouts::behind : Whereabouts::stuck;
 }
 
 }  // namespace orvel

@@ -5,11 +5,15 @@
 #include "base/Guarded.hpp"
 
 #include <deque>
+#include <optional>
 
 namespace orvel {
 
 /// The places where the pointer was put a moment ago. The system says where it is only once it has handled the events,
 /// so what it says may still be a place before the last.
+///
+/// It may also keep the pointer where it is, as at a gap between displays: when it says the same place for longer than
+/// it takes to handle an event, then it is believed, from then on until it says another.
 ///
 /// Threads: any.
 class PointerTrail {
@@ -25,17 +29,27 @@ class PointerTrail {
   /// An event at that place was posted.
   void put(Point place);
 
-  /// Where the pointer is while the system says that it is at `reported`: where it was put last, if the system is still
-  /// behind; `reported`, if somebody else has moved it or the last event is longer ago than the system takes.
+  /// Where the pointer is while the system says that it is at `reported`: where it was put last, if the system may not
+  /// have handled yet what was put next after `reported`; `reported`, if it has, or if somebody else has moved it.
   Point resolve(Point reported);
 
  private:
-  struct State {
-    std::deque<Point> places;  ///< The oldest first.
+  struct Place {
+    Point point;
     Seconds putAt{};
   };
 
-  bool isCold(const State& state) const;
+  struct State {
+    std::deque<Place> places;      ///< The oldest first.
+    std::optional<Point> stuckAt;  ///< Where the system keeps the pointer, although it was put elsewhere.
+  };
+
+  /// What the place means that the system reports: where it was put last or somebody else has moved it; one before the
+  /// last, on the way; one that it did not leave.
+  enum class Whereabouts { known, behind, stuck };
+
+  static bool isCold(const State& state, Seconds now);
+  static Whereabouts find(const State& state, Point reported, Seconds now);
 
   const Clock& clock_;
   Guarded<State> state_;
