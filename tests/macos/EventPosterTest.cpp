@@ -4,6 +4,7 @@
 #include "frameworks/PowerManagement.hpp"
 #include "frameworks/Quartz.hpp"
 #include "platform/macos/SystemEventPoster.hpp"
+#include "runtime/Dispatch.hpp"
 
 #include <gmock/gmock.h>
 
@@ -40,7 +41,10 @@ class EventPosterTest : public MacTest {
 
   void moveTo(double x, double y) { ASSERT_TRUE(poster_.post(MouseEvent{.position = {x, y}})); }
 
-  std::size_t declarations() const { return fake::powerManagement().activities.size(); }
+  static std::size_t declarations() {
+    dispatch::turnGlobalQueues();
+    return fake::powerManagement().activities.size();
+  }
 
   std::vector<QuartzEvent>& posted_ = fake::quartz().posted;
   FakeClock clock_;
@@ -273,16 +277,29 @@ TEST_F(EventPosterTest, ADisplayThatSleepsWakesForInputOfEveryKind) {
     if (kind == 0) poster_.post(MouseEvent{});
     if (kind == 1) poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = {}, .clickState = 1});
     if (kind == 2) poster_.post(ScrollEvent{});
-    if (kind == 3) poster_.post(KeyEvent{});
+    if (kind == 3) poster_.post(KeyEvent{.keyCode = 8, .down = true});
     if (kind == 4) poster_.post(SystemDefinedEvent{});
     if (kind == 5) poster_.post(TextEvent{.text = u"a"});
+    EXPECT_EQ(dispatch::turnGlobalQueues(), 1);
     EXPECT_FALSE(fake::powerManagement().displaySleeps) << kind;
   }
 }
 
-TEST_F(EventPosterTest, TheSystemIsToldOfItsUserNowAndThenAndNotForEachEvent) {
+TEST_F(EventPosterTest, AReleaseWakesNoDisplay) {
+  fake::powerManagement().displaySleeps = true;
+  for (const MouseEventType type : {MouseEventType::leftUp, MouseEventType::rightUp, MouseEventType::otherUp}) {
+    ASSERT_TRUE(poster_.post(MouseEvent{.type = type, .position = {}, .clickState = 1}));
+  }
+  ASSERT_TRUE(poster_.post(KeyEvent{.keyCode = 8, .down = false}));
+  EXPECT_EQ(declarations(), 0u);
+  EXPECT_TRUE(fake::powerManagement().displaySleeps);
+  EXPECT_THAT(posted_, SizeIs(4));
+}
+
+TEST_F(EventPosterTest, ActivityIsDeclaredNowAndThenAndNotForEachEvent) {
   for (int event = 0; event < 625; ++event) {
     moveTo(event, 0);
+    dispatch::turnGlobalQueues();
     clock_.advance(Seconds(0.008));
   }
   EXPECT_EQ(declarations(), 1u);
@@ -290,9 +307,36 @@ TEST_F(EventPosterTest, TheSystemIsToldOfItsUserNowAndThenAndNotForEachEvent) {
   EXPECT_EQ(declarations(), 2u);
 }
 
+TEST_F(EventPosterTest, InputDoesNotWaitForTheDeclarationOfActivity) {
+  moveTo(0, 0);
+  EXPECT_THAT(posted_, SizeIs(1));
+  EXPECT_THAT(fake::powerManagement().activities, IsEmpty());
+  EXPECT_EQ(dispatch::turnGlobalQueues(), 1);
+  EXPECT_THAT(fake::powerManagement().activities, SizeIs(1));
+}
+
+TEST_F(EventPosterTest, DeclarationsDoNotPileUpWhileTheSystemHangs) {
+  for (int times = 0; times < 10; ++times) {
+    moveTo(0, 0);
+    clock_.advance(Seconds(60));
+  }
+  EXPECT_EQ(declarations(), 1u);
+  moveTo(0, 0);
+  EXPECT_EQ(declarations(), 2u) << "once it has answered";
+}
+
+TEST_F(EventPosterTest, ADeclarationMayOutliveThePoster) {
+  {
+    SystemEventPoster brief(clock_);
+    ASSERT_TRUE(brief.post(ScrollEvent{}));
+  }
+  EXPECT_EQ(declarations(), 1u);
+}
+
 TEST_F(EventPosterTest, TheActivityOfOneUserIsRenewed) {
   for (int times = 0; times < 3; ++times) {
     moveTo(0, 0);
+    dispatch::turnGlobalQueues();
     clock_.advance(Seconds(60));
   }
   const auto activity = [](IOPMAssertionID renewed) {
@@ -309,6 +353,7 @@ TEST_F(EventPosterTest, InputGoesOnWhenTheSystemTakesNoActivity) {
   EXPECT_EQ(declarations(), 1u);
   clock_.advance(Seconds(5));
   moveTo(3, 3);
+  EXPECT_EQ(declarations(), 2u);
   EXPECT_EQ(fake::powerManagement().activities.back().renewed, 0u);
 }
 

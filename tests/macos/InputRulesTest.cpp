@@ -6,6 +6,7 @@
 #include "frameworks/PowerManagement.hpp"
 #include "frameworks/Quartz.hpp"
 #include "frameworks/Trust.hpp"
+#include "runtime/Dispatch.hpp"
 
 #include <gmock/gmock.h>
 
@@ -228,7 +229,21 @@ TEST_F(InputRulesTest, ADisplayThatSleepsWakesForAPhone) {
   fake::powerManagement().displaySleeps = true;
   send({1, 10, 0, 0, 0});
   mac_->clock.runDue();
+  dispatch::turnGlobalQueues();
   EXPECT_FALSE(fake::powerManagement().displaySleeps);
+}
+
+TEST_F(InputRulesTest, ADisplayThatSleepsDoesNotWakeForAPhoneThatLeaves) {
+  send({2, 0, 1});
+  send({4, 8, 0, 1, 0});
+  dispatch::turnGlobalQueues();
+  mac_->clock.advance(Seconds(60));
+  fake::powerManagement().displaySleeps = true;
+  mac_->phone->drop();
+  mac_->clock.runDue();
+  dispatch::turnGlobalQueues();
+  EXPECT_THAT(posted_, testing::IsSupersetOf({isOfType(2), isOfType(11)}));
+  EXPECT_TRUE(fake::powerManagement().displaySleeps);
 }
 
 TEST_F(InputRulesTest, WithoutThePermissionNoDisplayWakes) {
@@ -237,6 +252,7 @@ TEST_F(InputRulesTest, WithoutThePermissionNoDisplayWakes) {
   fake::powerManagement().displaySleeps = true;
   send({8, 0, 1});
   mac_->clock.runDue();
+  dispatch::turnGlobalQueues();
   EXPECT_TRUE(fake::powerManagement().displaySleeps);
 }
 

@@ -27,6 +27,7 @@ void makeSharedObjects() {
   (void)NSUserDefaults.standardUserDefaults;
   (void)SMAppService.mainAppService;
   (void)dispatch_get_main_queue();
+  (void)dispatch_get_global_queue(QOS_CLASS_DEFAULT, 0);
   (void)NSAppleEventManager.sharedAppleEventManager;
   (void)NSApplication.sharedApplication;
   (void)NSProcessInfo.processInfo;
@@ -55,6 +56,7 @@ void MacTest::SetUp() {
 
 void MacTest::TearDown() {
   dispatch::turnMainQueue();
+  dispatch::turnGlobalQueues();
   objc_autoreleasePoolPop(pool_);
   awaitObjects(before_);
   EXPECT_EQ(objectivec::livingObjects(), before_) << "An object was left behind, or one too many released.";

@@ -10,7 +10,8 @@ namespace orvel {
 ///
 /// A text that is too long for one event goes out as several strokes, each released before the next is pressed.
 ///
-/// A display that sleeps wakes for it. The pointer is where it was put last, even while the system does not say so yet.
+/// A display that sleeps wakes for it, but not for a release, which may be that of a phone that leaves. The pointer is
+/// where it was put last, even while the system does not say so yet.
 ///
 /// Threads: any.
 class SystemEventPoster final : public EventPoster {

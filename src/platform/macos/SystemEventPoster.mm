@@ -24,6 +24,10 @@ bool isMotion(MouseEventType type) {
   return type == MouseEventType::moved || type == MouseEventType::leftDragged || type == MouseEventType::rightDragged;
 }
 
+bool isRelease(MouseEventType type) {
+  return type == MouseEventType::leftUp || type == MouseEventType::rightUp || type == MouseEventType::otherUp;
+}
+
 bool send(const Event& event) {
   if (event) CGEventPost(kCGHIDEventTap, event.get());
   return event != nullptr;
@@ -52,7 +56,7 @@ std::optional<Point> reportedLocation() {
 // affair.
 bool SystemEventPoster::post(const MouseEvent& event) {
   @autoreleasepool {
-    activity_.declare();
+    if (!isRelease(event.type)) activity_.declare();
     const Event made(CGEventCreateMouseEvent(nullptr, static_cast<CGEventType>(event.type),
                                              {.x = event.position.x, .y = event.position.y},
                                              static_cast<CGMouseButton>(event.buttonCode)));
@@ -82,7 +86,7 @@ bool SystemEventPoster::post(const ScrollEvent& event) {
 bool SystemEventPoster::post(const KeyEvent& event) {
   if (event.staysDown) return true;  // modifiers come with each event, not with the key
   @autoreleasepool {
-    activity_.declare();
+    if (event.down) activity_.declare();
     const Event made(CGEventCreateKeyboardEvent(nullptr, event.keyCode, event.down));
     if (!made) return false;
     CGEventSetFlags(made.get(), static_cast<CGEventFlags>(event.flags));

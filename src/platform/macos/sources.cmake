@@ -14,7 +14,7 @@ set(ORVEL_MACOS_SOURCES
     events/PointerTrail.cpp
     events/SystemDefined.mm
     events/TextPieces.cpp
-    events/UserActivity.cpp
+    events/UserActivity.mm
     FoundationText.mm
     IconDrawer.mm
     instance/InstancePort.cpp

@@ -6,11 +6,15 @@
 #include <string>
 #include <vector>
 
-/// The queues of the system: each has a thread of its own, but for the main queue, which a test turns.
+/// The queues of the system: each has a thread of its own, but for the main queue and the global ones, which a test
+/// turns.
 namespace dispatch {
 
 /// Runs what waits in the main queue, on this thread, and returns how many blocks that were.
 int turnMainQueue();
+
+/// The same for what waits in the global queues.
+int turnGlobalQueues();
 
 /// Waits until the queue has run what it was given before.
 void finish(dispatch_queue_t queue);

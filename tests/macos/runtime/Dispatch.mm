@@ -137,6 +137,12 @@ Queue* mainQueue() {
   return queue;
 }
 
+/// One stands for all.
+Queue* globalQueue() {
+  static Queue* queue = makeQueue("global");
+  return queue;
+}
+
 }  // namespace
 
 extern "C" {
@@ -157,6 +163,10 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t 
 
 dispatch_queue_t dispatch_get_main_queue() {
   return mainQueue();
+}
+
+dispatch_queue_t dispatch_get_global_queue(intptr_t, uintptr_t) {
+  return globalQueue();
 }
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
@@ -256,6 +266,10 @@ std::vector<double> timeouts() {
 
 int turnMainQueue() {
   return mainQueue()->lane_->run(false);
+}
+
+int turnGlobalQueues() {
+  return globalQueue()->lane_->run(false);
 }
 
 void finish(dispatch_queue_t queue) {

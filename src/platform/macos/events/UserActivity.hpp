@@ -4,6 +4,7 @@
 #include "base/Guarded.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace orvel {
@@ -11,26 +12,29 @@ namespace orvel {
 /// Declares to the system that somebody uses this Mac, as events that a program posts do not: it wakes a display that
 /// sleeps, and puts off its sleep.
 ///
-/// Threads: any.
+/// Threads: any. The system, which is another process, is asked on a thread of its queues.
 class UserActivity {
  public:
   explicit UserActivity(const Clock& clock) : clock_(clock) {}
 
-  /// Called for each input event. The system, which is another process, is asked at most every five seconds; a failure
-  /// is tried again after as long.
+  /// Called for each input event but a release. Returns at once. The system is asked at most every five seconds and not
+  /// before it has answered; a failure is tried again after as long.
   void declare();
 
  private:
   struct State {
     std::optional<Seconds> declaredAt;
+    bool isRenewing = false;
     std::uint32_t assertion = 0;  ///< What the system knows the activity by; 0 for none yet.
   };
 
-  /// The assertion to renew, if it is time to.
-  std::optional<std::uint32_t> takeDue();
+  /// Whether it is time to renew the assertion, which is then the caller's to do.
+  bool takeDue();
+
+  static void renew(Guarded<State>& guarded);
 
   const Clock& clock_;
-  Guarded<State> state_;
+  const std::shared_ptr<Guarded<State>> state_ = std::make_shared<Guarded<State>>();
 };
 
 }  // namespace orvel

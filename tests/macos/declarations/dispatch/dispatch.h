@@ -34,6 +34,7 @@ MAC_EXTERN dispatch_queue_attr_t dispatch_queue_attr_make_with_qos_class(dispatc
                                                                          dispatch_qos_class_t qos, int relativePriority)
     MAC_SINCE(10.10);
 MAC_EXTERN dispatch_queue_t dispatch_get_main_queue(void);
+MAC_EXTERN dispatch_queue_t dispatch_get_global_queue(intptr_t identifier, uintptr_t flags) MAC_SINCE(10.6);
 MAC_EXTERN void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) MAC_SINCE(10.6);
 MAC_EXTERN void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block) MAC_SINCE(10.6);
 MAC_EXTERN dispatch_time_t dispatch_time(dispatch_time_t when, int64_t nanoseconds) MAC_SINCE(10.6);
