@@ -195,7 +195,10 @@ void ClientSession::cancel() {
 }
 
 void ClientSession::teardown() {
-  if (authenticated_) releaseAll();
+  if (authenticated_) {
+    releaseAll();
+    releaseAfterTexts();
+  }
   stopMirror();
   hasEnded_ = true;
   const auto hub = hub_.lock();

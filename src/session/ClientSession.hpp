@@ -133,6 +133,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void pressAfterTexts(Task press);
   void typeLater(Task task, std::size_t cost);
   void releaseAll();
+  void releaseAfterTexts();
 
   void sendText(std::string json);
   void handOff(Task task, std::size_t cost);

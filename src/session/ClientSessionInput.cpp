@@ -96,11 +96,16 @@ void ClientSession::typeLater(Task task, std::size_t cost) {
       cost);
 }
 
-/// Lets go of what the phone holds down, and once more behind the keys of it that are still to come.
+/// Lets go of what the phone holds down.
 void ClientSession::releaseAll() {
   services_.pointer.releaseAll();
   services_.keys.releaseAll(phone_);
   services_.events.flush();
+}
+
+/// Lets go of what the keys that wait behind texts will hold down. For a phone that has left: another one still sends
+/// their releases.
+void ClientSession::releaseAfterTexts() {
   if (typingLeft_ == 0) return;
   work_->post([&keys = services_.keys, &events = services_.events, phone = phone_] {
     keys.releaseAll(phone);

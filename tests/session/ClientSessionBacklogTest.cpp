@@ -186,6 +186,17 @@ TEST_F(ClientSessionBacklogTest, TooMuchIsNotReadAndWhatItHoldsIsLetGo) {
   EXPECT_EQ(typed(), inOrder(300)) << "and nothing is lost";
 }
 
+TEST_F(ClientSessionBacklogTest, AKeyThatIsStillToBePressedStaysDownWhenReadingPauses) {
+  sendText("x");
+  phone->binary({4, 8, 0, 1, 0});
+  flood(140);  // reading pauses once
+  ASSERT_FALSE(phone->asked);
+  finishAll();
+  EXPECT_THAT(desktop.all<KeyEvent>(), ElementsAre(KeyEvent{.keyCode = 8, .down = true}));
+  phone->drop();
+  EXPECT_FALSE(desktop.all<KeyEvent>().back().down);
+}
+
 TEST_F(ClientSessionBacklogTest, ManySmallTextsAreCountedWithWhatTheyTake) {
   for (int text = 0; text < 500'000; ++text) sendText("x");
   EXPECT_GT(phone->incoming.size(), 250'000u);
