@@ -1,8 +1,14 @@
 #include "desktop/WaylandDesktop.hpp"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -19,13 +25,37 @@ constexpr const char* systemBusConfiguration =
     "<busconfig><type>system</type><policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
     "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/></policy>";
 
+/// What runs a program that does not start for root.
+std::vector<std::string> asAnotherUser() {
+  if (geteuid() != 0) return {};
+  return {"unshare", "--user", "--map-user=1000", "--map-group=1000"};
+}
+
+/// Whether it says that the system has refused it a namespace. It may fail for other reasons, too.
+bool isRefusal(const std::string& output) {
+  constexpr std::array refusals{EPERM, EACCES, ENOSPC};
+  return output.starts_with("unshare: ") && std::ranges::any_of(refusals, [&](int refusal) {
+           return output.find(std::generic_category().message(refusal)) != std::string::npos;
+         });
+}
+
 std::string size() {
   return std::to_string(WaylandDesktop::width) + "x" + std::to_string(WaylandDesktop::height);
 }
 
 }  // namespace
 
-WaylandDesktop::WaylandDesktop(Kind kind, bool hasOutput) : kind_(kind), bus_(privateHome(), bareEnvironment()) {
+std::optional<std::string> WaylandDesktop::obstacle(Kind kind) {
+  auto command = asAnotherUser();
+  if (kind != Kind::sway || command.empty()) return std::nullopt;
+  command.emplace_back("true");
+  ChildProcess attempt({.command = std::move(command), .environment = {{"LC_ALL", "C"}}});
+  if (attempt.waitForExit() == 0 || !isRefusal(attempt.output())) return std::nullopt;
+  return "sway does not start for root, and this system does not let root make a user namespace.";
+}
+
+WaylandDesktop::WaylandDesktop(Kind kind, bool hasOutput)
+    : kind_(kind), started_(startLimit), bus_(privateHome(), bareEnvironment()) {
   if (kind == Kind::sway) {
     startSway(hasOutput);
   } else {
@@ -82,9 +112,7 @@ void WaylandDesktop::startSway(bool hasOutput) {
   environment["WLR_HEADLESS_OUTPUTS"] = hasOutput ? "1" : "0";
   environment["WLR_RENDERER"] = "pixman";
   environment["WLR_LIBINPUT_NO_DEVICES"] = "1";
-  // It does not start for root.
-  std::vector<std::string> command{"unshare", "--user", "--map-user=1000", "--map-group=1000"};
-  startCompositor(std::move(command), {"sway", "--config", configuration.string()}, environment);
+  startCompositor(asAnotherUser(), {"sway", "--config", configuration.string()}, environment);
   waylandDisplay_ = textBetween(", wayland ", ".\n");
   display_ = textBetween("display ", ", wayland");
 }
@@ -106,7 +134,7 @@ void WaylandDesktop::startGnome() {
                   bus_.environment());
   display_ = textBetween("Using public X11 display ", ",");
   waylandDisplay_ = textBetween("Using Wayland display name '", "'");
-  if (!compositor_->waitForOutput("GNOME Shell started", startLimit)) fail();
+  if (!compositor_->waitForOutput("GNOME Shell started", started_.left())) fail();
   for (const auto& file : std::filesystem::directory_iterator(home() / "run")) {
     if (file.path().filename().string().starts_with(".mutter-Xwaylandauth")) cookie_ = file.path().string();
   }
@@ -119,11 +147,10 @@ void WaylandDesktop::startCompositor(std::vector<std::string> command, const std
 }
 
 std::string WaylandDesktop::textBetween(const std::string& before, const std::string& after) {
-  if (!compositor_->waitForOutput(before, startLimit)) fail();
+  if (!compositor_->waitForOutput(before, started_.left())) fail();
   const std::size_t start = compositor_->output().find(before) + before.size();
-  const Deadline deadline(patience);
   while (compositor_->output().find(after, start) == std::string::npos) {
-    if (deadline.left() == Milliseconds(0)) fail();
+    if (started_.left() == Milliseconds(0)) fail();
     std::this_thread::sleep_for(Milliseconds(5));
   }
   return compositor_->output().substr(start, compositor_->output().find(after, start) - start);

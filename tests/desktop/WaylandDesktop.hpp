@@ -22,8 +22,12 @@ class WaylandDesktop {
   static constexpr int width = 1280;
   static constexpr int height = 800;
 
-  /// Starts it and waits until it shows windows. Throws, with what the compositor says, when it does not. Without an
-  /// output it is as a computer whose monitor is not connected yet; that is for sway alone.
+  /// Why this system does not permit such a desktop, in a sentence; nothing where it does. A desktop that is permitted
+  /// and does not start is a fault.
+  static std::optional<std::string> obstacle(Kind kind);
+
+  /// Starts it and waits until it shows windows, a minute at most. Throws, with what the compositor says, when it does
+  /// not. Without an output it is as a computer whose monitor is not connected yet; that is for sway alone.
   explicit WaylandDesktop(Kind kind, bool hasOutput = true);
   ~WaylandDesktop();
 
@@ -49,6 +53,7 @@ class WaylandDesktop {
   [[noreturn]] void fail();
 
   const Kind kind_;
+  const Deadline started_;
   TemporaryFolder home_;
   SessionBus bus_;
   std::optional<ChildProcess> systemBus_;

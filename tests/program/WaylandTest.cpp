@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -50,19 +51,24 @@ struct WaylandTest : testing::TestWithParam<WaylandDesktop::Kind> {
     phone.sendFrame(phone::keyFrame(1, true, 0));
   }
 
-  WaylandDesktop desktop{GetParam()};
+  void SetUp() override {
+    if (const auto obstacle = WaylandDesktop::obstacle(GetParam())) GTEST_SKIP() << *obstacle;
+    desktop.emplace(GetParam());
+  }
+
+  std::optional<WaylandDesktop> desktop;
 };
 
 TEST_P(WaylandTest, APhoneIsToldTheTruthAndMovesNothing) {
   ChildProcess portalCalls(
-      {.command = {"dbus-monitor", "--address", desktop.bus().address(),
+      {.command = {"dbus-monitor", "--address", desktop->bus().address(),
                    std::string("interface='") + remoteDesktop + "'", std::string("arg0='") + remoteDesktop + "'"},
-       .environment = desktop.environment()});
+       .environment = desktop->environment()});
   ASSERT_TRUE(portalCalls.waitForOutput("NameLost")) << portalCalls.output();
-  setenv("XAUTHORITY", desktop.environment().at("XAUTHORITY").value_or("").c_str(), 1);
-  X11Witness witness(desktop.display());
+  setenv("XAUTHORITY", desktop->environment().at("XAUTHORITY").value_or("").c_str(), 1);
+  X11Witness witness(desktop->display());
   const auto pointer = witness.pointer();
-  HostProcess host(desktop.environment(), {"--background"});
+  HostProcess host(desktop->environment(), {"--background"});
   ASSERT_TRUE(host.waitUntilListening()) << host.process().output();
   {
     auto phone = connect();
@@ -90,14 +96,14 @@ TEST_P(WaylandTest, APhoneIsToldTheTruthAndMovesNothing) {
 }
 
 TEST_P(WaylandTest, WhoeverSitsAtTheComputerIsToldWhyAndWhatToDo) {
-  ASSERT_TRUE(desktop.bus().switchOnAccessibility());
-  HostProcess host(desktop.environment(), {});
+  ASSERT_TRUE(desktop->bus().switchOnAccessibility());
+  HostProcess host(desktop->environment(), {});
   ASSERT_TRUE(host.waitUntilListening()) << host.process().output();
   EXPECT_TRUE(host.process().waitForOutput(std::string(explanation) + '\n')) << host.process().output();
-  ChildProcess pair({.command = {ORVEL_PROGRAM, "--pair"}, .environment = desktop.environment()});
+  ChildProcess pair({.command = {ORVEL_PROGRAM, "--pair"}, .environment = desktop->environment()});
   EXPECT_EQ(pair.waitForExit(), 0);
   EXPECT_THAT(pair.output(), HasSubstr(std::string(explanation) + '\n'));
-  const AccessibleProgram panel(desktop.bus(), host.process().pid());
+  const AccessibleProgram panel(desktop->bus(), host.process().pid());
   EXPECT_TRUE(panel.waitFor("label", "Waiting for permission").isShowing);
   EXPECT_THAT(panel.names("label"), ElementsAre("Orvel", "Waiting for permission", "Orvel does not work on Wayland yet",
                                                 explanation, "Connected", "No phones right now"));
