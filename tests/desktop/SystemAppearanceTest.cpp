@@ -1,4 +1,5 @@
 #include "desktop/SessionBus.hpp"
+#include "desktop/SettingsDaemon.hpp"
 #include "desktop/StoppedServer.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "platform/linux/SystemAppearance.hpp"
@@ -76,30 +77,6 @@ class Portal {
   const Age age_;
   std::atomic<int> asked_ = 0;
   const MessageBus bus_;
-};
-
-/// What hands out a desktop's settings by the X server.
-class SettingsDaemon {
- public:
-  SettingsDaemon(const VirtualDesktop& desktop, const std::string& content)
-      : file_((desktop.home() / "xsettingsd.conf").string()) {
-    write(content);
-    process_.emplace(
-        ChildProcess::Program{.command = {"xsettingsd", "-c", file_}, .environment = desktop.environment()});
-  }
-
-  /// What it hands out once it has been told, which it may miss.
-  void write(const std::string& content) const {
-    std::ofstream(file_ + ".new") << content;
-    std::filesystem::rename(file_ + ".new", file_);
-  }
-  void tell() { process_->signal(SIGHUP); }
-
-  void end() { process_.reset(); }
-
- private:
-  const std::string file_;
-  std::optional<ChildProcess> process_;
 };
 
 struct SystemAppearanceTest : testing::Test {
@@ -223,14 +200,15 @@ TEST_F(SystemAppearanceTest, NonsenseOfThePortalIsHarmless) {
 }
 
 TEST_F(SystemAppearanceTest, WithoutThePortalTheThemeSaysIt) {
-  SettingsDaemon daemon(desktop, "Net/ThemeName \"Adwaita-dark\"\nGtk/FontName \"Noto Sans Bold 10.5\"\n");
+  SettingsDaemon daemon(desktop.home(), desktop.environment(),
+                        "Net/ThemeName \"Adwaita-dark\"\nGtk/FontName \"Noto Sans Bold 10.5\"\n");
   open();
   EXPECT_TRUE(becomes(true));
   EXPECT_TRUE(eventually([&] { return appearance->font() == (DesktopFont{"Noto Sans", 10.5}); }));
 }
 
 TEST_F(SystemAppearanceTest, ThePortalWinsUnlessItLeavesItOpen) {
-  SettingsDaemon daemon(desktop, "Net/ThemeName \"Adwaita-dark\"\n");
+  SettingsDaemon daemon(desktop.home(), desktop.environment(), "Net/ThemeName \"Adwaita-dark\"\n");
   const Portal portal(bus.address(), 2);
   open();
   ASSERT_TRUE(becomes(false));
@@ -241,18 +219,19 @@ TEST_F(SystemAppearanceTest, ThePortalWinsUnlessItLeavesItOpen) {
 
 TEST_F(SystemAppearanceTest, ChangesOfTheThemeAndTheFontAreFollowed) {
   open();
-  SettingsDaemon daemon(desktop, "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
+  SettingsDaemon daemon(desktop.home(), desktop.environment(),
+                        "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
   EXPECT_TRUE(becomes(false)) << "a daemon that starts late";
   EXPECT_TRUE(isToldOf(1));
   daemon.write("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 11\"\n");
   EXPECT_TRUE(eventually([&] {
-    daemon.tell();
+    daemon.reload();
     return appearance->isDark() == true;
   }));
   EXPECT_TRUE(isToldOf(2));
   daemon.write("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 12\"\n");
   EXPECT_TRUE(eventually([&] {
-    daemon.tell();
+    daemon.reload();
     return appearance->font() == (DesktopFont{"Cantarell", 12});
   }));
   EXPECT_TRUE(isToldOf(3));
@@ -285,7 +264,8 @@ TEST_F(SystemAppearanceTest, AMissingBusIsHarmless) {
 }
 
 TEST_F(SystemAppearanceTest, AServerThatHangsHoldsNobodyUp) {
-  SettingsDaemon daemon(desktop, "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
+  SettingsDaemon daemon(desktop.home(), desktop.environment(),
+                        "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
   open();
   ASSERT_TRUE(becomes(false));
   const StoppedServer stopped(desktop);

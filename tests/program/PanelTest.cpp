@@ -1,3 +1,4 @@
+#include "desktop/SettingsDaemon.hpp"
 #include "desktop/StatusNotifierStandIn.hpp"
 #include "program/PanelFixture.hpp"
 
@@ -256,10 +257,9 @@ TEST_F(PanelTest, FollowsTheDesktopIntoTheDark) {
     return view.picture().at(static_cast<int>(place.minX()) + 4, static_cast<int>(place.minY()) + 4) & 0xff;
   };
   EXPECT_TRUE(eventually([&] { return lightness() > 200; }));
-  const auto settings = desktop.home() / "xsettings";
-  std::ofstream(settings) << "Net/ThemeName \"Adwaita-dark\"\nGtk/FontName \"DejaVu Sans 16\"\n";
   const double width = panel->waitFor("dialog", "Orvel").place.size.width;
-  ChildProcess manager({.command = {"xsettingsd", "-c", settings.string()}, .environment = bus.environment()});
+  const SettingsDaemon settings(desktop.home(), bus.environment(),
+                                "Net/ThemeName \"Adwaita-dark\"\nGtk/FontName \"DejaVu Sans 16\"\n");
   EXPECT_TRUE(eventually([&] { return lightness() < 80; }));
   EXPECT_TRUE(eventually([&] { return panel->waitFor("dialog", "Orvel").place.size.width > width * 1.3; }));
   EXPECT_TRUE(shows("Orvel"));
@@ -279,12 +279,19 @@ TEST_P(ScaleTest, TheCodeIsSharpAndReadableAtEveryScaleInEveryFont) {
   ASSERT_TRUE(press("Show code"));
   EXPECT_EQ(scannedCode(), host->code());
   photograph("panel-scale" + std::to_string(GetParam()));
-  const auto settings = desktop.home() / "xsettings";
+  const auto fontOf = [](int points) { return "Gtk/FontName \"DejaVu Sans " + std::to_string(points) + "\"\n"; };
+  const auto titleHeight = [this] { return panel->waitFor("label", "Orvel").place.size.height; };
+  double height = titleHeight();
+  // One for all fonts: between two of them the panel would go back to its first font, and be taken for changed.
+  SettingsDaemon settings(desktop.home(), bus.environment(), fontOf(20));
+  ASSERT_TRUE(eventually([&] { return titleHeight() != height; }));
   for (const int points : {6, 7, 28}) {
-    const double height = panel->waitFor("label", "Orvel").place.size.height;
-    std::ofstream(settings) << "Gtk/FontName \"DejaVu Sans " << points << "\"\n";
-    const ChildProcess manager({.command = {"xsettingsd", "-c", settings.string()}, .environment = bus.environment()});
-    EXPECT_TRUE(eventually([&] { return panel->waitFor("label", "Orvel").place.size.height != height; }));
+    height = titleHeight();
+    settings.write(fontOf(points));
+    EXPECT_TRUE(eventually([&] {
+      settings.reload();
+      return titleHeight() != height;
+    })) << points;
     EXPECT_EQ(scannedCode(), host->code()) << points;
     photograph("panel-scale" + std::to_string(GetParam()) + "-font" + std::to_string(points));
   }
