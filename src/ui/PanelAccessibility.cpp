@@ -1,11 +1,13 @@
 #include "ui/PanelAccessibility.hpp"
 
-#include "ui/Announcement.hpp"
-#include "ui/DisclosureButton.hpp"
 #include "ui/QRView.hpp"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QTimer>
+#include <QWidget>
+#include <QtGlobal>
+#include <chrono>
 
 namespace orvel::PanelAccessibility {
 namespace {
@@ -40,11 +42,24 @@ class DisclosureInterface final : public QAccessibleWidget {
   DisclosureButton& button_;
 };
 
+/// Stands in for the toolkit's announcements, where it has none. Nobody sees it.
+class Notification final : public QWidget {
+ public:
+  Notification(QWidget* window, const QString& text) : QWidget(window) {
+    setFixedSize(1, 1);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAccessibleName(text);
+  }
+};
+
+/// Screen readers first hear of a notification and ask later what it says.
+[[maybe_unused]] constexpr std::chrono::seconds notificationLifetime{5};
+
 QAccessibleInterface* make(const QString&, QObject* object) {
   if (auto* button = dynamic_cast<DisclosureButton*>(object)) return new DisclosureInterface(button);
   if (auto* code = dynamic_cast<QRView*>(object)) return new QAccessibleWidget(code, QAccessible::Graphic);
-  if (auto* announcement = dynamic_cast<Announcement*>(object)) {
-    return new QAccessibleWidget(announcement, QAccessible::Notification);
+  if (auto* notification = dynamic_cast<Notification*>(object)) {
+    return new QAccessibleWidget(notification, QAccessible::Notification);
   }
   return nullptr;
 }
@@ -53,6 +68,17 @@ QAccessibleInterface* make(const QString&, QObject* object) {
 
 void install() {
   QAccessible::installFactory(make);
+}
+
+void announce(QWidget* window, const QString& text) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+  QAccessibleAnnouncementEvent event(window, text);
+  QAccessible::updateAccessibility(&event);
+#else
+  auto* notification = new Notification(window, text);
+  QTimer::singleShot(notificationLifetime, notification, &QObject::deleteLater);
+  notification->show();
+#endif
 }
 
 }  // namespace orvel::PanelAccessibility

@@ -1,9 +1,9 @@
 #include "ui/PanelRowMaker.hpp"
 
 #include "ui/CopyableText.hpp"
-#include "ui/DisclosureButton.hpp"
 #include "ui/Drawing.hpp"
 #include "ui/NameLabel.hpp"
+#include "ui/PanelAccessibility.hpp"
 #include "ui/QRView.hpp"
 #include "ui/SymbolImage.hpp"
 #include "ui/ToggleSwitch.hpp"

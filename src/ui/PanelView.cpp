@@ -1,6 +1,5 @@
 #include "ui/PanelView.hpp"
 
-#include "ui/Announcement.hpp"
 #include "ui/NameLabel.hpp"
 #include "ui/PanelAccessibility.hpp"
 #include "ui/PanelBlockView.hpp"
@@ -69,7 +68,9 @@ void PanelView::refresh() {
   const std::vector<std::string> news = model_.takeNews();
   const PanelContent content = model_.content();
   if (!isShown(content, blocks_)) showContent(content);
-  for (const std::string& one : news) Announcement::make(this, NameLabel::readable(QString::fromStdString(one)));
+  for (const std::string& one : news) {
+    PanelAccessibility::announce(this, NameLabel::readable(QString::fromStdString(one)));
+  }
 }
 
 void PanelView::showContent(const PanelContent& content) {
