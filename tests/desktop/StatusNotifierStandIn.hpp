@@ -2,12 +2,12 @@
 
 #include "desktop/Patience.hpp"
 #include "desktop/SessionBus.hpp"
-#include "platform/linux/GLibPointer.hpp"
-
-#include <gio/gio.h>
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <atomic>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -18,62 +18,54 @@ class StatusNotifierStandIn {
  public:
   /// Answers that many questions with that, and then hangs.
   StatusNotifierStandIn(const SessionBus& bus, const char* answer, int answers = std::numeric_limits<int>::max())
-      : answer_(answer), answers_(answers) {
-    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    connection_.reset(g_dbus_connection_new_for_address_sync(bus.address().c_str(), flags, nullptr, nullptr, nullptr));
-    filter_ = g_dbus_connection_add_filter(connection_.get(), filter, this, nullptr);
-    const GLibPointer<GVariant> reply(g_dbus_connection_call_sync(
-        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-        g_variant_new("(su)", name, 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
-    if (!reply) throw std::runtime_error("no name on the bus");
+      : bus_(MessageBus::open(bus.address(), TimeLimit(patience))) {
+    if (!bus_) throw std::runtime_error("no bus");
+    // A message may still be looked at when this object has gone.
+    bus_->observe([questions = questions_, answer, answers](GDBusConnection* connection, GDBusMessage* message) {
+      if (g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return false;
+      if ((*questions)++ < answers) reply(connection, message, answer);
+      return true;
+    });
+    const auto named = bus_->call({.destination = "org.freedesktop.DBus",
+                                   .path = "/org/freedesktop/DBus",
+                                   .interface = "org.freedesktop.DBus",
+                                   .method = "RequestName",
+                                   .arguments = g_variant_new("(su)", name, 0u),
+                                   .replyType = "(u)"},
+                                  TimeLimit(patience));
+    if (!named) throw std::runtime_error("no name on the bus");
   }
-  ~StatusNotifierStandIn() {
-    g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr);
-    g_dbus_connection_remove_filter(connection_.get(), filter_);
-  }
+  ~StatusNotifierStandIn() { g_dbus_connection_close_sync(bus_->connection(), nullptr, nullptr); }
   StatusNotifierStandIn(const StatusNotifierStandIn&) = delete;
   StatusNotifierStandIn& operator=(const StatusNotifierStandIn&) = delete;
 
   void signalOften(int times) {
     for (int i = 0; i < times; ++i) {
-      g_dbus_connection_emit_signal(connection_.get(), nullptr, "/StatusNotifierWatcher", name,
+      g_dbus_connection_emit_signal(bus_->connection(), nullptr, "/StatusNotifierWatcher", name,
                                     "StatusNotifierHostRegistered", nullptr, nullptr);
     }
-    g_dbus_connection_flush_sync(connection_.get(), nullptr, nullptr);
+    g_dbus_connection_flush_sync(bus_->connection(), nullptr, nullptr);
   }
 
-  int questions() const { return questions_; }
+  int questions() const { return *questions_; }
 
   bool waitForQuestions(int count) const {
     const Deadline deadline(patience);
-    while (questions_ < count && deadline.left() > Milliseconds(0)) std::this_thread::sleep_for(Milliseconds(5));
-    return questions_ >= count;
+    while (questions() < count && deadline.left() > Milliseconds(0)) std::this_thread::sleep_for(Milliseconds(5));
+    return questions() >= count;
   }
 
  private:
   static constexpr auto name = "org.kde.StatusNotifierWatcher";
 
-  /// Runs on a thread of the bus.
-  static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean isIncoming, gpointer self) {
-    if (!isIncoming || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return message;
-    auto& standIn = *static_cast<StatusNotifierStandIn*>(self);
-    if (standIn.questions_++ >= standIn.answers_) {
-      g_object_unref(message);
-      return nullptr;
-    }
+  static void reply(GDBusConnection* connection, GDBusMessage* message, const char* answer) {
     const GLibPointer<GDBusMessage> reply(g_dbus_message_new_method_reply(message));
-    g_dbus_message_set_body(reply.get(), g_variant_new_parsed(standIn.answer_));
-    g_dbus_connection_send_message(connection, reply.get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
-    g_object_unref(message);
-    return nullptr;
+    g_dbus_message_set_body(reply.get(), g_variant_new_parsed(answer));
+    MessageBus::send(connection, reply.get());
   }
 
-  const char* const answer_;
-  const int answers_;
-  std::atomic<int> questions_ = 0;
-  GLibPointer<GDBusConnection> connection_;
-  guint filter_ = 0;
+  const std::shared_ptr<std::atomic<int>> questions_ = std::make_shared<std::atomic<int>>(0);
+  const std::optional<MessageBus> bus_;
 };
 
 }  // namespace orvel
