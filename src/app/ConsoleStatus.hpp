@@ -13,7 +13,7 @@ struct HubState;
 /// Never says the pairing code, which a log might keep. Threads: the main thread.
 class ConsoleStatus {
  public:
-  /// `address` tells where phones find this computer now, `obstacle` in a sentence why nothing that they send moves
+  /// `address` says where phones find this computer now, `obstacle` in a sentence why nothing that they send moves
   /// anything while that is so.
   ConsoleStatus(std::ostream& out, std::function<std::string()> address, std::function<std::string()> obstacle);
 

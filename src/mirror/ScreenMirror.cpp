@@ -41,7 +41,7 @@ double adapted(double quality, double requested, std::int64_t size) {
 
 }  // namespace
 
-/// What the phone is told. The permission is the system's, and so are the words for it.
+/// The reason in "mirrorDenied". The permission is the system's, and so are the words for it.
 std::string ScreenMirror::description(MirrorError error) const {
   switch (error) {
     case MirrorError::notPermitted:

@@ -18,7 +18,7 @@ class ScreenRecordingAccess {
   /// Whether it may at this moment. Does not block and does not ask the user.
   virtual bool isGranted() = 0;
 
-  /// What a phone is told while it may not.
+  /// The reasons that a phone gets while it may not.
   virtual Denial denial() const = 0;
 
   /// Has the desktop ask the user, where it has such a question.

@@ -77,7 +77,7 @@ std::vector<std::string> prepareToolkit();
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform();
 
 /// Why nothing that phones send moves anything on the desktop of this terminal, in a sentence for the user. Nothing
-/// where it does, and where that cannot be told from a terminal. Waits for the desktop, a second at most.
+/// where it does, and where that cannot be known from a terminal. Waits for the desktop, a second at most.
 std::optional<std::string> inputObstacle();
 
 /// The preferences and the machine alone, for the commands that need no desktop.

@@ -28,7 +28,7 @@ struct Toolkit {
   std::vector<std::string> arguments;
   Roles roles;
   Size padding;  ///< By how much an element may be smaller than its widget; the centre is the same all the same.
-  double misplacement = 0;  ///< By how much tabs and entries of menus may be told to be elsewhere.
+  double misplacement = 0;  ///< By how much tabs and entries of menus may be reported elsewhere.
 };
 
 const Toolkit gtk3{.name = "gtk3",

@@ -465,7 +465,7 @@ TEST_F(SystemCaptureServiceTest, AServerThatHangsDoesNotHoldUpTheEnd) {
   const auto begin = std::chrono::steady_clock::now();
   stream.reset();
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
-  EXPECT_FALSE(receiver.waitForEnd(lull)) << "who ends it need not be told";
+  EXPECT_FALSE(receiver.waitForEnd(lull)) << "who ends it needs no notice";
 }
 
 TEST_F(SystemCaptureServiceTest, WhoWaitsForAServerThatHangsCanGiveUp) {

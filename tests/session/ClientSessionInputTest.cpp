@@ -160,12 +160,12 @@ TEST_F(ClientSessionInputTest, MotionDoesNotWaitForTheLongestText) {
 
 TEST_F(ClientSessionInputTest, TextAndApplicationsAreSeenToWhenThePhoneHasLeft) {
   computer.running = {{.instance = 7, .identifier = "ab", .name = {}, .location = {}, .isRegular = true}};
-  phone->binary(textFrame("last words"));
+  phone->binary(textFrame("the end"));
   phone->binary(appFrame(1, "ab"));
   phone->drop();
   session.reset();
   clock.runDue();
-  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"last words"}));
+  EXPECT_THAT(desktop.all<TextEvent>(), ElementsAre(TextEvent{u"the end"}));
   clock.advance(Seconds(1));
   EXPECT_THAT(computer.terminated, ElementsAre(7u));
 }
@@ -275,14 +275,14 @@ TEST_F(ClientSessionInputTest, AFloodOfKeysBehindATextIsKeptInOrderUntilItIsType
 }
 
 TEST_F(ClientSessionInputTest, KeysBehindTheTextsOfAPhoneThatHasLeftArePressedAndReleased) {
-  phone->binary(textFrame("last words"));
+  phone->binary(textFrame("the end"));
   phone->binary(keyFrame(keyReturn, true));
   phone->binary(keyFrame(keyReturn, false));
   phone->binary(keyFrame(keyShift, true));
   phone->drop();
   session.reset();
   clock.runDue();
-  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("last words", "+36", "-36", "+56", "-56"));
+  EXPECT_THAT(typedAndPressed(desktop), ElementsAre("the end", "+36", "-36", "+56", "-56"));
   EXPECT_EQ(desktop.flushed, desktop.posted.size());
 }
 

@@ -356,10 +356,10 @@ TEST_F(ClientSessionMirrorTest, APhoneThatMirrorsNothingLeavesTheCaptureAlone) {
 }
 
 TEST_F(ClientSessionMirrorTest, TheHubHearsOfItBeforeThePhone) {
-  std::vector<std::size_t> toldBefore;
-  hub->whenMirroring = [&] { toldBefore.push_back(told(*phone).size()); };
+  std::vector<std::size_t> sentBefore;
+  hub->whenMirroring = [&] { sentBefore.push_back(told(*phone).size()); };
   say(start);
-  EXPECT_THAT(toldBefore, ElementsAre(0u));
+  EXPECT_THAT(sentBefore, ElementsAre(0u));
   EXPECT_THAT(told(*phone), SizeIs(1));
 }
 

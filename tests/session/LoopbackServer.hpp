@@ -31,7 +31,7 @@ struct ConnectionRecord {
   std::vector<ReceivedMessage> messages;
   std::size_t sendsDone = 0;
   std::size_t framesTaken = 0;
-  bool hungUp = false;           ///< Told so while it read nothing.
+  bool hungUp = false;           ///< It was notified of that while it read nothing.
   bool failedToReceive = false;  ///< Told of the end in place of a message.
 
   bool has(Transport::State state) const;

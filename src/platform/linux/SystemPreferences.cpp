@@ -273,9 +273,9 @@ void SystemPreferences::change(const std::string& key, Texts texts) {
 }
 
 /// One thread at a time stores; what others change meanwhile is already answered from memory, and stored after that.
-void SystemPreferences::storeUnsaved(std::chrono::milliseconds patience) const {
+void SystemPreferences::storeUnsaved(std::chrono::milliseconds timeout) const {
   auto changes = beginStoring();
-  while (changes && endStoring(*changes, store(*changes, patience))) changes = beginStoring();
+  while (changes && endStoring(*changes, store(*changes, timeout))) changes = beginStoring();
 }
 
 std::optional<SystemPreferences::Changes> SystemPreferences::beginStoring() const {

@@ -54,7 +54,7 @@ class SystemPreferences final : public Preferences {
   void read(State& state, const FileStamp& stamp) const;
   Texts textsOf(State& state, const std::string& key) const;
   void change(const std::string& key, Texts texts);
-  void storeUnsaved(std::chrono::milliseconds patience) const;
+  void storeUnsaved(std::chrono::milliseconds timeout) const;
   std::optional<Changes> beginStoring() const;
   bool endStoring(const Changes& changes, bool isStored) const;
   Changes contents() const;
