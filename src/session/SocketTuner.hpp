@@ -31,8 +31,8 @@ class SocketTuner {
   /// What becomes of the data sent; a peer that is silent for longer than `patience` ignores it. Does not block.
   virtual Delivery delivery(int socket, Seconds patience) = 0;
 
-  /// Whether the peer has ended its side or reset the connection, however much of what it has sent is unread. Does not
-  /// block.
+  /// Whether the peer has ended its side or reset the connection, however much of what it has sent is unread, or the
+  /// socket is closed. Does not block.
   virtual bool hasHungUp(int socket) = 0;
 
   /// How much of the data sent is still under way. Does not block.

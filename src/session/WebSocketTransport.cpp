@@ -75,6 +75,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
         [](websocket::response_type& response) { response.set(http::field::server, "Orvel"); }));
     stream_.control_callback([this](websocket::frame_type kind, beast::string_view) {
       if (kind == websocket::frame_type::close) peerLeft();
+      if (kind == websocket::frame_type::ping) watchDelivery();  // of the pong
     });
   }
 
@@ -235,6 +236,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// answers by a reset.
   void probe() {
     if (writing_ || std::exchange(probing_, true)) return;
+    watchDelivery();
     stream_.async_ping({}, [self = shared_from_this()](const Error&) { self->probing_ = false; });
   }
 
@@ -244,7 +246,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     const bool hasMessage = !outgoing_.empty();
     if (!hasMessage && !(frames_ && frames_->hasNext())) return;
     writing_ = true;
-    if (!std::exchange(watchingDelivery_, true)) watchDelivery();
+    watchDelivery();
     if (hasMessage) {
       writeMessage();
     } else {
@@ -281,9 +283,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
     });
   }
 
-  /// Looks from time to time what becomes of what was sent, until it has arrived.
+  /// Looks from time to time what becomes of what is sent, until it has arrived.
   void watchDelivery() {
-    if (ended_) return;
+    if (ended_ || std::exchange(watchingDelivery_, true)) return;
     timer_.expires_after(deliveryCheck);
     timer_.async_wait([self = weak_from_this()](const Error& error) {
       const auto connection = self.lock();
@@ -292,14 +294,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   void checkDelivery() {
+    watchingDelivery_ = false;
     SocketLayer& layer = stream_.next_layer();
     const Delivery delivery = tuner_.delivery(layer.socket().native_handle(), deliveryPatience);
     if (delivery == Delivery::ignored) {
       layer.close();
     } else if (delivery == Delivery::pending || writing_) {
       watchDelivery();
-    } else {
-      watchingDelivery_ = false;
     }
   }
 

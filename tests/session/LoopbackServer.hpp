@@ -74,6 +74,9 @@ class LoopbackServer {
   /// What is known of all peers from now on.
   void setHungUp(bool hungUp) { tuner_.hungUpNow = hungUp; }
 
+  /// What has become of what was sent to any peer, from now on.
+  void setDelivery(Delivery delivery) { tuner_.deliveryNow = delivery; }
+
   /// How long the network takes from now on for what was sent before.
   void setBacklog(Seconds backlog) { tuner_.backlogNow = backlog; }
 
@@ -81,12 +84,13 @@ class LoopbackServer {
   class Peer;
   struct Tuner final : SocketTuner {
     bool enableKeepAlive(int, Seconds) override { return true; }
-    Delivery delivery(int, Seconds) override { return Delivery::done; }
-    bool hasHungUp(int) override { return hungUpNow; }
+    Delivery delivery(int, Seconds) override { return deliveryNow; }
+    bool hasHungUp(int socket) override { return socket < 0 || hungUpNow; }
     Backlog backlog(int) override { return {.bytes = 0, .time = backlogNow}; }
 
     std::atomic<Seconds> backlogNow = Seconds(0);
     std::atomic<bool> hungUpNow = false;
+    std::atomic<Delivery> deliveryNow = Delivery::done;
   };
 
   bool listen(std::uint16_t port);

@@ -564,6 +564,22 @@ TEST_F(WebSocketPause, IsPingedSoThatTheSystemOfOneThatIsGoneResets) {
   EXPECT_THAT(messages(2), SizeIs(2));
 }
 
+TEST_F(WebSocketPause, OneThatVanishesIsGivenUpForItsUnacknowledgedPings) {
+  ASSERT_TRUE(client.readFrame(1s)) << "the first ping";
+  server.setDelivery(Delivery::ignored);
+  EXPECT_TRUE(server.waitFor(1, [](const ConnectionRecord& record) { return record.hungUp; }));
+  server.setDelivery(Delivery::done);
+  server.pause(1, false);
+  EXPECT_TRUE(server.waitFor(1, hasEnded));
+}
+
+TEST_F(WebSocketClient, IsGivenUpWhenItVanishesWithoutAcknowledgingAPong) {
+  ASSERT_TRUE(client.send(RawFrame{.opcode = opcode::ping}));
+  ASSERT_TRUE(client.readFrame()) << "the pong";
+  server.setDelivery(Delivery::ignored);
+  EXPECT_TRUE(server.waitFor(1, hasEnded));
+}
+
 // Clients that do not read.
 
 /// As many bytes of `unit` as the server takes from a client that never reads.
