@@ -37,71 +37,63 @@ HeldKeys::Phone HeldKeys::addPhone() {
   return state_.withLock([](State& state) { return ++state.phones; });
 }
 
+// Key events are posted while the lock is held: the desktop must get them in the order of what is remembered here. To
+// post one is to queue it; it calls nobody back, and takes no lock under which this one is wanted.
+
 void HeldKeys::post(Phone phone, const KeyEvent& event) {
-  if (event.down) {
-    press(phone, event);
-  } else {
-    release(phone, event);
-  }
-}
-
-// A press is remembered after it is posted, and forgotten before its release is posted. Whatever other threads post in
-// between, no key stays down that is not remembered.
-
-void HeldKeys::press(Phone phone, KeyEvent event) {
-  if (!isModifier(event.keyCode)) {
-    event.unwantedKeys = state_.withLock([&](const State& state) { return modifiersOfOthers(state.keys, phone); });
-  }
-  if (!events_.post(event)) return;
   state_.withLock([&](State& state) {
-    Holders& holders = state.keys[event.keyCode];
-    std::erase(holders, phone);
-    holders.push_back(phone);
+    if (event.down) {
+      press(state, phone, event);
+    } else {
+      release(state, phone, event);
+    }
   });
 }
 
-void HeldKeys::release(Phone phone, const KeyEvent& event) {
-  const bool wasHeld = holds(phone, event.keyCode);
-  if (letGo(phone, event) || !wasHeld) return;
-  state_.withLock([&](State& state) { state.keys[event.keyCode].push_back(phone); });
+void HeldKeys::press(State& state, Phone phone, KeyEvent event) {
+  if (!isModifier(event.keyCode)) event.unwantedKeys = modifiersOfOthers(state.keys, phone);
+  if (!events_.post(event)) return;
+  Holders& holders = state.keys[event.keyCode];
+  std::erase(holders, phone);
+  holders.push_back(phone);
 }
 
-/// False when the desktop has refused the release.
-bool HeldKeys::letGo(Phone phone, KeyEvent event) {
-  const bool changesNothing = state_.withLock([&](State& state) {
-    const auto key = state.keys.find(event.keyCode);
-    if (key == state.keys.end()) return false;
-    Holders& holders = key->second;
-    const bool isNewest = !holders.empty() && holders.back() == phone;
-    std::erase(holders, phone);
-    event.staysDown = !holders.empty();
-    if (holders.empty()) state.keys.erase(key);
-    return event.staysDown && !isNewest;
-  });
-  return changesNothing || events_.post(event);
+/// False when the desktop has refused the release; the phone then still holds the key.
+bool HeldKeys::release(State& state, Phone phone, KeyEvent event) {
+  const auto key = state.keys.find(event.keyCode);
+  if (key == state.keys.end()) return events_.post(event);
+  const Holders& holders = key->second;
+  const bool isHolder = contains(holders, phone);
+  event.staysDown = !isHolder || holders.size() > 1;
+  const bool changesNothing = event.staysDown && holders.back() != phone;
+  if (!changesNothing && !events_.post(event)) return false;
+  forget(state, phone, event.keyCode);
+  return true;
 }
 
-bool HeldKeys::holds(Phone phone, std::uint16_t keyCode) const {
-  return state_.withLock([&](const State& state) {
-    const auto key = state.keys.find(keyCode);
-    return key != state.keys.end() && contains(key->second, phone);
-  });
+void HeldKeys::forget(State& state, Phone phone, std::uint16_t keyCode) {
+  const auto key = state.keys.find(keyCode);
+  std::erase(key->second, phone);
+  if (key->second.empty()) state.keys.erase(key);
 }
 
 void HeldKeys::releaseAll(Phone phone) {
-  const auto held = state_.withLock([&](const State& state) {
-    std::vector<std::uint16_t> keys;
+  state_.withLock([&](State& state) {
+    std::vector<std::uint16_t> held;
     for (const auto& [keyCode, holders] : state.keys) {
-      if (contains(holders, phone)) keys.push_back(keyCode);
+      if (contains(holders, phone)) held.push_back(keyCode);
     }
-    return keys;
+    for (const std::uint16_t keyCode : held) {
+      if (!release(state, phone, KeyEvent{.keyCode = keyCode, .down = false})) forget(state, phone, keyCode);
+    }
   });
-  for (const std::uint16_t keyCode : held) letGo(phone, KeyEvent{.keyCode = keyCode, .down = false});
 }
 
 void HeldKeys::releaseAll() {
-  const auto keys = state_.withLock([](State& state) { return std::exchange(state.keys, {}); });
-  for (const auto& [keyCode, holders] : keys) events_.post(KeyEvent{.keyCode = keyCode, .down = false});
+  state_.withLock([&](State& state) {
+    for (const auto& [keyCode, holders] : std::exchange(state.keys, {}))
+      events_.post(KeyEvent{.keyCode = keyCode, .down = false});
+  });
 }
 
 }  // namespace orvel

@@ -43,10 +43,9 @@ class HeldKeys {
     std::map<std::uint16_t, Holders> keys;
   };
 
-  void press(Phone phone, KeyEvent event);
-  void release(Phone phone, const KeyEvent& event);
-  bool letGo(Phone phone, KeyEvent event);
-  bool holds(Phone phone, std::uint16_t keyCode) const;
+  void press(State& state, Phone phone, KeyEvent event);
+  bool release(State& state, Phone phone, KeyEvent event);
+  static void forget(State& state, Phone phone, std::uint16_t keyCode);
 
   EventPoster& events_;
   Guarded<State> state_;

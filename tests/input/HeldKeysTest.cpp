@@ -1,9 +1,15 @@
 #include "fakes/RecordingDesktop.hpp"
+#include "input/EventPoster.hpp"
 #include "input/HeldKeys.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
+#include <future>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -160,6 +166,53 @@ TEST_F(HeldKeysTest, InTheEndAllIsReleasedOnce) {
   keys.releaseAll(anna);
   keys.releaseAll(ben);
   EXPECT_THAT(strokes(), IsEmpty());
+}
+
+TEST_F(HeldKeysTest, WhatAPhoneThatLeavesHeldIsForgottenThoughTheDesktopRefuses) {
+  keys.post(anna, pressed(8));
+  desktop.accepts = false;
+  keys.releaseAll(anna);
+  desktop.accepts = true;
+  keys.post(ben, pressed(8));
+  strokes();
+  keys.post(ben, released(8));
+  EXPECT_THAT(strokes(), ElementsAre(released(8)));
+}
+
+/// Knows whether its only key is down, and lets another thread go ahead right after it has taken an event.
+struct YieldingPoster final : EventPoster {
+  bool post(const MouseEvent&) override { return true; }
+  bool post(const ScrollEvent&) override { return true; }
+  bool post(const KeyEvent& event) override {
+    if (!event.staysDown) isDown = event.down;
+    if (const auto yield = std::exchange(afterNext, nullptr)) yield();
+    return true;
+  }
+  bool post(const SystemDefinedEvent&) override { return true; }
+  bool post(const TextEvent&) override { return true; }
+  std::optional<Point> pointerLocation() override { return std::nullopt; }
+  void flush() override {}
+
+  bool isDown = false;
+  std::function<void()> afterNext;
+};
+
+TEST(HeldKeysThreads, AKeyThatOnePressesWhileAnotherReleasesItStaysDown) {
+  YieldingPoster poster;
+  HeldKeys keys(poster);
+  const auto anna = keys.addPhone();
+  const auto ben = keys.addPhone();
+  keys.post(anna, pressed(8));
+  std::future<void> other;
+  poster.afterNext = [&] {
+    other = std::async(std::launch::async, [&] { keys.post(anna, released(8)); });
+    other.wait_for(std::chrono::milliseconds(100));  // in vain where it has to wait for this press
+  };
+  keys.post(ben, pressed(8));
+  other.get();
+  EXPECT_TRUE(poster.isDown) << "ben holds it";
+  keys.post(ben, released(8));
+  EXPECT_FALSE(poster.isDown);
 }
 
 }  // namespace
