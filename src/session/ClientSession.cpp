@@ -126,13 +126,13 @@ bool ClientSession::mustWait(const Message& message) const {
 void ClientSession::handle(const Message& message) {
   if (message.type == MessageType::binary) {
     handleInput(message.payload);
-  } else if (!hasEnded_) {
+  } else if (!hasEnded()) {
     handleControl(message.payload);
   }
 }
 
 void ClientSession::handlePending() {
-  if (pending_.empty() || backlog_ > largestBacklog || hasEnded_) return;
+  if (pending_.empty() || backlog_ > largestBacklog || hasEnded()) return;
   for (int count = 0; count < pendingAtATime && !pending_.empty() && backlog_ <= largestBacklog; ++count) {
     handle(pending_.pop().message());
   }
@@ -195,12 +195,12 @@ void ClientSession::cancel() {
 }
 
 void ClientSession::teardown() {
+  *ended_ = true;
   if (authenticated_) {
     releaseAll();
     releaseAfterTexts();
   }
   stopMirror();
-  hasEnded_ = true;
   const auto hub = hub_.lock();
   if (!hub || lingers_) return;
   lingers_ = !pending_.empty() && hub->linger(id_);

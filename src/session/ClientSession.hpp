@@ -99,6 +99,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void hungUp();
   bool mustWait(const Message& message) const;
   bool isFull() const;
+  bool hasEnded() const { return *ended_; }
   void handle(const Message& message);
   void handlePending();
   void teardown();
@@ -159,7 +160,7 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   bool readsToTheEnd_ = false;      // the phone sends no more, so there is little left to be read
   bool owningMirror_ = false;       // this session has started the capture and not stopped it since
   std::uint64_t mirrorStarts_ = 0;  // how often it has asked for it
-  bool hasEnded_ = false;
+  const std::shared_ptr<std::atomic<bool>> ended_ = std::make_shared<std::atomic<bool>>(false);  // the work asks, too
   bool lingers_ = false;  // the phone has left, and what it had sent is still to be done
 };
 

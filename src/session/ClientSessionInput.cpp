@@ -60,7 +60,17 @@ void ClientSession::carryOut(const FrameDecoder::Key& key) {
 }
 
 void ClientSession::carryOut(const FrameDecoder::Text& text) {
-  typeLater([&keyboard = services_.keyboard, text = text.text] { keyboard.type(text); }, taskCost + text.text.size());
+  typeLater(
+      [&keyboard = services_.keyboard, &keys = services_.keys, &events = services_.events, phone = phone_,
+       ended = ended_, text = text.text] {
+        if (*ended) {
+          // Nobody is there any more to release what was pressed before it.
+          keys.releaseAll(phone);
+          events.flush();
+        }
+        keyboard.type(text);
+      },
+      taskCost + text.text.size());
 }
 
 void ClientSession::carryOut(const FrameDecoder::Media& media) {

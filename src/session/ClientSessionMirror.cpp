@@ -49,7 +49,7 @@ void ClientSession::mirrorStarted(std::uint64_t start, const ScreenMirror::Outco
     return;
   }
   // An end that was told of before would be forgotten.
-  if (hasEnded_) return;
+  if (hasEnded()) return;
   if (const auto hub = hub_.lock()) hub->setMirroring(true);
   // What still waits is of the capture before, and of another size.
   transport_->dropFrames();

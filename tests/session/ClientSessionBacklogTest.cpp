@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace orvel {
@@ -56,6 +57,16 @@ struct ClientSessionBacklogTest : SessionFixture {
     phone->binary({2, 0, 1});
     phone->binary({4, 8, 0, 1, 0});
     ASSERT_FALSE(holdsNothing());
+  }
+  /// How often something was typed while a key was down.
+  std::size_t typedWithAKeyDown() const {
+    std::size_t count = 0;
+    bool isDown = false;
+    for (const PostedEvent& event : desktop.posted) {
+      if (const auto* key = std::get_if<KeyEvent>(&event)) isDown = key->down;
+      if (std::holds_alternative<TextEvent>(event) && isDown) ++count;
+    }
+    return count;
   }
   bool holdsNothing() const {
     return desktop.all<MouseEvent>().back().type == MouseEventType::leftUp && !desktop.all<KeyEvent>().back().down;
@@ -108,6 +119,27 @@ TEST_F(ClientSessionBacklogTest, KeysThatArrivedBeforeTheEndDoNotStayDown) {
   EXPECT_THAT(desktop.all<KeyEvent>(),
               ElementsAre(KeyEvent{.keyCode = 8, .down = true}, KeyEvent{.keyCode = 8, .down = false}));
   EXPECT_EQ(desktop.flushed, desktop.posted.size());
+}
+
+TEST_F(ClientSessionBacklogTest, KeysThatArrivedBeforeTheEndAreReleasedBeforeTheTextsBehindThem) {
+  flood(10);
+  phone->binary({4, 55, 0, 1, 0});
+  flood(40);
+  phone->drop();
+  finishAll();
+  EXPECT_EQ(desktop.all<KeyEvent>().size(), 2u);
+  EXPECT_EQ(typedWithAKeyDown(), 0u) << "nobody is there to release it";
+}
+
+TEST_F(ClientSessionBacklogTest, KeysThatWereHandedOverBeforeTheEndAreReleasedBeforeTheTextsBehindThem) {
+  sendText("before");
+  phone->binary({4, 55, 0, 1, 0});
+  sendText("behind");
+  phone->drop();
+  EXPECT_THAT(hub->lingering, IsEmpty());
+  finishAll();
+  EXPECT_EQ(desktop.all<KeyEvent>().size(), 2u);
+  EXPECT_EQ(typedWithAKeyDown(), 0u);
 }
 
 TEST_F(ClientSessionBacklogTest, WhereTooManyLingerWhatWaitsIsDropped) {
