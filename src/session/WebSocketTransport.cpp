@@ -35,6 +35,7 @@ using Error = boost::system::error_code;
 constexpr std::chrono::seconds handshakeLimit{10};
 constexpr std::chrono::seconds deliveryCheck{3};
 constexpr Seconds hangUpCheck{0.25};
+constexpr int looksAtOwedPong = 2;  // that may be on its way
 constexpr Seconds deliveryPatience{14};
 constexpr std::size_t largestRequest = 32 * 1024;  // a browser sends the cookies of this address along
 constexpr std::size_t largestKeptBuffer = 64 * 1024;
@@ -75,7 +76,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
         [](websocket::response_type& response) { response.set(http::field::server, "Orvel"); }));
     stream_.control_callback([this](websocket::frame_type kind, beast::string_view) {
       if (kind == websocket::frame_type::close) peerLeft();
-      if (kind == websocket::frame_type::ping) watchDelivery();  // of the pong
+      if (kind == websocket::frame_type::ping) owePong();
     });
   }
 
@@ -85,7 +86,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
       handlers_.stateChanged(Transport::State::cancelled);
       return;
     }
-    stream_.next_layer().onDrained(handlers_.drained);
+    stream_.next_layer().onDrained([this] {
+      pongIsOwed_ = false;
+      handlers_.drained();
+    });
     readRequest();
   }
 
@@ -158,6 +162,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
     });
   }
 
+  /// The WebSocket reads on only when it has written the pong, which has to wait for what is being written.
+  void owePong() {
+    watchDelivery();
+    pongIsOwed_ = true;
+    looksForPong_ = 0;
+    watchForHangUp();
+  }
+
   void peerLeft() {
     parting_ = true;
     if (!ended_) handlers_.received(Message{.type = MessageType::close, .payload = {}});
@@ -188,6 +200,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void read(const Error& error) {
     reading_ = false;
+    pongIsOwed_ = false;
     if (ended_ || parting_) return;
     if (error) {
       handlers_.received(std::nullopt);
@@ -211,7 +224,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     }
   }
 
-  /// While nothing is read, the end of the peer lies behind what it has sent and is looked for.
+  /// While nothing is read, as while a pong cannot be written, the end of the peer lies behind what it has sent and is
+  /// looked for.
   void watchForHangUp() {
     if (std::exchange(watchingForHangUp_, true)) return;
     queue_.postAfter(hangUpCheck, [self = weak_from_this()] {
@@ -223,12 +237,19 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   void checkForHangUp() {
-    if (ended_ || parting_ || reading_) return;
-    if (tuner_.hasHungUp(stream_.next_layer().socket().native_handle())) {
-      if (handlers_.hungUp) handlers_.hungUp();
+    if (ended_ || parting_ || (reading_ && !pongIsOwed_)) return;
+    const bool hasHungUp = tuner_.hasHungUp(stream_.next_layer().socket().native_handle());
+    if (!reading_) {
+      if (hasHungUp) {
+        if (handlers_.hungUp) handlers_.hungUp();
+        return;
+      }
+      probe();
+    } else if (++looksForPong_ > looksAtOwedPong && hasHungUp) {
+      // What lies behind the ping cannot be read before the pong is written, which may be never.
+      handlers_.received(std::nullopt);
       return;
     }
-    probe();
     watchForHangUp();
   }
 
@@ -320,6 +341,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   bool reading_ = false;
   bool writing_ = false;
   bool probing_ = false;
+  bool pongIsOwed_ = false;
+  int looksForPong_ = 0;  // whether the peer has ended, since a pong is owed
   bool watchingForHangUp_ = false;
   bool watchingDelivery_ = false;
 };

@@ -599,6 +599,30 @@ TEST_F(WebSocketConduct, AClientThatPingsAndNeverReadsIsNotReadFromAnyMore) {
   EXPECT_LT(bytesTaken(client, pings, moreThanSocketsHold), moreThanSocketsHold);
 }
 
+TEST_F(WebSocketConduct, AHalfCloseIsNoticedBehindAPingWhosePongCannotBeWritten) {
+  RawWebSocket client(server.port(), 4096);
+  ASSERT_TRUE(client.open());
+  ASSERT_TRUE(server.waitFor(1, isReady));
+  server.send(1, std::string(16 << 20, 's'));
+  ASSERT_TRUE(client.send(RawFrame{.opcode = opcode::ping, .payload = "there?"}));
+  ASSERT_TRUE(client.send(text("behind the ping")));
+  client.finishSending();
+  EXPECT_FALSE(server.waitFor(1, hasEnded, 500ms)) << "the system knows nothing of it yet";
+  server.setHungUp(true);
+  EXPECT_TRUE(server.waitFor(1, hasEnded));
+  EXPECT_THAT(server.connection(1).messages, IsEmpty());
+}
+
+TEST_F(WebSocketPause, AnEndDoesNotHideWhatLiesBehindAPingThatIsAnswered) {
+  server.setHungUp(true);
+  server.pause(1, false);
+  ASSERT_TRUE(client.send(RawFrame{.opcode = opcode::ping}));
+  ASSERT_TRUE(client.readFrame());
+  EXPECT_FALSE(server.waitFor(1, hasEnded, 1s));
+  ASSERT_TRUE(client.send(text("behind the ping")));
+  EXPECT_THAT(messages(2), SizeIs(2));
+}
+
 TEST_F(WebSocketConduct, AClientThatNeverReadsHoldsUpItsOwnMessagesOnly) {
   constexpr std::size_t count = 32;
   RawWebSocket client(server.port(), 4096);
