@@ -13,6 +13,12 @@ target_compile_options(orvel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -
 target_link_libraries(orvel_flags INTERFACE Threads::Threads)
 # What an older Boost still has and a newer one has not is used nowhere.
 target_compile_definitions(orvel_flags INTERFACE BOOST_ASIO_NO_DEPRECATED)
+# The toolkit's "signals" is also a name in GLib's headers.
+target_compile_definitions(orvel_flags INTERFACE QT_NO_KEYWORDS)
+# In a file that includes several, the names of one are visible in the next. Those that clash do not compile.
+target_compile_options(orvel_flags INTERFACE
+  $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>
+  $<$<AND:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
 if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # False alarms of all its releases so far about the standard library's own strings and optionals, when it optimises.
   target_compile_options(orvel_flags INTERFACE -Wno-restrict -Wno-maybe-uninitialized)

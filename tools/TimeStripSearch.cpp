@@ -13,7 +13,7 @@ namespace {
 using namespace strip;
 
 constexpr int darkest = 127;
-constexpr int smallestBlock = 4;
+constexpr int smallestFoundBlock = 4;
 // Small enough that a few of the rows cross the bars of the smallest strip.
 constexpr int rowStep = 6;
 constexpr double toleratedDeviation = 0.3;
@@ -29,7 +29,7 @@ bool isNear(double value, double expected) {
 bool hasFinderBars(const int* edges) {
   constexpr std::array widths = {1, 1, 3, 1, 1};
   const double block = static_cast<double>(edges[widths.size()] - edges[0]) / finderWidth;
-  if (block < smallestBlock) return false;
+  if (block < smallestFoundBlock) return false;
   for (std::size_t bar = 0; bar < widths.size(); ++bar) {
     // An edge is off by half a pixel or so, and that counts for more the smaller the blocks are.
     if (std::abs(edges[bar + 1] - edges[bar] - widths[bar] * block) > toleratedDeviation * block + 1) return false;

@@ -97,7 +97,8 @@ class WebSocketListener::Port : public std::enable_shared_from_this<Port> {
 WebSocketListener::WebSocketListener(NetworkQueue& queue, SocketTuner& tuner, const ListenerOptions& options)
     : port_(std::make_shared<Port>(queue, tuner, options)), queue_(queue) {}
 
-WebSocketListener::~WebSocketListener() {
+// Only memory that has run out could be thrown here, and nothing could go on then.
+WebSocketListener::~WebSocketListener() {  // NOLINT(bugprone-exception-escape)
   cancel();
 }
 

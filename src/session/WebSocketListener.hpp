@@ -15,7 +15,7 @@ class WebSocketListener final : public Listener {
  public:
   /// `queue` and `tuner` must outlive it and the transports that it makes.
   WebSocketListener(NetworkQueue& queue, SocketTuner& tuner, const ListenerOptions& options);
-  ~WebSocketListener() override;
+  ~WebSocketListener() override;  // NOLINT(bugprone-exception-escape): as where it is defined
 
   void start(Handlers handlers) override;
   void cancel() override;

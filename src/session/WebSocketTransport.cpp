@@ -352,7 +352,8 @@ class WebSocketTransport final : public Transport {
   WebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
       : queue_(queue), connection_(std::make_shared<Connection>(queue, tuner, std::move(socket), maximumMessageSize)) {}
 
-  ~WebSocketTransport() override { cancel(); }
+  // Only memory that has run out could be thrown here, and nothing could go on then.
+  ~WebSocketTransport() override { cancel(); }  // NOLINT(bugprone-exception-escape)
 
   Executor& queue() override { return queue_; }
 

@@ -21,7 +21,7 @@
 namespace orvel {
 namespace {
 
-constexpr Milliseconds lookInterval{20};
+constexpr Milliseconds iconLookInterval{20};
 constexpr Milliseconds stillness{80};
 constexpr std::uint32_t darkGround = 0x202020;
 constexpr std::uint32_t lightGround = 0xf0f0f0;
@@ -48,7 +48,7 @@ bool waitUntil(const std::function<bool()>& isTrue, Milliseconds limit) {
   const Deadline deadline(limit);
   while (!isTrue()) {
     if (deadline.left() == Milliseconds(0)) return false;
-    std::this_thread::sleep_for(lookInterval);
+    std::this_thread::sleep_for(iconLookInterval);
   }
   return true;
 }

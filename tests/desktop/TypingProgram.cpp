@@ -9,7 +9,7 @@
 namespace orvel {
 namespace {
 
-constexpr Milliseconds lookInterval{5};
+constexpr Milliseconds windowLookInterval{5};
 
 ChildProcess::Environment environmentOf(const VirtualDesktop& desktop) {
   auto environment = desktop.environment();
@@ -30,7 +30,7 @@ class Terminal final : public TypingProgram {
     const Deadline deadline(patience);
     while (!std::filesystem::exists(file_)) {
       if (deadline.left() == Milliseconds(0)) throw std::runtime_error("no terminal: " + process_.output());
-      std::this_thread::sleep_for(lookInterval);
+      std::this_thread::sleep_for(windowLookInterval);
     }
   }
 
@@ -91,7 +91,7 @@ std::string TypingProgram::contentExpecting(const std::string& expected) {
   const Deadline deadline(patience);
   std::string typed = content();
   while (typed != expected && expected.starts_with(typed) && deadline.left() > Milliseconds(0)) {
-    std::this_thread::sleep_for(lookInterval);
+    std::this_thread::sleep_for(windowLookInterval);
     typed = content();
   }
   return typed;

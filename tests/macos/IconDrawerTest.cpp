@@ -9,7 +9,7 @@
 namespace orvel {
 namespace {
 
-constexpr double iconSize = 56;
+constexpr double drawnSize = 56;
 
 class IconDrawerTest : public MacTest {
  protected:
@@ -23,7 +23,7 @@ class IconDrawerTest : public MacTest {
 
 TEST_F(IconDrawerTest, IsThePNGOfWhatWasDrawn) {
   onBareThread([&] {
-    EXPECT_EQ(icons_.draw("/Applications/Büro.app", iconSize), fake::iconDrawing().png);
+    EXPECT_EQ(icons_.draw("/Applications/Büro.app", drawnSize), fake::iconDrawing().png);
     EXPECT_EQ(fake::savedGraphicsStates(), 0u);
   });
   EXPECT_EQ(fake::iconDrawing().file, "/Applications/Büro.app");
@@ -31,12 +31,12 @@ TEST_F(IconDrawerTest, IsThePNGOfWhatWasDrawn) {
 }
 
 TEST_F(IconDrawerTest, TheWholeIconFillsASquareOfThatManyPoints) {
-  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", iconSize));
+  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", drawnSize));
   const fake::IconDrawing& drawing = fake::iconDrawing();
   EXPECT_EQ(drawing.place.origin.x, 0);
   EXPECT_EQ(drawing.place.origin.y, 0);
-  EXPECT_EQ(drawing.place.size.width, iconSize);
-  EXPECT_EQ(drawing.place.size.height, iconSize);
+  EXPECT_EQ(drawing.place.size.width, drawnSize);
+  EXPECT_EQ(drawing.place.size.height, drawnSize);
   EXPECT_EQ(drawing.part.origin.x, 0);
   EXPECT_EQ(drawing.part.origin.y, 0);
   EXPECT_EQ(drawing.part.size.width, 32);
@@ -47,12 +47,12 @@ TEST_F(IconDrawerTest, TheWholeIconFillsASquareOfThatManyPoints) {
 }
 
 TEST_F(IconDrawerTest, APointIsTwoPixelsOfTheCommonColours) {
-  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", iconSize));
+  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", drawnSize));
   const fake::IconDrawing& drawing = fake::iconDrawing();
   EXPECT_EQ(drawing.width, 112);
   EXPECT_EQ(drawing.height, 112);
-  EXPECT_EQ(drawing.size.width, iconSize);
-  EXPECT_EQ(drawing.size.height, iconSize);
+  EXPECT_EQ(drawing.size.width, drawnSize);
+  EXPECT_EQ(drawing.size.height, drawnSize);
   EXPECT_TRUE(drawing.isPlainRGBA);
   EXPECT_TRUE(drawing.isTagged);
 }
@@ -60,18 +60,18 @@ TEST_F(IconDrawerTest, APointIsTwoPixelsOfTheCommonColours) {
 TEST_F(IconDrawerTest, IsNothingWhenAnyStepFails) {
   for (const char* step : {"bitmap", "colour", "context", "png"}) {
     fake::iconDrawing().failing = {step};
-    EXPECT_EQ(icons_.draw("/Applications/Editor.app", iconSize), std::nullopt) << step;
+    EXPECT_EQ(icons_.draw("/Applications/Editor.app", drawnSize), std::nullopt) << step;
     EXPECT_EQ(fake::savedGraphicsStates(), 0u) << step;
   }
 }
 
 TEST_F(IconDrawerTest, IsNothingForAPathThatIsNoText) {
-  EXPECT_EQ(icons_.draw("\xff", iconSize), std::nullopt);
+  EXPECT_EQ(icons_.draw("\xff", drawnSize), std::nullopt);
 }
 
 TEST_F(IconDrawerTest, DrawsForOneThreadAtATime) {
   fake::iconDrawing().patience = std::chrono::milliseconds(50);
-  const auto draw = [this] { icons_.draw("/Applications/Editor.app", iconSize); };
+  const auto draw = [this] { icons_.draw("/Applications/Editor.app", drawnSize); };
   std::thread other(draw);
   draw();
   other.join();

@@ -26,8 +26,8 @@ namespace {
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
-constexpr uid_t nobody = 65534;
-constexpr int noOtherUser = 77;
+constexpr uid_t otherUser = 65534;
+constexpr int otherUserIsMissing = 77;
 
 class SystemPreferencesTest : public ::testing::Test {
  protected:
@@ -409,14 +409,14 @@ TEST_F(SystemPreferencesObstacleTest, AFolderWithoutWritePermission) {
   ASSERT_GE(child, 0);
   if (child == 0) {
     fs::permissions(folder_.path(), fs::perms(0555));
-    if (getuid() == 0 && setuid(nobody) != 0) _exit(noOtherUser);
+    if (getuid() == 0 && setuid(otherUser) != 0) _exit(otherUserIsMissing);
     expectMemory();
     _exit(HasFailure() ? 1 : 0);
   }
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   fs::permissions(folder_.path(), fs::perms(0700));
-  if (WEXITSTATUS(status) == noOtherUser) GTEST_SKIP() << "there is no other user here";
+  if (WEXITSTATUS(status) == otherUserIsMissing) GTEST_SKIP() << "there is no other user here";
   EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
@@ -466,12 +466,13 @@ TEST_F(SystemPreferencesTest, ARelativeConfigurationFolderDoesNotCount) {
 TEST_F(SystemPreferencesTest, AFileThatCannotBeReadIsReplaced) {
   writeFile("[General]\norvel.token=ROOTSROOTSROOTS\n");
   fs::permissions(file(), fs::perms(0600));
-  if (chown(folder_.path().c_str(), nobody, nobody) != 0) GTEST_SKIP() << "only root can make a file someone else's";
-  ASSERT_EQ(chown(configuration().c_str(), nobody, nobody), 0);
+  if (chown(folder_.path().c_str(), otherUser, otherUser) != 0)
+    GTEST_SKIP() << "only root can make a file someone else's";
+  ASSERT_EQ(chown(configuration().c_str(), otherUser, otherUser), 0);
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    if (setuid(nobody) != 0) _exit(noOtherUser);
+    if (setuid(otherUser) != 0) _exit(otherUserIsMissing);
     EXPECT_EQ(SystemPreferences().string("orvel.token"), std::nullopt);
     SystemPreferences().setString("orvel.token", "ABCDEFGHJKMN");
     EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
@@ -486,12 +487,13 @@ TEST_F(SystemPreferencesTest, AFileThatCannotBeReadIsReplaced) {
 TEST_F(SystemPreferencesTest, AFileThatCanOnlyBeReadKeepsWhatItSaysWhenItIsReplaced) {
   writeFile("[General]\norvel.token=ABCDEFGHJKMN\n");
   fs::permissions(file(), fs::perms(0644));
-  if (chown(folder_.path().c_str(), nobody, nobody) != 0) GTEST_SKIP() << "only root can make a file someone else's";
-  ASSERT_EQ(chown(configuration().c_str(), nobody, nobody), 0);
+  if (chown(folder_.path().c_str(), otherUser, otherUser) != 0)
+    GTEST_SKIP() << "only root can make a file someone else's";
+  ASSERT_EQ(chown(configuration().c_str(), otherUser, otherUser), 0);
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    if (setuid(nobody) != 0) _exit(noOtherUser);
+    if (setuid(otherUser) != 0) _exit(otherUserIsMissing);
     SystemPreferences().setString("other", "Zoe");
     EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
     EXPECT_EQ(SystemPreferences().string("other"), "Zoe");

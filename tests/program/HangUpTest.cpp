@@ -17,7 +17,7 @@ using Kind = X11Witness::Kind;
 constexpr int rightButton = 3;
 constexpr std::size_t below = std::size_t{3} << 20;  // bytes that the host keeps for a phone, and more than it has done
 /// Sanitizers keep what was freed.
-constexpr bool memoryIsTelling = !ORVEL_SANITIZED;
+constexpr bool memoryIsComparable = !ORVEL_SANITIZED;
 
 constexpr std::size_t endless = std::size_t{256} << 20;
 
@@ -93,7 +93,7 @@ TEST_F(HangUpTest, WhoSendsMoreThanTheHostKeepsHoldsNothingAndItsEndIsSeen) {
   const auto before = host.footprint();
   EXPECT_LT(flood(endless), endless) << "the host stops reading";
   EXPECT_TRUE(isReleasedWithin(patience));
-  if (memoryIsTelling) {
+  if (memoryIsComparable) {
     EXPECT_LT(host.footprint().privateKilobytes, before.privateKilobytes + 20 * 1024);
   }
   const std::size_t connected = host.footprint().descriptors;

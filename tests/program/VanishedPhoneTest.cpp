@@ -13,7 +13,7 @@ namespace {
 using Kind = X11Witness::Kind;
 
 /// A key that the server does not repeat while it is held.
-constexpr int shiftKey = 50;
+constexpr int heldShiftKey = 50;
 
 /// Another computer on a network of two, made of a namespace that lives as long as its first program.
 class OtherComputer {
@@ -91,7 +91,7 @@ TEST_F(VanishedPhoneTest, IsNoticedWithinThirtySecondsButNotMistakenForOneThatSl
 
   // One phone just goes silent, with a key held; another leaves an answer unacknowledged, with a button held.
   ChildProcess silent({.command = phoneDoing(computer, {"keydown", "shift", "wait", "90"})});
-  ASSERT_TRUE(waitForInput(Kind::keyDown, shiftKey)) << silent.output();
+  ASSERT_TRUE(waitForInput(Kind::keyDown, heldShiftKey)) << silent.output();
   std::vector<std::string> pings = {"press", "right"};
   for (int count = 0; count < 20; ++count) pings.insert(pings.end(), {"wait", "0.1", "ping"});
   ChildProcess answered({.command = phoneDoing(computer, pings)});
@@ -108,9 +108,10 @@ TEST_F(VanishedPhoneTest, IsNoticedWithinThirtySecondsButNotMistakenForOneThatSl
   // A picture that nobody acknowledges.
   auto neighbour = connectPaired();
   neighbour.sendFrame(phone::moveAbsoluteFrame(0.5, 0.5));
-  EXPECT_FALSE(waitForRelease(Kind::keyUp, shiftKey, std::chrono::seconds(5))) << "a phone may be silent for a while";
+  EXPECT_FALSE(waitForRelease(Kind::keyUp, heldShiftKey, std::chrono::seconds(5)))
+      << "a phone may be silent for a while";
   EXPECT_TRUE(waitForRelease(Kind::buttonUp, 3, limit.left()));
-  EXPECT_TRUE(waitForRelease(Kind::keyUp, shiftKey, limit.left()));
+  EXPECT_TRUE(waitForRelease(Kind::keyUp, heldShiftKey, limit.left()));
   EXPECT_TRUE(host.process().waitForOutput("No longer sharing your screen\n", limit.left()));
 
   EXPECT_TRUE(asleep.readFrame()) << "the greeting";

@@ -3,6 +3,8 @@
 #include <glib-object.h>
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace orvel {
 
@@ -19,5 +21,17 @@ struct ReleaseGLib {
 /// Owns what a function of GLib has handed over.
 template <class Content>
 using GLibPointer = std::unique_ptr<Content, ReleaseGLib>;
+
+/// A text that may be null, which counts as empty.
+inline std::string_view viewOf(const char* text) {
+  return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+/// The groups, keys and values of a text in the form that desktop entries have. Null when it is damaged. Threads: any.
+inline GLibPointer<GKeyFile> parseKeyFile(const std::string& text) {
+  GLibPointer<GKeyFile> keys(g_key_file_new());
+  if (!g_key_file_load_from_data(keys.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr)) return nullptr;
+  return keys;
+}
 
 }  // namespace orvel

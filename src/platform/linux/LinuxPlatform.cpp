@@ -3,7 +3,7 @@
 #include "platform/LeavableThread.hpp"
 #include "platform/linux/bus/TimeLimit.hpp"
 #include "platform/linux/bus/ToolkitBus.hpp"
-#include "platform/linux/files/ConfigurationFolders.hpp"
+#include "platform/linux/files/Folders.hpp"
 #include "platform/linux/files/OwnProgram.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
@@ -13,7 +13,6 @@
 #include <QGuiApplication>
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -21,16 +20,11 @@ namespace orvel {
 namespace {
 
 constexpr rlim_t mostDescriptors = 65536;
-constexpr std::chrono::seconds busPatience{1};
+constexpr std::chrono::seconds silentBusTimeout{1};
 constexpr int largestKeptBlock = 256 * 1024;
 
 std::string needsDesktop(const std::string& reason) {
   return "Orvel needs a desktop to work on: " + reason;
-}
-
-std::string variable(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
 }
 
 /// Every phone needs a descriptor, and the usual limit is meant for programs that wait for them by select(). Returns
@@ -119,12 +113,12 @@ void LinuxPlatform::end() {
 }
 
 std::optional<std::string> missingDesktop() {
-  const std::string display = variable("DISPLAY");
+  const std::string display = environmentVariable("DISPLAY");
   if (!display.empty()) {
     if (X11Connection::open(display)) return std::nullopt;
     return needsDesktop("no X display answers at \"" + display + "\".");
   }
-  if (!variable("WAYLAND_DISPLAY").empty()) {
+  if (!environmentVariable("WAYLAND_DISPLAY").empty()) {
     return needsDesktop("it does not work on Wayland yet, and this is a Wayland session. Log in to an X11 session.");
   }
   return needsDesktop(
@@ -133,7 +127,7 @@ std::optional<std::string> missingDesktop() {
 }
 
 std::vector<std::string> prepareToolkit() {
-  forgoSilentBus(TimeLimit(busPatience));
+  forgoSilentBus(TimeLimit(silentBusTimeout));
   // The panel's look is ours. A theme of the desktop's would bring another whole toolkit into this process.
   QGuiApplication::setDesktopSettingsAware(false);
   // X11 on Wayland, too: there only Xwayland lets a window open beside an icon.
@@ -143,7 +137,7 @@ std::vector<std::string> prepareToolkit() {
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   const rlimit openFiles = allowManyConnections();
   giveMemoryBack();
-  const std::string display = variable("DISPLAY");
+  const std::string display = environmentVariable("DISPLAY");
   auto connection = X11Connection::open(display);
   if (!connection) return needsDesktop("no X display answers at \"" + display + "\".");
   auto platform = std::make_unique<LinuxPlatform>(std::move(connection), display, openFiles);
@@ -152,8 +146,9 @@ std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
 }
 
 std::optional<std::string> inputObstacle() {
-  const std::string display = variable("DISPLAY");
-  if (display.empty() && !variable("WAYLAND_DISPLAY").empty()) return SystemTrustCheck::noticeOnWayland().explanation;
+  const std::string display = environmentVariable("DISPLAY");
+  if (display.empty() && !environmentVariable("WAYLAND_DISPLAY").empty())
+    return SystemTrustCheck::noticeOnWayland().explanation;
   // Another computer's display, such as that of whoever has logged in from there, says nothing of this one.
   if (!display.starts_with(':')) return std::nullopt;
   const auto answer = std::make_shared<Guarded<std::optional<std::string>>>();

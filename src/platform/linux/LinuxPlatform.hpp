@@ -22,7 +22,7 @@
 #include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
-#include "platform/linux/files/DataFolders.hpp"
+#include "platform/linux/files/Folders.hpp"
 #include "platform/linux/x11/ToolkitConnection.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 

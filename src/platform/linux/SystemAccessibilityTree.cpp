@@ -9,7 +9,7 @@ namespace orvel {
 namespace {
 
 // For all that is asked: a person who snaps onto a program that hangs shall not notice more than that nothing happens.
-constexpr std::chrono::milliseconds patience{300};
+constexpr std::chrono::milliseconds searchTimeout{300};
 
 std::string accessibilityBusAddress(const std::string& sessionBus, const TimeLimit& limit) {
   const auto bus = MessageBus::open(sessionBus, limit);
@@ -33,7 +33,7 @@ SystemAccessibilityTree::SystemAccessibilityTree(X11Connection& connection, cons
 
 std::optional<AccessibleElement> SystemAccessibilityTree::elementAt(Point position) {
   const auto window = WindowAtPoint::find(connection_, position);
-  const TimeLimit limit(patience);
+  const TimeLimit limit(searchTimeout);
   if (!window || !connect(limit)) return std::nullopt;
   const AccessibleConversation conversation{.bus = *bus_, .limit = limit};
   for (const AccessibleObject& program : AccessibleObject::desktop(conversation).children()) {

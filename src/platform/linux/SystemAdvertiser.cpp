@@ -3,6 +3,7 @@
 #include "platform/ServiceName.hpp"
 #include "platform/linux/OwnedDescriptor.hpp"
 #include "platform/linux/SocketFileWatch.hpp"
+#include "platform/linux/files/Folders.hpp"
 
 #include <avahi-client/client.h>
 #include <avahi-client/publish.h>
@@ -39,14 +40,13 @@ struct Service {
 };
 
 std::string systemBusSocket() {
-  const char* configured = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
-  if (configured == nullptr) return "/run/dbus/system_bus_socket";
-  const std::string_view address = configured;
+  const std::string address = environmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+  if (address.empty()) return "/run/dbus/system_bus_socket";
   constexpr std::string_view prefix = "unix:path=";
   const std::size_t start = address.find(prefix);
   if (start == std::string_view::npos) return {};
-  const std::string_view path = address.substr(start + prefix.size());
-  return std::string(path.substr(0, path.find_first_of(",;")));
+  const std::string path = address.substr(start + prefix.size());
+  return path.substr(0, path.find_first_of(",;"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "base/UTF8.hpp"
 #include "platform/linux/bus/ApplicationObject.hpp"
+#include "platform/linux/files/Folders.hpp"
 
 #include <chrono>
 #include <cstdint>
@@ -24,8 +25,7 @@ constexpr std::uint32_t belongsToAnother = 3;
 std::string takeToken() {
   std::string token;
   for (const char* name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
-    const char* value = std::getenv(name);
-    if (value == nullptr) continue;
+    const std::string value = environmentVariable(name);
     if (token.empty() && isValidUTF8(value)) token = value;
     unsetenv(name);
   }

@@ -15,8 +15,8 @@ namespace {
 
 constexpr auto identifier = "app.orvel.Orvel";
 constexpr auto withoutPanel = "--background";
-constexpr std::size_t largestEntry = std::size_t{1} << 20;
-constexpr int ownFolder = 0700;
+constexpr std::size_t largestAutostartEntry = std::size_t{1} << 20;
+constexpr int ownFolderMode = 0700;
 constexpr int entryFile = 0644;
 
 std::string autostartFolder(const std::string& configuration) {
@@ -57,7 +57,7 @@ bool SystemLoginItemService::remove() {
 std::optional<bool> SystemLoginItemService::isStartedBy(const std::string& folder) const {
   const std::string path = entryIn(folder);
   if (!isThere(path)) return std::nullopt;
-  const auto text = readSmallFile(path, largestEntry);
+  const auto text = readSmallFile(path, largestAutostartEntry);
   return text && AutostartEntry::starts(*text);
 }
 
@@ -77,7 +77,7 @@ std::string SystemLoginItemService::entry(bool isHidden) const {
 bool SystemLoginItemService::write(const std::string& text) const {
   constexpr auto wholeOrNotAtAll =
       static_cast<GFileSetContentsFlags>(G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE);
-  if (g_mkdir_with_parents(autostartFolder(folders_.own).c_str(), ownFolder) != 0) return false;
+  if (g_mkdir_with_parents(autostartFolder(folders_.own).c_str(), ownFolderMode) != 0) return false;
   return g_file_set_contents_full(entryIn(folders_.own).c_str(), text.data(), static_cast<gssize>(text.size()),
                                   wholeOrNotAtAll, entryFile, nullptr);
 }

@@ -25,8 +25,8 @@ namespace orvel {
 namespace {
 
 constexpr mode_t permissionBits = 07777;
-constexpr mode_t ownFolder = 0700;
-constexpr mode_t ownFile = 0600;
+constexpr mode_t privateFolder = 0700;
+constexpr mode_t privateFile = 0600;
 constexpr std::chrono::milliseconds noPatience{0};
 constexpr std::chrono::milliseconds writersPatience{500};  // others of us write for a millisecond
 
@@ -117,13 +117,13 @@ bool isLocked(const std::string& file, std::chrono::milliseconds patience) {
 
 void makeFolders(const std::string& path) {
   for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
-    mkdir(path.substr(0, end).c_str(), ownFolder);
+    mkdir(path.substr(0, end).c_str(), privateFolder);
   }
-  mkdir(path.c_str(), ownFolder);
+  mkdir(path.c_str(), privateFolder);
 }
 
 bool createPrivately(const std::string& file) {
-  const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownFile);
+  const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFile);
   if (descriptor < 0) return false;
   close(descriptor);
   return true;
@@ -133,10 +133,10 @@ bool createPrivately(const std::string& file) {
 /// its permissions, and does so before it has a name. Someone else's file makes room for one of ours.
 bool prepare(const std::string& folder, const std::string& file) {
   makeFolders(folder);
-  if (!keepPrivate(folder, ownFolder)) return false;
+  if (!keepPrivate(folder, privateFolder)) return false;
   if (createPrivately(file)) return true;
   if (!isRegularFile(file)) return false;
-  if (keepPrivate(file, ownFile) && isWritable(file)) return true;
+  if (keepPrivate(file, privateFile) && isWritable(file)) return true;
   return unlink(file.c_str()) == 0 && createPrivately(file);
 }
 
@@ -195,7 +195,7 @@ void SystemPreferences::refresh(State& state) const {
     state.isReadable = isMissing;
     state.stamp.reset();
   } else {
-    if (stamp->isPlainFile) keepPrivate(file_, ownFile);
+    if (stamp->isPlainFile) keepPrivate(file_, privateFile);
     if (stamp != state.stamp || !stamp->isSettled()) read(state, *stamp);
   }
   if (state.isReadable && !state.provisional.empty()) {
@@ -243,7 +243,7 @@ void SystemPreferences::add(const std::string& key, const std::string& value) {
   });
   if (isInTexts) return;
   makeFolders(folder_);
-  if (keepPrivate(folder_, ownFolder)) listOf(key)->add(toQString(value).toStdString());
+  if (keepPrivate(folder_, privateFolder)) listOf(key)->add(toQString(value).toStdString());
 }
 
 void SystemPreferences::remove(const std::string& key) {

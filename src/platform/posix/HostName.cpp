@@ -10,13 +10,13 @@
 namespace orvel {
 namespace {
 
-constexpr std::size_t longestName = 255;
+constexpr std::size_t longestHostName = 255;
 
 }  // namespace
 
 std::string HostName::read() {
-  std::array<char, longestName + 1> name{};
-  if (gethostname(name.data(), longestName) != 0) return {};
+  std::array<char, longestHostName + 1> name{};
+  if (gethostname(name.data(), longestHostName) != 0) return {};
   return wellFormedUTF8(name.data());
 }
 

@@ -14,7 +14,7 @@
 namespace orvel {
 namespace {
 
-constexpr int deepestNesting = 8;             // of frames that window managers put around a window
+constexpr int deepestFrameNesting = 8;        // of frames that window managers put around a window
 constexpr std::uint32_t longestTitle = 1024;  // in units of four bytes
 
 struct Seen {
@@ -36,7 +36,7 @@ class WindowSearch {
   std::optional<Seen> find() const {
     const auto top = childAt({.window = connection_.root(), .frame = {}});
     std::optional<Seen> inner = top;
-    for (int depth = 0; inner && depth < deepestNesting; ++depth) {
+    for (int depth = 0; inner && depth < deepestFrameNesting; ++depth) {
       if (isManaged(inner->window)) return inner;
       inner = childAt(*inner);
     }

@@ -10,7 +10,7 @@
 namespace orvel {
 namespace {
 
-constexpr std::chrono::seconds busPatience{60};  // a login is a busy time
+constexpr std::chrono::seconds loginTimeout{60};  // a login is a busy time
 
 constexpr auto portal = "org.freedesktop.portal.Desktop";
 constexpr auto portalPath = "/org/freedesktop/portal/desktop";
@@ -26,10 +26,6 @@ constexpr auto arrivals =
 constexpr auto changes =
     "type='signal',sender='org.freedesktop.portal.Desktop',interface='org.freedesktop.portal.Settings',"
     "member='SettingChanged',arg0='org.freedesktop.appearance'";
-
-std::string_view viewOf(const char* text) {
-  return text == nullptr ? std::string_view() : std::string_view(text);
-}
 
 void listenTo(GDBusConnection* connection, const char* signals) {
   const GLibPointer<GDBusMessage> message(g_dbus_message_new_method_call(
@@ -136,7 +132,7 @@ std::optional<bool> PortalColorScheme::isDark() const {
 }
 
 void PortalColorScheme::connect(const std::string& address) {
-  bus_ = MessageBus::open(address, TimeLimit(busPatience), cancellation_.get());
+  bus_ = MessageBus::open(address, TimeLimit(loginTimeout), cancellation_.get());
   if (!bus_) return;
   bus_->observe([answer = answer_](GDBusConnection* connection, GDBusMessage* message) {
     answer->hear(connection, message);

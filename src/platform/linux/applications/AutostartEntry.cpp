@@ -1,7 +1,6 @@
 #include "platform/linux/applications/AutostartEntry.hpp"
 
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/files/KeyFile.hpp"
 
 #include <gio/gdesktopappinfo.h>
 

@@ -1,6 +1,7 @@
 #include "platform/linux/applications/DesktopEntries.hpp"
 
 #include "base/UTF8.hpp"
+#include "platform/linux/files/Folders.hpp"
 #include "platform/linux/files/SmallFile.hpp"
 
 #include <dirent.h>
@@ -25,12 +26,6 @@ struct CloseFolder {
 };
 using Folder = std::unique_ptr<DIR, CloseFolder>;
 
-std::string below(const std::string& folder, std::string_view name) {
-  std::string path = folder;
-  path += '/';
-  return path += name;
-}
-
 bool isSelfOrParent(std::string_view name) {
   return name == "." || name == "..";
 }
@@ -38,11 +33,6 @@ bool isSelfOrParent(std::string_view name) {
 bool isFileStem(std::string_view identifier) {
   return !identifier.empty() && identifier.size() <= longestIdentifier && isValidUTF8(identifier) &&
          identifier.find('/') == std::string_view::npos && identifier.find('\0') == std::string_view::npos;
-}
-
-bool isFolder(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 /// Collects the names of entries below one folder.
@@ -135,7 +125,7 @@ std::vector<DesktopEntries::Found> DesktopEntries::all() {
     const auto names = list(folder);
     if (!names) continue;
     for (const std::string& name : *names) {
-      std::string path = below(folder, name);
+      std::string path = pathIn(folder, name);
       auto entry = read(path);
       std::string identifier = DesktopEntry::identifierOf(name);
       if (!entry || !seen.insert(identifier).second || !entry->isUsable) continue;
@@ -164,7 +154,7 @@ std::optional<std::string> DesktopEntries::locate(const std::string& folder, std
   // Each dash may stand for the slash of a folder below.
   for (auto dash = name.find('-'); dash != std::string_view::npos; dash = name.find('-', dash + 1)) {
     const std::string_view first = name.substr(0, dash);
-    const std::string inner = below(folder, first);
+    const std::string inner = pathIn(folder, first);
     if (first.empty() || isSelfOrParent(first) || !isFolder(inner)) continue;
     if (auto found = locate(inner, name.substr(dash + 1), depth + 1)) return found;
   }

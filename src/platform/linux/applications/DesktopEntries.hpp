@@ -2,7 +2,7 @@
 
 #include "base/Guarded.hpp"
 #include "platform/linux/applications/DesktopEntry.hpp"
-#include "platform/linux/files/FileStamp.hpp"
+#include "platform/linux/files/SmallFile.hpp"
 
 #include <memory>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "platform/linux/applications/DesktopEntry.hpp"
 
-#include "platform/linux/files/KeyFile.hpp"
+#include "platform/linux/GLibPointer.hpp"
 
 #include <gio/gdesktopappinfo.h>
 

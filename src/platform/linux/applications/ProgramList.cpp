@@ -14,7 +14,7 @@ namespace {
 
 /// Above every number of a process.
 constexpr std::uint64_t windowWithoutProcess = std::uint64_t{1} << 32;
-constexpr int longestChain = 16;
+constexpr int longestParentChain = 16;
 
 /// Puts windows together to programs.
 class Grouping {
@@ -42,7 +42,7 @@ class Grouping {
   /// themselves.
   const ManagedWindow& mainWindowOf(const ManagedWindow& window) const {
     const ManagedWindow* main = &window;
-    for (int i = 0; i < longestChain && main->owner != XCB_WINDOW_NONE; ++i) {
+    for (int i = 0; i < longestParentChain && main->owner != XCB_WINDOW_NONE; ++i) {
       const auto owner = byID_.find(main->owner);
       if (owner == byID_.end() || owner->second->process != window.process) break;
       main = owner->second;

@@ -34,10 +34,6 @@ constexpr std::array methods = {Method{"Activate", "(a{sv})", 0}, Method{"Open",
                                 Method{"ActivateAction", "(sava{sv})", 2}};
 constexpr const Method& activateAction = methods[2];
 
-std::string_view viewOf(const char* text) {
-  return text == nullptr ? std::string_view() : std::string_view(text);
-}
-
 const Method* methodOf(GDBusMessage* message) {
   for (const Method& method : methods) {
     if (viewOf(g_dbus_message_get_member(message)) == method.name) return &method;

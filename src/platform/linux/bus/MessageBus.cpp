@@ -1,6 +1,7 @@
 #include "platform/linux/bus/MessageBus.hpp"
 
 #include "platform/linux/bus/CancelledInTime.hpp"
+#include "platform/linux/files/Folders.hpp"
 
 #include <atomic>
 #include <cstdlib>
@@ -37,10 +38,10 @@ class Observer {
 }  // namespace
 
 std::string sessionBusAddress() {
-  const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-  if (address != nullptr && !std::string_view(address).starts_with(startingOne)) return address;
-  const char* folder = std::getenv("XDG_RUNTIME_DIR");
-  if (folder == nullptr) return {};
+  std::string address = environmentVariable("DBUS_SESSION_BUS_ADDRESS");
+  if (!address.empty() && !address.starts_with(startingOne)) return address;
+  const std::string folder = environmentVariable("XDG_RUNTIME_DIR");
+  if (folder.empty()) return {};
   const std::filesystem::path socket = std::filesystem::path(folder) / "bus";
   std::error_code ignored;
   if (!std::filesystem::is_socket(socket, ignored)) return {};

@@ -9,21 +9,21 @@
 namespace orvel {
 namespace {
 
-constexpr auto variable = "DBUS_SESSION_BUS_ADDRESS";
+constexpr auto addressVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 }  // namespace
 
 void forgoSilentBus(const TimeLimit& limit) {
   if (MessageBus::open(sessionBusAddress(), limit)) return;
-  const bool wasSet = qEnvironmentVariableIsSet(variable);
-  const QByteArray address = qgetenv(variable);
+  const bool wasSet = qEnvironmentVariableIsSet(addressVariable);
+  const QByteArray address = qgetenv(addressVariable);
   // The toolkit connects once and never again. Programs that Orvel starts still get the address.
-  qputenv(variable, "disabled:");
+  qputenv(addressVariable, "disabled:");
   QDBusConnection::sessionBus();
   if (wasSet) {
-    qputenv(variable, address);
+    qputenv(addressVariable, address);
   } else {
-    qunsetenv(variable);
+    qunsetenv(addressVariable);
   }
 }
 

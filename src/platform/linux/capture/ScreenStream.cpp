@@ -16,7 +16,7 @@ namespace {
 constexpr FramePace::Interval pauseAfterNothing = std::chrono::milliseconds(33);
 
 /// Within which a server answers that does not hang.
-constexpr std::chrono::milliseconds farewellPatience{300};
+constexpr std::chrono::milliseconds shutdownTimeout{300};
 
 FramePace::Time now() {
   return std::chrono::steady_clock::now();
@@ -37,7 +37,7 @@ ScreenStream::~ScreenStream() {
   wakeUp_.call();
   if (!thread_.joinable()) return;
   // What is broken off may leave a descriptor behind that was just to be sent.
-  if (!threadEnded_.try_acquire_for(farewellPatience)) connection_->breakOff();
+  if (!threadEnded_.try_acquire_for(shutdownTimeout)) connection_->breakOff();
   thread_.join();
 }
 

@@ -1,6 +1,6 @@
 #include "platform/linux/files/OwnProgram.hpp"
 
-#include "platform/linux/files/FolderList.hpp"
+#include "platform/linux/files/Folders.hpp"
 
 #include <unistd.h>
 

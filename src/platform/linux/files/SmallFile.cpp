@@ -11,6 +11,8 @@
 namespace orvel {
 namespace {
 
+constexpr time_t settlingTime = 2;  // seconds; some file systems count in twos
+
 bool isSmallFile(const struct stat& status, std::size_t limit) {
   return S_ISREG(status.st_mode) && static_cast<std::uint64_t>(status.st_size) <= limit;
 }
@@ -28,6 +30,21 @@ std::string readUpTo(int descriptor, std::size_t limit) {
 }
 
 }  // namespace
+
+std::optional<FileStamp> FileStamp::of(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  return FileStamp{.device = status.st_dev,
+                   .number = status.st_ino,
+                   .size = status.st_size,
+                   .seconds = status.st_mtim.tv_sec,
+                   .nanoseconds = status.st_mtim.tv_nsec,
+                   .isPlainFile = S_ISREG(status.st_mode)};
+}
+
+bool FileStamp::isSettled() const {
+  return std::time(nullptr) > seconds + settlingTime;
+}
 
 std::optional<std::string> readSmallFile(const std::string& path, std::size_t limit) {
   struct stat status {};

@@ -16,7 +16,7 @@
 namespace orvel {
 namespace {
 
-constexpr mode_t ownFile = 0600;
+constexpr mode_t listMode = 0600;
 constexpr std::size_t pieceSize = std::size_t{64} * 1024;
 constexpr int openFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // what is no file must not hold anybody up
 
@@ -163,11 +163,11 @@ bool TextList::learn(State& state) const {
 }
 
 bool TextList::append(State& state, const std::string& line) const {
-  const OwnedDescriptor file(open(path_.c_str(), O_RDWR | O_APPEND | O_CREAT | openFlags, ownFile));
+  const OwnedDescriptor file(open(path_.c_str(), O_RDWR | O_APPEND | O_CREAT | openFlags, listMode));
   if (file.number() < 0 || !isPlainFile(file.number())) return false;
   // Somebody else who writes just now may be stopped: the text is then not stored, rather than waited for.
   if (flock(file.number(), LOCK_EX | LOCK_NB) != 0) return false;
-  fchmod(file.number(), ownFile);
+  fchmod(file.number(), listMode);
   if (endsWithinLine(file.number()) && !appendWhole(file.number(), "\n")) return false;
   if (!appendWhole(file.number(), line)) return false;
   state.stamp = FileStamp::of(path_);

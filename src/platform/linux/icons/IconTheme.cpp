@@ -1,6 +1,6 @@
 #include "platform/linux/icons/IconTheme.hpp"
 
-#include "platform/linux/files/KeyFile.hpp"
+#include "platform/linux/GLibPointer.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace orvel {
 namespace {
 
 constexpr const char* mainGroup = "Icon Theme";
-constexpr int largestSize = 4096;
+constexpr int largestIconSize = 4096;
 constexpr std::size_t mostNames = 2048;
 
 std::vector<std::string> namesIn(GKeyFile* keys, const char* key) {
@@ -25,7 +25,7 @@ std::vector<std::string> namesIn(GKeyFile* keys, const char* key) {
 
 int numberIn(GKeyFile* keys, const std::string& group, const char* key, int otherwise) {
   if (!g_key_file_has_key(keys, group.c_str(), key, nullptr)) return otherwise;
-  return std::clamp(g_key_file_get_integer(keys, group.c_str(), key, nullptr), 0, largestSize);
+  return std::clamp(g_key_file_get_integer(keys, group.c_str(), key, nullptr), 0, largestIconSize);
 }
 
 IconTheme::Type typeIn(GKeyFile* keys, const std::string& group) {
@@ -62,7 +62,7 @@ int IconTheme::Folder::distanceTo(int pixels) const {
     case Type::threshold:
       return outside(size - threshold, size + threshold);
   }
-  return largestSize;
+  return largestIconSize;
 }
 
 std::optional<IconTheme> IconTheme::parse(const std::string& text) {

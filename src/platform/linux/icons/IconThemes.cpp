@@ -1,5 +1,6 @@
 #include "platform/linux/icons/IconThemes.hpp"
 
+#include "platform/linux/files/Folders.hpp"
 #include "platform/linux/files/SmallFile.hpp"
 
 #include <sys/stat.h>
@@ -23,14 +24,8 @@ constexpr std::size_t mostThemes = 256;
 constexpr std::string_view commonTheme = "hicolor";
 constexpr std::array<std::string_view, 3> suffixes = {".png", ".svg", ".xpm"};
 
-std::string below(const std::string& folder, std::string_view name) {
-  std::string path = folder;
-  path += '/';
-  return path += name;
-}
-
 std::string indexOf(const std::string& themeFolder) {
-  return below(themeFolder, "index.theme");
+  return pathIn(themeFolder, "index.theme");
 }
 
 bool isFile(const std::string& path) {
@@ -38,15 +33,10 @@ bool isFile(const std::string& path) {
   return stamp && stamp->isPlainFile;
 }
 
-bool isFolder(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 std::optional<std::string> iconIn(const std::string& folder, const std::string& icon,
                                   const IconThemes::Choice& choice) {
   for (const std::string_view suffix : suffixes) {
-    std::string path = below(folder, icon);
+    std::string path = pathIn(folder, icon);
     path += suffix;
     if (isFile(path) && choice(path)) return path;
   }
@@ -147,7 +137,7 @@ IconThemes::Installed IconThemes::readTheme(const std::string& theme) const {
   Installed read{.parents = {}, .places = {}, .stamps = stampsOf(theme)};
   std::optional<IconTheme> index;
   for (const std::string& base : bases_) {
-    if (const auto text = readSmallFile(indexOf(below(base, theme)), largestIndex)) {
+    if (const auto text = readSmallFile(indexOf(pathIn(base, theme)), largestIndex)) {
       index = IconTheme::parse(*text);
       break;
     }
@@ -156,7 +146,7 @@ IconThemes::Installed IconThemes::readTheme(const std::string& theme) const {
   read.parents = std::move(index->parents);
   for (const IconTheme::Folder& folder : index->folders) {
     for (const std::string& base : bases_) {
-      std::string path = below(below(base, theme), folder.name);
+      std::string path = pathIn(pathIn(base, theme), folder.name);
       if (isFolder(path)) read.places.push_back({std::move(path), folder});
     }
   }
@@ -167,7 +157,7 @@ std::vector<std::optional<FileStamp>> IconThemes::stampsOf(const std::string& th
   std::vector<std::optional<FileStamp>> stamps;
   stamps.reserve(2 * bases_.size());
   for (const std::string& base : bases_) {
-    const std::string folder = below(base, theme);
+    const std::string folder = pathIn(base, theme);
     stamps.push_back(FileStamp::of(folder));
     stamps.push_back(FileStamp::of(indexOf(folder)));
   }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/files/DataFolders.hpp"
-#include "platform/linux/files/FileStamp.hpp"
+#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/SmallFile.hpp"
 #include "platform/linux/icons/IconTheme.hpp"
 
 #include <functional>

@@ -12,7 +12,7 @@ namespace orvel {
 namespace {
 
 constexpr std::string_view notesPropertyName = "_ORVEL_SPARE_KEYS";
-constexpr std::uint8_t wideFormat = 32;
+constexpr std::uint8_t wordFormat = 32;
 constexpr std::uint32_t noteFields = 4;
 constexpr std::uint32_t mostNoteFields = noteFields * 256;
 
@@ -20,7 +20,7 @@ xcb_window_t showSign(const X11Connection& connection, xcb_atom_t name) {
   const xcb_window_t window = xcb_generate_id(connection.get());
   xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, connection.root(), 0, 0, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-  xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window, name, XCB_ATOM_WINDOW, wideFormat, 1, &window);
+  xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window, name, XCB_ATOM_WINDOW, wordFormat, 1, &window);
   return window;
 }
 
@@ -112,7 +112,7 @@ std::vector<SpareKeys::Note> SpareKeys::readNotes() const {
       xcb_get_property(connection_.get(), false, connection_.root(), notesName_, XCB_ATOM_CARDINAL, 0, mostNoteFields);
   const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_.get(), asked, nullptr)};
   std::vector<Note> notes;
-  if (!reply || reply->format != wideFormat) return notes;
+  if (!reply || reply->format != wordFormat) return notes;
   const auto* fields = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
   for (std::uint32_t i = 0; i + noteFields <= reply->value_len; i += noteFields) {
     notes.push_back({.writer = fields[i], .keyCode = fields[i + 1], .meaning = {fields[i + 2], fields[i + 3]}});
@@ -127,7 +127,7 @@ void SpareKeys::writeNotes(const std::vector<Note>& notes) const {
   }
   static_assert(sizeof(Note) == noteFields * sizeof(std::uint32_t));
   xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, connection_.root(), notesName_, XCB_ATOM_CARDINAL,
-                      wideFormat, static_cast<std::uint32_t>(notes.size() * noteFields), notes.data());
+                      wordFormat, static_cast<std::uint32_t>(notes.size() * noteFields), notes.data());
 }
 
 void SpareKeys::noteBindings() const {

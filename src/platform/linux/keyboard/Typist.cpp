@@ -63,7 +63,7 @@ std::optional<SpareKeys::Levels> spareMeaningOf(char32_t character, bool isLocke
   return isShifted ? SpareKeys::Levels{keysym, nothing} : SpareKeys::Levels{nothing, keysym};
 }
 
-FocusedProgram::Time now() {
+FocusedProgram::Time currentTime() {
   return std::chrono::steady_clock::now();
 }
 
@@ -94,11 +94,11 @@ void Typist::stop() {
 bool Typist::type(std::u16string_view text) {
   const std::lock_guard lock(mutex_);
   const std::u32string characters = charactersOf(text);
-  lastProgress_ = now();
+  lastProgress_ = currentTime();
   for (std::u32string_view rest = characters; !rest.empty();) {
     if (isStopped_) return false;
     const Step step = typeSome(rest);
-    if (step.characters > 0) lastProgress_ = now();
+    if (step.characters > 0) lastProgress_ = currentTime();
     rest.remove_prefix(step.characters);
     if (!connection_.isAlive() || !overcome(step.obstacle)) return false;
   }
@@ -143,7 +143,7 @@ Typist::Step Typist::makeKnown(KeyboardMap map, const CharacterKeys& keys, const
                                    {.keyCode = keys.levelKey(), .down = false}};
   if (keys.levelKey() != 0 && !keys_.queueInOneGo(tap, held.version)) return {};
   known_.emplace(KnownMap{.window = focus_, .map = std::move(map)});
-  lastUse_ = now();
+  lastUse_ = currentTime();
   startIdleWatch();
   return {.obstacle = Obstacle::mapUnknown};
 }
@@ -155,7 +155,7 @@ Typist::Step Typist::strike(const Plan& plan, const Hands& hands, const KeyQueue
   if (locked != 0) keyboard_.lock(locked);
   if (!isQueued) return {};
   if (!plan.special.empty()) {
-    lastUse_ = now();
+    lastUse_ = currentTime();
     unread_ = Strokes{.window = focus_, .time = lastUse_};
   }
   if (!program_.answers(focus_)) {
@@ -219,7 +219,7 @@ Typist::Plan Typist::planFor(std::u32string_view text, const CharacterKeys& keys
 Typist::Step Typist::bindFor(const Plan& plan, const KeyboardMap& map) {
   if (unread_ && plan.missing.size() > spareKeys_.freeCount(map)) return {.obstacle = Obstacle::strokesUnread};
   spareKeys_.bind(map, plan.missing, plan.special);
-  lastUse_ = now();
+  lastUse_ = currentTime();
   startIdleWatch();
   return {};
 }
@@ -233,7 +233,7 @@ bool Typist::overcome(Obstacle obstacle) {
       unread_.reset();
       return true;
     case Obstacle::mapUnknown:
-      program_.waitUntilReady(focus_, now() + noticingTime);
+      program_.waitUntilReady(focus_, currentTime() + noticingTime);
       return true;
     case Obstacle::otherHands:
     case Obstacle::noSpareKeys:
@@ -257,7 +257,7 @@ bool Typist::waitUntilRead() {
 }
 
 bool Typist::hasWaited(std::chrono::seconds patience) const {
-  return now() - lastProgress_ > patience;
+  return currentTime() - lastProgress_ > patience;
 }
 
 void Typist::startIdleWatch() {
@@ -272,7 +272,7 @@ void Typist::startIdleWatch() {
 void Typist::watchIdleness(const std::stop_token& stopped) {
   std::condition_variable_any pause;
   std::unique_lock lock(mutex_);
-  while (now() < lastUse_ + idleTime && !stopped.stop_requested()) {
+  while (currentTime() < lastUse_ + idleTime && !stopped.stop_requested()) {
     pause.wait_until(lock, stopped, lastUse_ + idleTime, [] { return false; });
   }
   if (!stopped.stop_requested()) giveSpareKeysBack();

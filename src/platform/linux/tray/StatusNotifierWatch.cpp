@@ -20,7 +20,7 @@ constexpr std::chrono::milliseconds answerLimit = 5s;
 
 const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherObject = QStringLiteral("/StatusNotifierWatcher");
-const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
 }  // namespace
 
@@ -55,12 +55,13 @@ void StatusNotifierWatch::followSignals() {
   for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
     bus_.connect(watcher, watcherObject, watcher, QString::fromLatin1(signal), &soon_, SLOT(start()));
   }
-  bus_.connect(watcher, watcherObject, properties, QStringLiteral("PropertiesChanged"), &soon_, SLOT(start()));
+  bus_.connect(watcher, watcherObject, propertiesInterface, QStringLiteral("PropertiesChanged"), &soon_, SLOT(start()));
 }
 
 void StatusNotifierWatch::askNow() {
   if (!bus_.isConnected()) return tell(Host::absent);
-  QDBusMessage question = QDBusMessage::createMethodCall(watcher, watcherObject, properties, QStringLiteral("Get"));
+  QDBusMessage question =
+      QDBusMessage::createMethodCall(watcher, watcherObject, propertiesInterface, QStringLiteral("Get"));
   question << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
   question.setAutoStartService(false);
   question_ = std::make_unique<QDBusPendingCallWatcher>(bus_.asyncCall(question, int(answerLimit.count())));

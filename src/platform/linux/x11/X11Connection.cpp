@@ -14,7 +14,7 @@ namespace orvel {
 namespace {
 
 constexpr std::uint8_t errorResponse = 0;
-constexpr std::chrono::seconds farewellPatience{1};
+constexpr std::chrono::seconds listenerShutdownTimeout{1};
 
 /// The connection writes without a guard of its own: a server that goes at the wrong moment would end this program.
 void surviveBrokenPipes() {
@@ -83,7 +83,7 @@ void X11Connection::stopListening() {
   if (stopping_.exchange(true) || !thread_.joinable()) return;
   // The server forgets what it has not taken yet when a connection ends; the farewell comes back behind all that.
   sendFarewell();
-  if (!threadEnded_.try_acquire_for(farewellPatience)) breakOff();
+  if (!threadEnded_.try_acquire_for(listenerShutdownTimeout)) breakOff();
   thread_.join();
 }
 

@@ -7,7 +7,7 @@
 namespace orvel {
 namespace {
 
-constexpr std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+constexpr std::uint32_t watchedEvents = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ std::map<std::string, std::string> XSettingsWatch::read() {
       xcb_get_selection_owner_reply(connection_.get(), asked, nullptr)};
   manager_ = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
   if (manager_ == XCB_WINDOW_NONE) return {};
-  xcb_change_window_attributes(connection_.get(), manager_, XCB_CW_EVENT_MASK, &changes);
+  xcb_change_window_attributes(connection_.get(), manager_, XCB_CW_EVENT_MASK, &watchedEvents);
   return readXSettings(connection_);
 }
 

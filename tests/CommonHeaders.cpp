@@ -1,1 +1,0 @@
-// Nothing but the headers that all tests share, which CMake puts before it.
