@@ -1,8 +1,10 @@
 #include "desktop/TemporaryFolder.hpp"
 #include "platform/linux/SystemPreferences.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -16,6 +18,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -266,6 +269,34 @@ TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileTheFileIsDamaged) {
   fs::remove(file());
   fs::create_directories(file());
   EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN") << "nor does a folder in its place count as no file";
+}
+
+TEST_F(SystemPreferencesTest, TwoWhoAddToAListAtOnceLoseNothingAndDoubleNothing) {
+  const auto addSome = [](const std::string& own) {
+    SystemPreferences preferences;
+    for (int i = 0; i < 500; ++i) {
+      preferences.add("orvel.devices", own + std::to_string(i));
+      preferences.add("orvel.devices", "shared" + std::to_string(i));
+    }
+  };
+  std::thread other([&] { addSome("a"); });
+  addSome("b");
+  other.join();
+  const Texts all = SystemPreferences().strings("orvel.devices");
+  EXPECT_EQ(all.size(), 1500u);
+  EXPECT_EQ(std::set<std::string>(all.begin(), all.end()).size(), 1500u);
+}
+
+TEST_F(SystemPreferencesTest, AListThatSomebodyElseKeepsLockedIsNotWaitedForForEver) {
+  SystemPreferences preferences;
+  preferences.add("orvel.devices", "One");
+  const int file = open(listFile().c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(flock(file, LOCK_EX), 0);
+  preferences.add("orvel.devices", "Two");
+  close(file);
+  EXPECT_EQ(preferences.strings("orvel.devices"), Texts{"One"});
+  preferences.add("orvel.devices", "Two");
+  EXPECT_EQ(preferences.strings("orvel.devices"), (Texts{"One", "Two"}));
 }
 
 TEST_F(SystemPreferencesTest, WhatIsMissingIsStoredWhereThereIsNoFile) {

@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <string_view>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -18,6 +20,8 @@ namespace {
 
 constexpr mode_t listMode = 0600;
 constexpr std::size_t pieceSize = std::size_t{64} * 1024;
+constexpr std::chrono::milliseconds lockPause{5};
+constexpr int mostLockTries = 100;                            // others of us write for less than a millisecond
 constexpr int openFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // what is no file must not hold anybody up
 
 /// A text on a line of its own.
@@ -122,6 +126,16 @@ bool endsWithinLine(int descriptor) {
          pread(descriptor, &last, 1, status.st_size - 1) == 1 && last != '\n';
 }
 
+/// False when somebody else holds the lock for half a second, as one who was stopped may.
+bool lockForWriting(int descriptor) {
+  for (int tries = 0; tries < mostLockTries; ++tries) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return true;
+    if (errno != EWOULDBLOCK && errno != EINTR) return false;
+    std::this_thread::sleep_for(lockPause);
+  }
+  return false;
+}
+
 }  // namespace
 
 TextList::TextList(std::string path) : path_(std::move(path)) {}
@@ -133,10 +147,7 @@ bool TextList::add(const std::string& text) {
   const Digest wanted = digest.end();
   return state_.withLock([&](State& state) {
     if (!learn(state)) return false;
-    if (state.known.contains(wanted)) return true;
-    if (!append(state, line)) return false;
-    state.known.insert(wanted);
-    return true;
+    return state.known.contains(wanted) || append(state, line, wanted);
   });
 }
 
@@ -162,15 +173,18 @@ bool TextList::learn(State& state) const {
   return isRead;
 }
 
-bool TextList::append(State& state, const std::string& line) const {
+bool TextList::append(State& state, const std::string& line, const Digest& digest) const {
   const OwnedDescriptor file(open(path_.c_str(), O_RDWR | O_APPEND | O_CREAT | openFlags, listMode));
   if (file.number() < 0 || !isPlainFile(file.number())) return false;
-  // Somebody else who writes just now may be stopped: the text is then not stored, rather than waited for.
-  if (flock(file.number(), LOCK_EX | LOCK_NB) != 0) return false;
+  if (!lockForWriting(file.number())) return false;
+  // Whoever held the lock may have added it.
+  if (!learn(state)) return false;
+  if (state.known.contains(digest)) return true;
   fchmod(file.number(), listMode);
   if (endsWithinLine(file.number()) && !appendWhole(file.number(), "\n")) return false;
   if (!appendWhole(file.number(), line)) return false;
   state.stamp = FileStamp::of(path_);
+  state.known.insert(digest);
   return true;
 }
 

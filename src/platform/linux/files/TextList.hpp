@@ -24,8 +24,8 @@ class TextList {
  public:
   explicit TextList(std::string path);
 
-  /// Adds a text to the end unless it is there. Makes the file, for its user alone, but not its folder. False when it
-  /// cannot be stored; nothing of it is kept then.
+  /// Adds a text to the end unless it is there. Makes the file, for its user alone, but not its folder. Waits for
+  /// others who write for half a second. False when it cannot be stored; nothing of it is kept then.
   bool add(const std::string& text);
 
   /// The whole list; empty when there is none. Takes as much memory as it is long.
@@ -52,7 +52,7 @@ class TextList {
   };
 
   bool learn(State& state) const;
-  bool append(State& state, const std::string& line) const;
+  bool append(State& state, const std::string& line, const Digest& digest) const;
 
   const std::string path_;
   Guarded<State> state_;
