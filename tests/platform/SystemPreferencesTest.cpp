@@ -13,6 +13,7 @@
 #include <QLockFile>
 #include <QString>
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -101,7 +102,7 @@ TEST_F(SystemPreferencesTest, ALockThatIsNeverLetGoHoldsNobodyUp) {
     EXPECT_EQ(preferences.string("orvel.token"), "PQRSTUVWXYZ2") << "answered from memory meanwhile";
     EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
   }
-  EXPECT_EQ(preferences.string("orvel.token"), "PQRSTUVWXYZ2");
+  preferences.add("orvel.devices", "One");
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "PQRSTUVWXYZ2") << "stored once the lock is free";
 }
 
@@ -271,6 +272,74 @@ TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileTheFileIsDamaged) {
   EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN") << "nor does a folder in its place count as no file";
 }
 
+TEST_F(SystemPreferencesTest, WhatStandsInForATextThatWasCutShortHolds) {
+  writeFile("[General]\norvel.token=ABCDEF");
+  SystemPreferences preferences;
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEF");
+  preferences.setMissing("orvel.token", "NPQRSTUVWXYZ");
+  EXPECT_EQ(preferences.string("orvel.token"), "NPQRSTUVWXYZ");
+}
+
+TEST_F(SystemPreferencesTest, ATextThatWasReadHoldsWhenTheFileIsCutWithinIt) {
+  writeFile("[General]\norvel.token=ABCDEFGHJKMNPQRS\n");
+  const SystemPreferences preferences;
+  ASSERT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMNPQRS");
+  writeFile("[General]\norvel.token=ABCDEFGHJKMNP");
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMNPQRS");
+}
+
+TEST_F(SystemPreferencesTest, ATextThatWasReadHoldsWhenTheFileIsCutToNothing) {
+  writeFile("[General]\norvel.token=ABCDEFGHJKMNPQRS\n");
+  const SystemPreferences preferences;
+  ASSERT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMNPQRS");
+  writeFile("");
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMNPQRS");
+}
+
+TEST_F(SystemPreferencesTest, WhatWasReadIsStoredAgainWithTheNextChangeOfADamagedFile) {
+  for (const std::string damaged : {"", "[General]\norvel.token=ABCDEFGHJKMNP"}) {
+    writeFile("[General]\norvel.token=ABCDEFGHJKMNPQRS\n");
+    SystemPreferences preferences;
+    ASSERT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMNPQRS");
+    writeFile(damaged);
+    preferences.setString("other", "value");
+    EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMNPQRS");
+    EXPECT_EQ(SystemPreferences().string("other"), "value");
+  }
+}
+
+TEST_F(SystemPreferencesTest, TheLastTextCanBeRemoved) {
+  SystemPreferences preferences;
+  preferences.setString("orvel.token", "ABCDEFGHJKMN");
+  preferences.remove("orvel.token");
+  EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
+  preferences.setMissing("orvel.token", "NPQRSTUVWXYZ");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "NPQRSTUVWXYZ");
+}
+
+TEST_F(SystemPreferencesTest, AFileThatIsEmptyFromTheStartLacksItsTexts) {
+  writeFile("");
+  SystemPreferences preferences;
+  EXPECT_EQ(preferences.string("orvel.token"), std::nullopt);
+  preferences.setMissing("orvel.token", "NPQRSTUVWXYZ");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "NPQRSTUVWXYZ");
+}
+
+TEST_F(SystemPreferencesTest, AFirstReadFindsItsTextWhileAnotherIsBeingStored) {
+  writeFile("[General]\norvel.token=ABCDEFGHJKMN\n");
+  fs::permissions(file(), fs::perms(0644));
+  QLockFile other(QString::fromStdString(file().string() + ".lock"));
+  other.setStaleLockTime(0);
+  ASSERT_TRUE(other.lock());
+  SystemPreferences preferences;
+  std::thread writer([&] { preferences.setString("other", "value"); });
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (permissions(file()) != 0600u && std::chrono::steady_clock::now() < limit) std::this_thread::yield();
+  EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN") << "while the writer waits for the lock";
+  other.unlock();
+  writer.join();
+}
+
 TEST_F(SystemPreferencesTest, TwoWhoAddToAListAtOnceLoseNothingAndDoubleNothing) {
   const auto addSome = [](const std::string& own) {
     SystemPreferences preferences;
@@ -311,6 +380,7 @@ TEST_F(SystemPreferencesTest, WhatStoodInForADamagedTextIsStoredWhenTheFileTurns
   writeFile("[General]\nother=value\n");
   EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
   EXPECT_EQ(preferences.string("other"), "value");
+  preferences.add("orvel.devices", "One");
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
 }
 
@@ -461,12 +531,24 @@ TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredWithTheNextChan
   EXPECT_EQ(SystemPreferences().string("other"), "One");
 }
 
-TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredAsSoonAsThatIsPossible) {
+TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredWithTheNextTextForAListAndNotByReading) {
   fs::create_directories(file());
   SystemPreferences preferences;
   preferences.setString("orvel.token", "ABCDEFGHJKMN");
   fs::remove(file());
   EXPECT_EQ(preferences.string("orvel.token"), "ABCDEFGHJKMN");
+  EXPECT_FALSE(fs::exists(file())) << "who reads must not wait for a disk";
+  preferences.add("orvel.devices", "One");
+  EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
+}
+
+TEST_F(SystemPreferencesObstacleTest, WhatWasKeptInMemoryIsStoredAtTheEnd) {
+  fs::create_directories(file());
+  {
+    SystemPreferences preferences;
+    preferences.setString("orvel.token", "ABCDEFGHJKMN");
+    fs::remove(file());
+  }
   EXPECT_EQ(SystemPreferences().string("orvel.token"), "ABCDEFGHJKMN");
 }
 
@@ -483,7 +565,8 @@ TEST_F(SystemPreferencesTest, WhatWasReadHoldsWhileNoFileCanBeOpened) {
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
   EXPECT_EQ(token, "ABCDEFGHJKMN");
   EXPECT_EQ(preferences.string("other"), "Zoe");
-  EXPECT_EQ(SystemPreferences().string("other"), "Zoe") << "stored as soon as that was possible";
+  preferences.add("orvel.devices", "One");
+  EXPECT_EQ(SystemPreferences().string("other"), "Zoe");
 }
 
 TEST_F(SystemPreferencesTest, ARelativeConfigurationFolderDoesNotCount) {

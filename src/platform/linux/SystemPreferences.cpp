@@ -27,8 +27,7 @@ namespace {
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t privateFolder = 0700;
 constexpr mode_t privateFile = 0600;
-constexpr std::chrono::milliseconds noPatience{0};
-constexpr std::chrono::milliseconds writersPatience{500};  // others of us write for a millisecond
+constexpr std::chrono::milliseconds lockTimeout{500};  // others of us write for a millisecond
 
 QString toQString(const std::string& text) {
   // A byte order mark at the start is part of the text; QString::fromUtf8 would drop it.
@@ -107,12 +106,12 @@ bool keepPrivate(const std::string& path, mode_t mode) {
   return (status.st_mode & permissionBits) == mode || chmod(path.c_str(), mode) == 0;
 }
 
-/// Whether another program holds the lock of the file for longer than `patience`. QSettings would wait without end for
+/// Whether another program holds the lock of the file for longer than the timeout. QSettings would wait without end for
 /// one that was stopped meanwhile.
-bool isLocked(const std::string& file, std::chrono::milliseconds patience) {
+bool isLocked(const std::string& file) {
   QLockFile lock(QFile::decodeName((file + ".lock").c_str()));
   lock.setStaleLockTime(0);
-  return !lock.tryLock(static_cast<int>(patience.count())) && lock.error() == QLockFile::LockFailedError;
+  return !lock.tryLock(static_cast<int>(lockTimeout.count())) && lock.error() == QLockFile::LockFailedError;
 }
 
 void makeFolders(const std::string& path) {
@@ -158,9 +157,11 @@ std::vector<std::string> textsOf(const QSettings& settings, const QString& key) 
 
 SystemPreferences::SystemPreferences() : folder_(configurationFolder() + "/orvel"), file_(folder_ + "/orvel.conf") {}
 
+SystemPreferences::~SystemPreferences() {
+  storeUnsaved();
+}
+
 std::optional<std::string> SystemPreferences::string(const std::string& key) const {
-  // What stood in the way may be gone.
-  storeUnsaved(noPatience);
   Texts texts = state_.withLock([&](State& state) {
     refresh(state);
     return textsOf(state, key);
@@ -179,7 +180,7 @@ std::vector<std::string> SystemPreferences::strings(const std::string& key) cons
 }
 
 SystemPreferences::Texts SystemPreferences::textsOf(State& state, const std::string& key) const {
-  for (const Changes* texts : {&state.unsaved, &state.known, &state.provisional}) {
+  for (const Changes* texts : {&state.unsaved, &state.provisional, &state.known}) {
     if (const auto found = texts->find(key); found != texts->end()) return found->second;
   }
   return {};
@@ -216,11 +217,12 @@ void SystemPreferences::read(State& state, const FileStamp& stamp) const {
   state.stamp = stamp;
   state.contentHash = hash;
   if (isKnown) return;
-  state.isReadable = !isDamaged(*content);
-  Changes fresh = contents();
-  // What can still be read of a damaged file holds, and so does what was read of it before.
-  if (!state.isReadable) fresh.merge(state.known);
-  state.known = std::move(fresh);
+  // What is empty may have been cut off at its start.
+  const bool isCutOff = content->empty() && !state.known.empty();
+  state.isReadable = !isCutOff && !isDamaged(*content);
+  // What was read before holds while the file is damaged, and so does what else can still be read of it.
+  if (state.isReadable) state.known.clear();
+  state.known.merge(contents());
 }
 
 void SystemPreferences::setString(const std::string& key, const std::string& value) {
@@ -237,6 +239,8 @@ void SystemPreferences::setMissing(const std::string& key, const std::string& va
 }
 
 void SystemPreferences::add(const std::string& key, const std::string& value) {
+  // What stood in the way of a text may be gone.
+  storeUnsaved();
   const bool isInTexts = state_.withLock([&](State& state) {
     refresh(state);
     return std::ranges::count(textsOf(state, key), value) != 0;
@@ -269,27 +273,42 @@ void SystemPreferences::change(const std::string& key, Texts texts) {
     state.provisional.erase(key);
     state.unsaved[key] = std::move(texts);
   });
-  storeUnsaved(writersPatience);
+  storeUnsaved();
 }
 
 /// One thread at a time stores; what others change meanwhile is already answered from memory, and stored after that.
-void SystemPreferences::storeUnsaved(std::chrono::milliseconds timeout) const {
+void SystemPreferences::storeUnsaved() {
   auto changes = beginStoring();
-  while (changes && endStoring(*changes, store(*changes, timeout))) changes = beginStoring();
+  while (changes && endStoring(*changes, store(*changes))) changes = beginStoring();
 }
 
-std::optional<SystemPreferences::Changes> SystemPreferences::beginStoring() const {
-  return state_.withLock([](State& state) -> std::optional<Changes> {
+std::optional<SystemPreferences::Changes> SystemPreferences::beginStoring() {
+  return state_.withLock([this](State& state) -> std::optional<Changes> {
     if (state.isStoring || state.unsaved.empty()) return std::nullopt;
+    // What else the file says is not read while it is being written.
+    refresh(state);
     state.isStoring = true;
-    return state.unsaved;
+    Changes changes = state.unsaved;
+    if (!state.isReadable) {
+      // To write a damaged file is to lose what was cut off.
+      changes.insert(state.provisional.begin(), state.provisional.end());
+      changes.insert(state.known.begin(), state.known.end());
+    }
+    return changes;
   });
 }
 
-bool SystemPreferences::endStoring(const Changes& changes, bool isStored) const {
+bool SystemPreferences::endStoring(const Changes& changes, bool isStored) {
   return state_.withLock([&](State& state) {
     state.isStoring = false;
     if (!isStored) return false;
+    for (const auto& [key, texts] : changes) {
+      if (texts.empty()) {
+        state.known.erase(key);
+      } else {
+        state.known[key] = texts;
+      }
+    }
     std::erase_if(state.unsaved, [&](const auto& change) {
       const auto stored = changes.find(change.first);
       return stored != changes.end() && stored->second == change.second;
@@ -308,12 +327,12 @@ SystemPreferences::Changes SystemPreferences::contents() const {
   return contents;
 }
 
-bool SystemPreferences::store(const Changes& changes, std::chrono::milliseconds patience) const {
+bool SystemPreferences::store(const Changes& changes) {
   if (lacksDescriptors(file_)) return false;
   // A file that can be read but not written is replaced, and what it says must not go with it.
   Changes all = isWritable(file_) || !isRegularFile(file_) ? Changes() : contents();
   for (const auto& [key, texts] : changes) all[key] = texts;
-  if (!prepare(folder_, file_) || isLocked(file_, patience)) return false;
+  if (!prepare(folder_, file_) || isLocked(file_)) return false;
   QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);
   for (const auto& [key, texts] : all) {
     QStringList list;

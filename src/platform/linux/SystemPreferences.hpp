@@ -5,7 +5,6 @@
 #include "platform/linux/files/TextList.hpp"
 #include "session/Preferences.hpp"
 
-#include <chrono>
 #include <cstddef>
 #include <map>
 #include <memory>
@@ -21,12 +20,15 @@ namespace orvel {
 ///
 /// What other processes write is seen; the file is read anew only when it has changed. While it is there but cannot be
 /// read, or is damaged, what was read before holds. A text that cannot be stored is kept in memory, answered from
-/// there, and stored as soon as that is possible; a text of a list is not kept then.
+/// there, and stored with the next change, the next text for a list, or at the end; a text of a list is not kept then.
 ///
-/// Threads: any. Reading a text waits for no writing.
+/// Threads: any. Reading a text writes nothing and waits for no writing.
 class SystemPreferences final : public Preferences {
  public:
   SystemPreferences();
+  ~SystemPreferences() override;
+  SystemPreferences(const SystemPreferences&) = delete;
+  SystemPreferences& operator=(const SystemPreferences&) = delete;
 
   std::optional<std::string> string(const std::string& key) const override;
   void setString(const std::string& key, const std::string& value) override;
@@ -54,11 +56,11 @@ class SystemPreferences final : public Preferences {
   void read(State& state, const FileStamp& stamp) const;
   Texts textsOf(State& state, const std::string& key) const;
   void change(const std::string& key, Texts texts);
-  void storeUnsaved(std::chrono::milliseconds timeout) const;
-  std::optional<Changes> beginStoring() const;
-  bool endStoring(const Changes& changes, bool isStored) const;
+  void storeUnsaved();
+  std::optional<Changes> beginStoring();
+  bool endStoring(const Changes& changes, bool isStored);
   Changes contents() const;
-  bool store(const Changes& changes, std::chrono::milliseconds patience) const;
+  bool store(const Changes& changes);
   TextList* listOf(const std::string& key) const;
 
   const std::string folder_;
