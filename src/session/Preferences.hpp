@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace orvel {
 
@@ -24,9 +23,6 @@ class Preferences {
 
   /// Adds a text to the end of a list unless the list has it.
   virtual void add(const std::string& key, const std::string& value) = 0;
-
-  /// The whole list; empty when missing.
-  virtual std::vector<std::string> strings(const std::string& key) const = 0;
 
   /// Removes a text or a list.
   virtual void remove(const std::string& key) = 0;

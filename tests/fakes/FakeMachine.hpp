@@ -45,10 +45,6 @@ class MemoryPreferences final : public Preferences {
     if (beforeWriting) beforeWriting();
     list.push_back(value);
   }
-  std::vector<std::string> strings(const std::string& key) const override {
-    const auto found = lists.find(key);
-    return found == lists.end() ? std::vector<std::string>() : found->second;
-  }
 
   void remove(const std::string& key) override {
     texts.erase(key);

@@ -170,15 +170,6 @@ std::optional<std::string> SystemPreferences::string(const std::string& key) con
   return std::move(texts.front());
 }
 
-std::vector<std::string> SystemPreferences::strings(const std::string& key) const {
-  Texts texts = state_.withLock([&](State& state) {
-    refresh(state);
-    return textsOf(state, key);
-  });
-  for (std::string& text : listOf(key)->texts()) texts.push_back(std::move(text));
-  return texts;
-}
-
 SystemPreferences::Texts SystemPreferences::textsOf(State& state, const std::string& key) const {
   for (const Changes* texts : {&state.unsaved, &state.provisional, &state.known}) {
     if (const auto found = texts->find(key); found != texts->end()) return found->second;

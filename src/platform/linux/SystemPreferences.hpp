@@ -34,7 +34,6 @@ class SystemPreferences final : public Preferences {
   void setString(const std::string& key, const std::string& value) override;
   void setMissing(const std::string& key, const std::string& value) override;
   void add(const std::string& key, const std::string& value) override;
-  std::vector<std::string> strings(const std::string& key) const override;
   void remove(const std::string& key) override;
 
  private:

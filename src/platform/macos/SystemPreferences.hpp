@@ -2,6 +2,9 @@
 
 #include "session/Preferences.hpp"
 
+#include <string>
+#include <vector>
+
 namespace orvel {
 
 /// This program's domain of the user's defaults, named after its bundle identifier. What stands there under a wrong
@@ -10,9 +13,11 @@ class SystemPreferences final : public Preferences {
  public:
   std::optional<std::string> string(const std::string& key) const override;
   void setString(const std::string& key, const std::string& value) override;
-  std::vector<std::string> strings(const std::string& key) const override;
   void setMissing(const std::string& key, const std::string& value) override;
   void add(const std::string& key, const std::string& value) override;
+
+  /// The whole list; empty when missing.
+  std::vector<std::string> strings(const std::string& key) const;
 
   /// Replaces the whole list.
   void setStrings(const std::string& key, const std::vector<std::string>& values);

@@ -40,17 +40,6 @@ std::string lineOf(const std::string& text) {
   return line += '\n';
 }
 
-std::string textOf(std::string_view line) {
-  std::string text;
-  text.reserve(line.size());
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const bool isEscape = line[i] == '\\' && i + 1 < line.size();
-    if (isEscape) ++i;
-    text += isEscape && line[i] == 'n' ? '\n' : line[i];
-  }
-  return text;
-}
-
 bool isPlainFile(int descriptor) {
   struct stat status {};
   return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
@@ -186,26 +175,6 @@ bool TextList::append(State& state, const std::string& line, const Digest& diges
   state.stamp = FileStamp::of(path_);
   state.known.insert(digest);
   return true;
-}
-
-std::vector<std::string> TextList::texts() const {
-  return state_.withLock([&](const State&) {
-    std::vector<std::string> texts;
-    const OwnedDescriptor file(open(path_.c_str(), O_RDONLY | openFlags));
-    if (file.number() < 0 || !isPlainFile(file.number())) return texts;
-    std::string line;
-    const auto take = [&] { texts.push_back(textOf(std::exchange(line, {}))); };
-    readPieces(file.number(), [&](std::string_view piece) {
-      for (auto end = piece.find('\n'); end != std::string_view::npos; end = piece.find('\n')) {
-        line += piece.substr(0, end);
-        take();
-        piece.remove_prefix(end + 1);
-      }
-      line += piece;
-    });
-    if (!line.empty()) take();
-    return texts;
-  });
 }
 
 void TextList::remove() {

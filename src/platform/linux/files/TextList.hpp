@@ -11,7 +11,6 @@
 #include <optional>
 #include <string>
 #include <unordered_set>
-#include <vector>
 
 namespace orvel {
 
@@ -27,9 +26,6 @@ class TextList {
   /// Adds a text to the end unless it is there. Makes the file, for its user alone, but not its folder. Waits for
   /// others who write for half a second. False when it cannot be stored; nothing of it is kept then.
   bool add(const std::string& text);
-
-  /// The whole list; empty when there is none. Takes as much memory as it is long.
-  std::vector<std::string> texts() const;
 
   /// Takes the list away.
   void remove();
