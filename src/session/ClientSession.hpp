@@ -106,14 +106,14 @@ class ClientSession final : public std::enable_shared_from_this<ClientSession> {
   void finishLater();
   void finishPending();
 
+  struct Request;
   void handleControl(std::span<const std::uint8_t> data);
   void authenticate(const ControlMessage& message);
   void remember(const std::string& device, const std::string& proof);
   void deny();
-
-  void serve(const ControlMessage& request);
+  void pong();
   void getApps();
-  void getIcons(const std::vector<std::string>& ids);
+  void getIcons(const ControlMessage& request);
   void reveal();
 
   void startMirror(std::int64_t width, std::int64_t fps, double quality);
