@@ -17,3 +17,4 @@ orvel_room(platform
 get_target_property(sources orvel_platform SOURCES)
 set_source_files_properties(${sources} PROPERTIES LANGUAGE OBJCXX)
 target_compile_options(orvel_platform PRIVATE -fobjc-arc)
+set_target_properties(orvel_platform PROPERTIES UNITY_BUILD OFF)
