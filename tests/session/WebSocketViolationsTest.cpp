@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -208,7 +209,8 @@ TEST_F(WebSocketConduct, AClientMayVanishInTheMiddleOfAMessage) {
 struct Violation {
   std::string name;
   std::string bytes;
-  std::vector<std::uint16_t> codes;  ///< With which the server may close.
+  std::vector<std::uint16_t> codes;         ///< With which the server may close.
+  std::function<std::string()> large = {};  ///< Makes the bytes, where they are many.
 };
 
 void PrintTo(const Violation& violation, std::ostream* out) {
@@ -310,24 +312,31 @@ std::vector<Violation> brokenTexts() {
   };
 }
 
-std::vector<Violation> tooLarge() {
-  const auto fragment = [](std::uint8_t kind, std::size_t size, bool final) {
-    return bytesOf(RawFrame{.opcode = kind, .payload = std::string(size, 'x'), .final = final});
-  };
+std::string filledFragment(std::uint8_t kind, std::size_t size, bool final) {
+  return bytesOf(RawFrame{.opcode = kind, .payload = std::string(size, 'x'), .final = final});
+}
+
+std::string oneByteTooManyInFragments() {
   constexpr std::size_t half = LoopbackServer::largestMessage / 2;
+  return filledFragment(opcode::text, half, false) + filledFragment(opcode::continuation, half, false) +
+         filledFragment(opcode::continuation, 1, true);
+}
+
+std::string endlessFragments() {
+  std::string bytes = filledFragment(opcode::binary, 0, false);
+  for (int i = 0; i < 20; ++i) bytes += filledFragment(opcode::continuation, 1 << 19, false);
+  return bytes;
+}
+
+// Made by the tests that send them: what stands in the list is made by every test of this program.
+std::vector<Violation> tooLarge() {
   return {
-      {"OneByteTooMany", fragment(opcode::binary, LoopbackServer::largestMessage + 1, true), {tooBig}},
-      {"OneByteTooManyInFragments",
-       fragment(opcode::text, half, false) + fragment(opcode::continuation, half, false) +
-           fragment(opcode::continuation, 1, true),
-       {tooBig}},
-      {"EndlessFragments",
-       [&] {
-         std::string bytes = fragment(opcode::binary, 0, false);
-         for (int i = 0; i < 20; ++i) bytes += fragment(opcode::continuation, 1 << 19, false);
-         return bytes;
-       }(),
-       {tooBig}},
+      {"OneByteTooMany",
+       "",
+       {tooBig},
+       [] { return filledFragment(opcode::binary, LoopbackServer::largestMessage + 1, true); }},
+      {"OneByteTooManyInFragments", "", {tooBig}, oneByteTooManyInFragments},
+      {"EndlessFragments", "", {tooBig}, endlessFragments},
       {"DeclaredBeyondAnyMemory",
        bytesOf(RawFrame{.opcode = opcode::binary, .declaredLength = std::uint64_t{1} << 62}),
        {tooBig}},
@@ -339,7 +348,7 @@ class WebSocketViolation : public WebSocketConduct, public testing::WithParamInt
 TEST_P(WebSocketViolation, IsAnsweredByItsCodeAndTheEnd) {
   RawWebSocket client(server.port());
   ASSERT_TRUE(client.open());
-  client.send(GetParam().bytes);
+  client.send(GetParam().large ? GetParam().large() : GetParam().bytes);
   const auto answer = client.readFrame();
   ASSERT_TRUE(answer) << "no close frame came";
   const auto code = closeCode(*answer);
