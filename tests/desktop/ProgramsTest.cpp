@@ -262,6 +262,7 @@ TEST_F(ProgramsTest, ComeBackWhenMinimised) {
 TEST_F(ProgramsTest, AreFollowedToTheirWorkspace) {
   start({"far", "Far"});
   const auto window = manager.windowsOf("Far").front();
+  ASSERT_TRUE(eventually([&] { return manager.activeWindow() == window; }));
   manager.moveToWorkspace(window, 2);
   ASSERT_TRUE(eventually([&] { return manager.activeWindow() != window; }));
   workspace.activate(application("Far"));
