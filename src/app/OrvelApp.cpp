@@ -26,9 +26,9 @@ std::string addressToShow(const Machine& machine) {
 OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
     : mainLoop_(mainLoop),
       platform_(platform),
-      pointerQueue_(swiftWorkers_.makeSerialQueue()),
-      snapQueue_(swiftWorkers_.makeSerialQueue()),
-      mirrorQueue_(swiftWorkers_.makeSerialQueue()),
+      pointerQueue_(latencyCriticalWorkers_.makeSerialQueue()),
+      snapQueue_(latencyCriticalWorkers_.makeSerialQueue()),
+      mirrorQueue_(latencyCriticalWorkers_.makeSerialQueue()),
       apps_(platform.workspace(), platform.bundles()),
       keyboard_(platform.events(), clock_),
       keys_(platform.events()),
@@ -85,16 +85,16 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
       status_(
           std::cout, [&machine = platform.machine()] { return addressToShow(machine); },
           [&trust = platform.trust()] { return trust.notice().explanation; }),
-      wakefulness_(platform.activity()),
+      appNap_(platform.activity()),
       delegate_({.foreground = platform.foreground(),
                  .hub = hub_,
                  .mainThread = mainLoop,
                  .permission = permission_,
                  .workspace = platform.workspace()}),
-      patience_(platform) {
+      watchdog_(platform) {
   hub_->observe([this](const HubState& next) {
     status_.show(hub_->state(), next);
-    wakefulness_.follow(next);
+    appNap_.follow(next);
     refreshPanelSoon();
   });
   panelService_.observe([this] { menuBarExtra_.refresh(); });
@@ -119,7 +119,7 @@ void OrvelApp::greet(const Start& start) {
 }
 
 void OrvelApp::quit(int exitCode) {
-  patience_.begin(exitCode);
+  watchdog_.begin(exitCode);
   // At once, whatever the main thread waits for: they let go of what their phones hold down.
   hub_->disconnectAll();
   mainLoop_.quit(exitCode);
@@ -131,7 +131,7 @@ int OrvelApp::run(const Start& start) {
   delegate_.applicationDidFinishLaunching();
   greet(start);
   const int exitCode = mainLoop_.run();
-  patience_.begin(exitCode);
+  watchdog_.begin(exitCode);
   menuBarExtra_.closePanel();
   keyboard_.stop();
   platform_.stopTyping();
@@ -143,7 +143,7 @@ int OrvelApp::run(const Start& start) {
   // What sessions still hold that were not taken down in time, or that work has pressed whose rest was dropped.
   keys_.releaseAll();
   platform_.events().flush();
-  swiftWorkers_.finish();
+  latencyCriticalWorkers_.finish();
   mirror_.finish();
   return exitCode;
 }

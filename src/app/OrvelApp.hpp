@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/AppNapGuard.hpp"
 #include "app/ConsoleStatus.hpp"
-#include "app/DesktopPatience.hpp"
 #include "app/HelperDelegate.hpp"
 #include "app/PanelService.hpp"
-#include "app/Wakefulness.hpp"
+#include "app/ShutdownWatchdog.hpp"
 #include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "catalog/AppCatalog.hpp"
@@ -62,7 +62,7 @@ class OrvelApp {
   MainLoop& mainLoop_;
   Platform& platform_;
   SystemClock clock_;
-  WorkerThreads swiftWorkers_;  // for what must not wait, however many texts are being typed
+  WorkerThreads latencyCriticalWorkers_;  // for what must not wait, however many texts are being typed
   WorkerThreads sessionWorkers_;
   const std::unique_ptr<Executor> pointerQueue_;
   const std::unique_ptr<Executor> snapQueue_;
@@ -84,9 +84,9 @@ class OrvelApp {
   LoginItem loginItem_;
   MenuBarExtra menuBarExtra_;
   ConsoleStatus status_;
-  Wakefulness wakefulness_;
+  AppNapGuard appNap_;
   HelperDelegate delegate_;
-  DesktopPatience patience_;
+  ShutdownWatchdog watchdog_;
 };
 
 }  // namespace orvel

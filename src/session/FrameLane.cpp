@@ -32,7 +32,7 @@ FrameLane::Frame FrameLane::takeNext() {
   Frame frame = std::move(waiting_.front());
   waiting_.pop_front();
   newestSize_ = frame.image.size;
-  untold_.push_back(std::exchange(frame.taken, {}));
+  unconfirmed_.push_back(std::exchange(frame.taken, {}));
   isLeaving_ = true;
   return frame;
 }
@@ -74,9 +74,9 @@ void FrameLane::lookLater(const Backlog& backlog) {
 void FrameLane::hasLeft() {
   isLeaving_ = false;
   const std::size_t kept = hasWaited_ ? 1 : 0;
-  while (untold_.size() > kept) {
-    const Task taken = std::move(untold_.front());
-    untold_.pop_front();
+  while (unconfirmed_.size() > kept) {
+    const Task taken = std::move(unconfirmed_.front());
+    unconfirmed_.pop_front();
     taken();
   }
   if (!waiting_.empty()) ready_();
@@ -85,7 +85,7 @@ void FrameLane::hasLeft() {
 void FrameLane::end() {
   hasEnded_ = true;
   isLeaving_ = false;
-  for (const Task& taken : std::exchange(untold_, {})) taken();
+  for (const Task& taken : std::exchange(unconfirmed_, {})) taken();
   clear();
 }
 

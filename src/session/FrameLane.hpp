@@ -61,9 +61,9 @@ class FrameLane {
   const std::function<Backlog()> backlog_;
   const Task ready_;
   std::deque<Frame> waiting_;
-  std::deque<Task> untold_;  // of frames that have gone
-  bool isLeaving_ = false;   // one that has gone has not left yet
-  bool hasWaited_ = false;   // for it to leave
+  std::deque<Task> unconfirmed_;  // of frames that have gone
+  bool isLeaving_ = false;        // one that has gone has not left yet
+  bool hasWaited_ = false;        // for it to leave
   bool hasEnded_ = false;
   std::size_t newestSize_ = 0;      // of those that have gone
   std::size_t unacknowledged_ = 0;  // when last looked at

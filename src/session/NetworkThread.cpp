@@ -15,7 +15,7 @@
 namespace orvel {
 namespace {
 
-constexpr std::chrono::seconds farewell{2};
+constexpr std::chrono::seconds shutdownTimeout{2};
 
 }  // namespace
 
@@ -47,7 +47,7 @@ std::unique_ptr<Listener> NetworkThread::makeListener(const ListenerOptions& opt
 void NetworkThread::finish() {
   if (!runner_->thread.joinable()) return;
   runner_->work.reset();
-  const bool isLate = runner_->ended.wait_for(farewell) == std::future_status::timeout;
+  const bool isLate = runner_->ended.wait_for(shutdownTimeout) == std::future_status::timeout;
   if (isLate) runner_->context.stop();
   runner_->thread.join();
   if (!isLate) return;

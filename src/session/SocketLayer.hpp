@@ -27,7 +27,7 @@ class SocketLayer {
   using executor_type = ConnectionSocket::executor_type;
 
   /// How long a peer may take to part once all has been said.
-  static constexpr std::chrono::seconds farewellLimit{1};
+  static constexpr std::chrono::seconds closeTimeout{1};
 
   explicit SocketLayer(ConnectionSocket socket) : socket_(std::move(socket)) {}
 
@@ -73,13 +73,13 @@ class SocketLayer {
   Task drained_;
 };
 
-/// Ends a connection so that our last words arrive: sends no more, reads on until the peer ends too or the limit is
-/// reached, and only then closes. Threads: the network thread.
+/// Closes a connection so that what was sent last arrives: sends no more, reads on until the peer ends too or the
+/// timeout is reached, and only then closes. Threads: the network thread.
 template <class Handler>
-class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
+class GracefulClose : public std::enable_shared_from_this<GracefulClose<Handler>> {
  public:
-  Farewell(SocketLayer& layer, Handler handler)
-      : layer_(layer), limit_(layer.get_executor(), SocketLayer::farewellLimit), handler_(std::move(handler)) {}
+  GracefulClose(SocketLayer& layer, Handler handler)
+      : layer_(layer), limit_(layer.get_executor(), SocketLayer::closeTimeout), handler_(std::move(handler)) {}
 
   void begin() {
     boost::system::error_code ignored;
@@ -117,10 +117,10 @@ class Farewell : public std::enable_shared_from_this<Farewell<Handler>> {
   bool hasEnded_ = false;
 };
 
-/// Found by the WebSocket when it has said its last word.
+/// Found by the WebSocket when it has sent its close frame.
 template <class Handler>
 void async_teardown(boost::beast::role_type, SocketLayer& layer, Handler&& handler) {
-  std::make_shared<Farewell<std::decay_t<Handler>>>(layer, std::forward<Handler>(handler))->begin();
+  std::make_shared<GracefulClose<std::decay_t<Handler>>>(layer, std::forward<Handler>(handler))->begin();
 }
 
 }  // namespace orvel

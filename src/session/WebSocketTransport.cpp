@@ -122,7 +122,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     if (std::exchange(ended_, true)) return;
     timer_.cancel();
     if (frames_) frames_->end();
-    if (parting_) {
+    if (closing_) {
       closeLater();
     } else {
       stream_.next_layer().close();
@@ -171,13 +171,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   void peerLeft() {
-    parting_ = true;
+    closing_ = true;
     if (!ended_) handlers_.received(Message{.type = MessageType::close, .payload = {}});
   }
 
-  /// Gives our last words, which are on their way in an operation of the WebSocket's, time to arrive.
+  /// Gives a close frame, which an operation of the WebSocket is sending, time to arrive.
   void closeLater() {
-    timer_.expires_after(SocketLayer::farewellLimit);
+    timer_.expires_after(SocketLayer::closeTimeout);
     timer_.async_wait([self = weak_from_this()](const Error& error) {
       const auto connection = self.lock();
       if (connection && !error) connection->stream_.next_layer().close();
@@ -187,7 +187,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Ends the connection for a text that is none. What the WebSocket checks on the way lets a character pass that is
   /// cut off before an empty last fragment.
   void refuseText() {
-    parting_ = true;
+    closing_ = true;
     stream_.async_close(websocket::close_code::bad_payload, [self = shared_from_this()](const Error&) {});
     handlers_.received(std::nullopt);
   }
@@ -201,7 +201,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void read(const Error& error) {
     reading_ = false;
     pongIsOwed_ = false;
-    if (ended_ || parting_) return;
+    if (ended_ || closing_) return;
     if (error) {
       handlers_.received(std::nullopt);
       return;
@@ -237,7 +237,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   void checkForHangUp() {
-    if (ended_ || parting_ || (reading_ && !pongIsOwed_)) return;
+    if (ended_ || closing_ || (reading_ && !pongIsOwed_)) return;
     const bool hasHungUp = tuner_.hasHungUp(stream_.next_layer().socket().native_handle());
     if (!reading_) {
       if (hasHungUp) {
@@ -328,7 +328,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   NetworkQueue& queue_;
   SocketTuner& tuner_;
   websocket::stream<SocketLayer, false> stream_;
-  asio::steady_timer timer_;  // of the next look at the delivery; of the farewell once the connection has ended
+  asio::steady_timer timer_;  // of the next look at the delivery; of the close once the connection has ended
   beast::flat_buffer incoming_;
   std::list<Outgoing> outgoing_;  // a list holds no memory while it is empty
   std::unique_ptr<FrameLane> frames_;
@@ -336,7 +336,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Transport::Handlers handlers_;
   bool asked_ = false;       // for a message
   bool delivering_ = false;  // one, which still stands in `incoming_`
-  bool parting_ = false;     // a farewell is on its way and ends in its own time
+  bool closing_ = false;     // a close frame is on its way, and the end comes in its own time
   bool ended_ = false;
   bool reading_ = false;
   bool writing_ = false;

@@ -155,6 +155,7 @@ TEST_F(SystemAppearanceTest, ChangesOfThePortalAreFollowed) {
   EXPECT_TRUE(isToldOf(2));
   portal.change(g_variant_new_variant(g_variant_new_uint32(1)));
   EXPECT_TRUE(becomes(true));
+  EXPECT_TRUE(isToldOf(3));
   portal.change(g_variant_new_uint32(0));
   EXPECT_TRUE(becomes(std::nullopt));
   EXPECT_TRUE(isToldOf(4));

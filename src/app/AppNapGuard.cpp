@@ -1,15 +1,15 @@
-#include "app/Wakefulness.hpp"
+#include "app/AppNapGuard.hpp"
 
 #include "app/ServerHub.hpp"
 #include "session/Activity.hpp"
 
 namespace orvel {
 
-Wakefulness::~Wakefulness() {
+AppNapGuard::~AppNapGuard() {
   if (isAwake_) activity_.end();
 }
 
-void Wakefulness::follow(const HubState& next) {
+void AppNapGuard::follow(const HubState& next) {
   const bool isWanted = !next.clients.empty();
   if (isWanted == isAwake_) return;
   isAwake_ = isWanted;

@@ -6,13 +6,13 @@ class Activity;
 struct HubState;
 
 /// Keeps the program at full speed exactly while a phone is connected. Threads: the main thread.
-class Wakefulness {
+class AppNapGuard {
  public:
   /// `activity` must outlive it.
-  explicit Wakefulness(Activity& activity) : activity_(activity) {}
-  ~Wakefulness();
-  Wakefulness(const Wakefulness&) = delete;
-  Wakefulness& operator=(const Wakefulness&) = delete;
+  explicit AppNapGuard(Activity& activity) : activity_(activity) {}
+  ~AppNapGuard();
+  AppNapGuard(const AppNapGuard&) = delete;
+  AppNapGuard& operator=(const AppNapGuard&) = delete;
 
   /// The state of the hub is to be `next`.
   void follow(const HubState& next);
