@@ -1,5 +1,6 @@
 #include "desktop/CaptureFixture.hpp"
 #include "platform/linux/capture/CursorOverlay.hpp"
+#include "platform/linux/capture/ScreenImage.hpp"
 
 namespace orvel {
 namespace {
@@ -33,7 +34,7 @@ TEST_F(CursorOverlayTest, ItStandsWithItsHotSpotAtItsPlace) {
 TEST_F(CursorOverlayTest, WhatIsHalfTransparentIsBlended) {
   overlay.draw(cursorOf(0x80400000, 110, 60), image);
   EXPECT_EQ(picture().at(10, 10), 0x502030u);
-  overlay.takeOut(image);
+  overlay.erase(image);
   overlay.draw(cursorOf(0x00000000, 110, 60), image);
   EXPECT_EQ(picture().at(10, 10), 0x204060u);
 }
@@ -48,7 +49,7 @@ TEST_F(CursorOverlayTest, WhatIsOutsideIsLeftOutAndTakingItOutLeavesNoTrace) {
   for (const auto& [x, y] : {std::pair{96, 46}, {136, 76}, {96, 76}, {136, 46}, {110, 60}}) {
     overlay.draw(cursorOf(0xffff8000, x, y), image);
     EXPECT_FALSE(picture() == before);
-    overlay.takeOut(image);
+    overlay.erase(image);
     EXPECT_TRUE(picture() == before);
   }
   for (const auto& [x, y] : {std::pair{92, 60}, {140, 60}, {110, 42}, {110, 80}, {-3000, 20000}}) {

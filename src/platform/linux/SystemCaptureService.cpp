@@ -1,6 +1,6 @@
 #include "platform/linux/SystemCaptureService.hpp"
 
-#include "platform/linux/capture/ScreenContent.hpp"
+#include "platform/linux/capture/ScreenStream.hpp"
 #include "platform/linux/x11/MonitorList.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
@@ -17,6 +17,30 @@ bool answers(const X11Connection& connection) {
   const auto asked = xcb_get_input_focus(connection.get());
   return X11Answer<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(connection.get(), asked, nullptr)) != nullptr;
 }
+
+/// The displays of an X server, as they were when this was made. The connection is for the stream that is started, and
+/// for nothing else. Threads: one at a time; `start` waits for the server.
+class ScreenContent final : public ShareableContent {
+ public:
+  ScreenContent(std::shared_ptr<X11Connection> connection, MonitorList::Layout layout)
+      : connection_(std::move(connection)), layout_(std::move(layout)) {}
+
+  std::vector<Size> displays() const override {
+    std::vector<Size> sizes;
+    for (const Rect& monitor : layout_.monitors) sizes.push_back(monitor.size);
+    return sizes;
+  }
+
+  std::variant<std::unique_ptr<CaptureStream>, CaptureFailure> start(std::size_t display,
+                                                                     const CaptureConfiguration& configuration,
+                                                                     CaptureStream::Handlers handlers) override {
+    return startScreenStream(connection_, display, configuration, std::move(handlers));
+  }
+
+ private:
+  const std::shared_ptr<X11Connection> connection_;
+  const MonitorList::Layout layout_;
+};
 
 }  // namespace
 

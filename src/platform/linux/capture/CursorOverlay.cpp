@@ -1,5 +1,7 @@
 #include "platform/linux/capture/CursorOverlay.hpp"
 
+#include "platform/linux/capture/ScreenImage.hpp"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -39,7 +41,7 @@ void CursorOverlay::draw(const Cursor& cursor, ScreenImage& image) {
   }
 }
 
-void CursorOverlay::takeOut(ScreenImage& image) {
+void CursorOverlay::erase(ScreenImage& image) {
   const std::uint8_t* source = background_.data();
   const auto rowBytes = 4 * static_cast<std::ptrdiff_t>(covered_.width);
   for (int y = covered_.y; y < covered_.y + covered_.height; ++y, source += rowBytes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 
 namespace orvel {
@@ -11,7 +12,7 @@ class FramePace {
   using Time = std::chrono::steady_clock::time_point;
   using Interval = std::chrono::nanoseconds;
 
-  explicit FramePace(int framesPerSecond);
+  explicit FramePace(int framesPerSecond) : interval_(intervalOf(std::max(framesPerSecond, 1))) {}
 
   Interval interval() const { return interval_; }
 
@@ -22,6 +23,11 @@ class FramePace {
   void frameAt(Time now) { due_ = now + interval_; }
 
  private:
+  /// Rounded up: there are never more frames than that in a second.
+  static constexpr Interval intervalOf(int framesPerSecond) {
+    return Interval((std::nano::den + framesPerSecond - 1) / framesPerSecond);
+  }
+
   const Interval interval_;
   Time due_;
 };

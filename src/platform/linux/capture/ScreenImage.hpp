@@ -1,18 +1,35 @@
 #pragma once
 
 #include "platform/linux/capture/PixelRect.hpp"
-#include "platform/linux/capture/Rows.hpp"
-#include "platform/linux/capture/ScreenFormat.hpp"
-#include "platform/linux/capture/SharedMemory.hpp"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace orvel {
 
 class X11Connection;
+
+/// How the X server lays out the pixels of its screen, as far as they can be used.
+struct ScreenFormat {
+  enum class Pixels {
+    blueGreenRed,  ///< Four bytes a pixel, in the order of PixelBuffer.
+    rgb565,        ///< Two bytes a pixel.
+  };
+
+  Pixels pixels = Pixels::blueGreenRed;
+
+  /// Nothing when the screen has another one. Does not ask the server.
+  static std::optional<ScreenFormat> of(const X11Connection& connection);
+
+  /// Rows are padded to four bytes.
+  std::size_t bytesPerRow(int width) const {
+    const std::size_t bytesPerPixel = pixels == Pixels::rgb565 ? 2 : 4;
+    return (static_cast<std::size_t>(width) * bytesPerPixel + 3) / 4 * 4;
+  }
+};
 
 /// A part of the X screen in memory: rows from the top, four bytes a pixel as PixelBuffer has them.
 ///
@@ -20,6 +37,9 @@ class X11Connection;
 class ScreenImage {
  public:
   ScreenImage(const X11Connection& connection, const ScreenFormat& format, const PixelRect& area);
+  ~ScreenImage();
+  ScreenImage(const ScreenImage&) = delete;
+  ScreenImage& operator=(const ScreenImage&) = delete;
 
   const PixelRect& area() const { return area_; }
   std::uint8_t* bytes() { return bytes_; }
@@ -33,6 +53,8 @@ class ScreenImage {
   bool showsTheSameAs(const ScreenImage& other) const;
 
  private:
+  class SharedMemory;
+
   bool fetchShared(const Rows& rows);
   bool fetchCopy(const Rows& rows);
   void convert(const Rows& rows);

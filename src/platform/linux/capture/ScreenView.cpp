@@ -8,14 +8,14 @@ ScreenView::ScreenView(const X11Connection& connection, std::size_t display, con
                        int height)
     : connection_(connection), format_(format), watch_(connection, display), scaler_(width, height) {}
 
-bool ScreenView::look() {
+bool ScreenView::update() {
   watch_.takeEvents();
   const PixelRect& area = watch_.askArea();
   const bool hasMoved = image_ ? image_->area() != area : !area.isEmpty();
   if (hasMoved) moveTo(area);
   if (!image_) return false;
-  const bool isDrawnOn = wasDrawnOn();
-  return cursorHasChanged() || isDrawnOn || hasMoved;
+  const bool isDamaged = takeDamage();
+  return cursorHasChanged() || isDamaged || hasMoved;
 }
 
 void ScreenView::moveTo(const PixelRect& area) {
@@ -23,16 +23,16 @@ void ScreenView::moveTo(const PixelRect& area) {
   previous_.reset();
   if (area.isEmpty()) return;
   image_ = std::make_unique<ScreenImage>(connection_, format_, area);
-  if (!watch_.tellsOfDrawing()) previous_ = std::make_unique<ScreenImage>(connection_, format_, area);
+  if (!watch_.reportsDamage()) previous_ = std::make_unique<ScreenImage>(connection_, format_, area);
   stale_ = {0, area.height};
 }
 
-bool ScreenView::wasDrawnOn() {
-  if (!watch_.tellsOfDrawing()) return looksDifferent();
-  const PixelRect drawn = watch_.takeDrawing(image_->area());
-  if (drawn.isEmpty()) return false;
-  const int top = drawn.y - image_->area().y;
-  stale_ = stale_.unionWith({top, top + drawn.height});
+bool ScreenView::takeDamage() {
+  if (!watch_.reportsDamage()) return looksDifferent();
+  const PixelRect damage = watch_.takeDamage(image_->area());
+  if (damage.isEmpty()) return false;
+  const int top = damage.y - image_->area().y;
+  stale_ = stale_.unionWith({top, top + damage.height});
   return true;
 }
 
@@ -57,8 +57,8 @@ const PixelBuffer* ScreenView::picture() {
   return &picture_;
 }
 
-void ScreenView::putAway() {
-  overlay_.takeOut(*image_);
+void ScreenView::releasePicture() {
+  overlay_.erase(*image_);
 }
 
 }  // namespace orvel

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "mirror/PixelBuffer.hpp"
-#include "platform/linux/capture/Cursor.hpp"
 #include "platform/linux/capture/CursorOverlay.hpp"
 #include "platform/linux/capture/FrameScaler.hpp"
-#include "platform/linux/capture/Rows.hpp"
-#include "platform/linux/capture/ScreenFormat.hpp"
+#include "platform/linux/capture/PixelRect.hpp"
 #include "platform/linux/capture/ScreenImage.hpp"
 #include "platform/linux/capture/ScreenWatch.hpp"
 
@@ -19,8 +17,8 @@ class ScreenView {
   /// Where the display is, what it shows, and how large a frame is.
   ScreenView(const X11Connection& connection, std::size_t display, const ScreenFormat& format, int width, int height);
 
-  /// Looks whether there is something to be seen that was not there when it looked last.
-  bool look();
+  /// Takes what has changed. Returns whether there is something to be seen that was not there before.
+  bool update();
 
   /// Whether the display is there.
   bool exists() const { return image_ != nullptr; }
@@ -29,14 +27,14 @@ class ScreenView {
   const PixelBuffer* picture();
 
   /// Ends the use of the picture.
-  void putAway();
+  void releasePicture();
 
-  /// Tells whether and when to look.
+  /// Says whether and when to update.
   ScreenWatch& watch() { return watch_; }
 
  private:
   void moveTo(const PixelRect& area);
-  bool wasDrawnOn();
+  bool takeDamage();
   bool looksDifferent();
   bool cursorHasChanged();
 
@@ -46,8 +44,8 @@ class ScreenView {
   FrameScaler scaler_;
   CursorOverlay overlay_;
   std::unique_ptr<ScreenImage> image_;     // null while there is no display
-  std::unique_ptr<ScreenImage> previous_;  // only when the server does not tell what was drawn
-  Rows stale_;                             // what of the image is to be fetched
+  std::unique_ptr<ScreenImage> previous_;  // only when the server does not report damage
+  Rows stale_;                             // the rows of the image that are to be fetched
   Cursor cursor_;
   PixelBuffer picture_;
 };

@@ -1,65 +1,69 @@
 #pragma once
 
-#include "platform/linux/capture/Cursor.hpp"
-#include "platform/linux/capture/CursorWatch.hpp"
-#include "platform/linux/capture/DamageWatch.hpp"
+#include "platform/linux/capture/CursorOverlay.hpp"
 #include "platform/linux/capture/PixelRect.hpp"
-#include "platform/linux/capture/PointerMotion.hpp"
 #include "platform/linux/x11/MonitorList.hpp"
+
+#include <xcb/xcb.h>
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 
 namespace orvel {
 
 class X11Connection;
 
-/// What the X server tells of one display: where it is, what is drawn on it, and the cursor. It tells of each kind of
-/// news once, until it is asked.
+/// What the X server reports of one display: where it is, what is drawn on it, and the cursor. It reports each kind of
+/// change once, until it is asked.
 ///
 /// Threads: one at a time; making it and whatever is called "ask" or "take" wait for the server, but for `takeEvents`.
 class ScreenWatch {
  public:
   /// `display` is its place in the list of monitors.
   ScreenWatch(const X11Connection& connection, std::size_t display);
+  ~ScreenWatch();
+  ScreenWatch(const ScreenWatch&) = delete;
+  ScreenWatch& operator=(const ScreenWatch&) = delete;
 
-  /// Whether the server tells of all that happens. Otherwise it must be asked again and again.
-  bool tellsAll() const { return damage_ && motion_ && cursor_; }
-  bool tellsOfDrawing() const { return damage_ != nullptr; }
+  /// Whether there is an event for all that happens. Otherwise the server must be polled.
+  bool reportsEverything() const { return damage_ && motion_ && cursor_; }
+  bool reportsDamage() const { return damage_ != nullptr; }
 
-  /// Has it tell of motion of the pointer, or be quiet about that.
+  /// Turns the events of the pointer's motion on or off.
   void followPointer(bool wanted);
 
-  /// Takes what the server has told by now.
+  /// Takes the events that have come by now.
   void takeEvents();
 
-  /// Whether it has told of anything that was not asked for yet. Of a display that is not there only its return is
-  /// news.
-  bool hasNews() const { return layoutIsNew_ || (!area_.isEmpty() && (drawingIsNew_ || cursorIsNew_)); }
+  /// Whether anything has changed that was not asked for yet. Of a display that is not there only its return counts.
+  bool hasChanges() const { return layoutHasChanged_ || (!area_.isEmpty() && (isDamaged_ || cursorHasChanged_)); }
 
   /// Where the display is now, as far as the X screen reaches. Empty while it is not there.
   const PixelRect& askArea();
 
   /// The smallest rectangle within `area` around what was drawn there since the last call.
-  PixelRect takeDrawing(const PixelRect& area);
+  PixelRect takeDamage(const PixelRect& area);
 
   Cursor askCursor();
 
  private:
+  class CursorWatch;
+  class DamageWatch;
+  class PointerMotion;
+
   void take(const xcb_generic_event_t& event);
 
   const X11Connection& connection_;
   const std::size_t display_;
   const MonitorList monitors_;
-  const std::unique_ptr<DamageWatch> damage_;    // null when the server cannot tell
-  const std::unique_ptr<CursorWatch> cursor_;    // null when the server cannot tell
-  const std::unique_ptr<PointerMotion> motion_;  // null when the server cannot tell
+  const std::unique_ptr<DamageWatch> damage_;    // null when the server has no such events
+  const std::unique_ptr<CursorWatch> cursor_;    // null when the server has no such events
+  const std::unique_ptr<PointerMotion> motion_;  // null when the server has no such events
   PixelRect area_;
   bool followsPointer_ = false;
-  bool layoutIsNew_ = true;
-  bool drawingIsNew_ = true;
-  bool cursorIsNew_ = true;
+  bool layoutHasChanged_ = true;
+  bool isDamaged_ = true;
+  bool cursorHasChanged_ = true;
 };
 
 }  // namespace orvel
