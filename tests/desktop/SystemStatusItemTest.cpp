@@ -166,6 +166,19 @@ TEST_F(IconTest, ToldItsPlaceWhereTheTrayTells) {
   EXPECT_LE(told.size.width, TrayHost::thickness);
 }
 
+/// The server may give the windows of the new one the names of the old one's.
+TEST_F(IconTest, ComesBackWhenTheTrayWasReplacedBehindABusyProgram) {
+  TrayHost tray(desktop, bus, {.kind = TrayHost::Kind::tint2});
+  tray.start();
+  IconProgram program(bus);
+  ASSERT_TRUE(tray.waitForIcon());
+  program.process().signal(SIGSTOP);
+  tray.stop();
+  tray.start();
+  program.process().signal(SIGCONT);
+  EXPECT_TRUE(tray.waitForIcon());
+}
+
 TEST_F(IconTest, HearsTheRightButton) {
   TrayHost tray(desktop, bus, {.kind = TrayHost::Kind::tint2});
   tray.start();

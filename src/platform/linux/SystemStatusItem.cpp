@@ -72,7 +72,7 @@ void SystemStatusItem::makeItem() {
 
 void SystemStatusItem::embed() {
   isEmbedded_ = true;
-  if (embedded_ && embedded_->tray() == selection_->owner()) return;
+  if (embedded_ && embedded_->tray() == selection_->ownership()) return;
   embedded_ = std::make_unique<EmbeddedIcon>(*selection_, iconOf(symbol_), [this] { click(); });
   embedded_->setToolTip(name);
 }

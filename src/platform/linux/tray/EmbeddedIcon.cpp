@@ -19,7 +19,7 @@ constexpr Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::Byp
 }  // namespace
 
 EmbeddedIcon::EmbeddedIcon(const TraySelection& tray, QIcon icon, std::function<void()> clicked)
-    : QWidget(nullptr, flags), tray_(tray.owner()), icon_(std::move(icon)), clicked_(std::move(clicked)) {
+    : QWidget(nullptr, flags), tray_(tray.ownership()), icon_(std::move(icon)), clicked_(std::move(clicked)) {
   setAttribute(Qt::WA_QuitOnClose, false);
   setAttribute(Qt::WA_AlwaysShowToolTips);
   setAttribute(Qt::WA_TranslucentBackground, tray.isTranslucent());

@@ -20,7 +20,7 @@ class EmbeddedIcon final : public QWidget {
   /// a button on it, twice for a double click.
   EmbeddedIcon(const TraySelection& tray, QIcon icon, std::function<void()> clicked);
 
-  /// The window of the tray that was asked.
+  /// The ownership of the tray that was asked.
   std::uint32_t tray() const { return tray_; }
 
   void setIcon(QIcon icon);

@@ -49,6 +49,7 @@ TraySelection::TraySelection(std::function<void()> changed) : changed_(std::move
 }
 
 void TraySelection::follow(std::uint32_t owner) {
+  if (owner != owner_) ++ownership_;
   owner_ = owner;
   if (owner == XCB_WINDOW_NONE) return;
   // As the toolkit does, which asks for the same of the same window.

@@ -21,8 +21,9 @@ class TraySelection final : public QAbstractNativeEventFilter {
   /// Whether there is one now.
   bool isOwned() const { return owner_ != 0; }
 
-  /// Its window, or 0.
-  std::uint32_t owner() const { return owner_; }
+  /// Another number whenever the tray comes, goes or is replaced. Its window does not say so: the server may name the
+  /// window of a new tray as it named the old one's.
+  std::uint32_t ownership() const { return ownership_; }
 
   /// Whether windows within it can be translucent. Waits for the server.
   bool isTranslucent() const;
@@ -40,6 +41,7 @@ class TraySelection final : public QAbstractNativeEventFilter {
   std::uint32_t selection_ = 0;
   std::uint32_t manager_ = 0;
   std::uint32_t owner_ = 0;
+  std::uint32_t ownership_ = 0;
 };
 
 }  // namespace orvel
