@@ -43,6 +43,8 @@ void EmbeddedIcon::paintEvent(QPaintEvent*) {
 
 void EmbeddedIcon::resizeEvent(QResizeEvent*) {
   cutOut();
+  // The toolkit may otherwise show what it drew for the former size.
+  update();
 }
 
 /// Where the tray's windows cannot be translucent, it is seen around the icon all the same.
