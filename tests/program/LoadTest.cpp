@@ -38,13 +38,13 @@ TEST_F(LoadTest, AThousandPhonesAtOnceAndNothingLeftBehind) {
     for (int number = 0; number < 1000; ++number) phones.push_back(connect());
     for (auto& phone : phones) ASSERT_TRUE(phone.greeting(phonePatience));
     const auto during = host.footprint();
-    EXPECT_EQ(during.threads, before.threads) << "a phone has no thread of its own";
+    EXPECT_LE(during.threads, before.threads) << "a phone has no thread of its own";
     expectPrivateKilobytesBelow(before.privateKilobytes + 1000u * 12);
     auto another = connectPaired();
     settle(another);
   }
   EXPECT_TRUE(waitForDescriptors(before.descriptors));
-  EXPECT_EQ(host.footprint().threads, before.threads);
+  EXPECT_LE(host.footprint().threads, before.threads);
 }
 
 TEST_F(LoadTest, TwoThousandVisitsLeaveNothingBehind) {
