@@ -2,11 +2,11 @@
 
 #include "base/WorkerThreads.hpp"
 #include "mirror/ScreenMirror.hpp"
-#include "platform/linux/SystemCaptureService.hpp"
 #include "platform/linux/SystemJPEGEncoder.hpp"
-#include "platform/linux/SystemScreenRecordingAccess.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
 #include "session/ControlMessage.hpp"
 #include "session/NetworkThread.hpp"
 #include "session/Transport.hpp"
@@ -99,9 +99,9 @@ class PlainMirrorServer::Server {
   const std::unique_ptr<X11Connection> connection_;
   WorkerThreads workers_;
   const std::unique_ptr<Executor> queue_ = workers_.makeSerialQueue();
-  SystemCaptureService capture_;
+  X11CaptureService capture_;
   SystemJPEGEncoder encoder_;
-  SystemScreenRecordingAccess access_{*connection_};
+  X11ScreenRecordingAccess access_{*connection_};
   ScreenMirror mirror_{{.access = access_, .capture = capture_, .encoder = encoder_, .queue = *queue_}};
   TrustingTuner tuner_;
   NetworkThread network_{tuner_};

@@ -4,7 +4,7 @@
 #include "desktop/Painter.hpp"
 #include "desktop/Patience.hpp"
 #include "desktop/VirtualDesktop.hpp"
-#include "platform/linux/SystemCaptureService.hpp"
+#include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ struct Scene {
 
   VirtualDesktop desktop;
   const std::unique_ptr<X11Connection> connection = X11Connection::open(desktop.display());
-  SystemCaptureService service{*connection, desktop.display()};
+  X11CaptureService service{*connection, desktop.display()};
   FrameReceiver receiver;
   Painter painter{desktop.display(), 0x204060};
 };

@@ -1,6 +1,6 @@
 #include "desktop/CaptureFixture.hpp"
-#include "platform/linux/capture/CursorOverlay.hpp"
-#include "platform/linux/capture/ScreenImage.hpp"
+#include "platform/linux/x11/capture/CursorOverlay.hpp"
+#include "platform/linux/x11/capture/ScreenImage.hpp"
 
 namespace orvel {
 namespace {

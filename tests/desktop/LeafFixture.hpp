@@ -3,13 +3,13 @@
 #include "desktop/Patience.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/X11Witness.hpp"
-#include "platform/linux/SystemDisplays.hpp"
-#include "platform/linux/SystemEventPoster.hpp"
-#include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/Folders.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Displays.hpp"
+#include "platform/linux/x11/X11EventPoster.hpp"
+#include "platform/linux/x11/X11TrustCheck.hpp"
 
 #include <gtest/gtest.h>
 
@@ -49,9 +49,9 @@ class LeafSet {
   std::promise<void> ended_;  // throws when it is told twice
 
  public:
-  SystemDisplays displays{*connection_};
-  SystemEventPoster events{*connection_, displays};
-  SystemTrustCheck trust{*connection_};
+  X11Displays displays{*connection_};
+  X11EventPoster events{*connection_, displays};
+  X11TrustCheck trust{*connection_};
   SystemWorkspace workspace{*connection_, desktopEntries_, dataFolders_, {RLIM_INFINITY, RLIM_INFINITY}};
 };
 

@@ -1,5 +1,5 @@
 #include "desktop/AccessibleFixture.hpp"
-#include "platform/linux/accessibility/WindowAtPoint.hpp"
+#include "platform/linux/x11/WindowAtPoint.hpp"
 
 #include <xcb/shape.h>
 

@@ -1,6 +1,6 @@
 #include "desktop/LeafFixture.hpp"
 #include "desktop/WaylandDesktop.hpp"
-#include "platform/linux/SystemScreenRecordingAccess.hpp"
+#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
 
 #include <filesystem>
 #include <optional>
@@ -33,7 +33,7 @@ TEST_F(XwaylandTest, NothingThatMayBeDoneThereIsClaimed) {
       leaves->trust.notice().explanation,
       "In a Wayland session Orvel can neither move the pointer nor type: log out, then log in to an X11 session.");
   EXPECT_EQ(leaves->trust.notice().action, "");
-  SystemScreenRecordingAccess recording(leaves->connection());
+  X11ScreenRecordingAccess recording(leaves->connection());
   EXPECT_FALSE(recording.isGranted());
   EXPECT_EQ(
       recording.denial().onRequest,

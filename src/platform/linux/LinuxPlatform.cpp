@@ -42,7 +42,7 @@ rlimit allowManyConnections() {
 std::optional<std::string> inputObstacleAt(const std::string& display) {
   const auto connection = X11Connection::open(display);
   if (!connection) return std::nullopt;
-  SystemTrustCheck trust(*connection);
+  X11TrustCheck trust(*connection);
   if (trust.isTrusted()) return std::nullopt;
   return trust.notice().explanation;
 }
@@ -148,7 +148,7 @@ std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
 std::optional<std::string> inputObstacle() {
   const std::string display = environmentVariable("DISPLAY");
   if (display.empty() && !environmentVariable("WAYLAND_DISPLAY").empty())
-    return SystemTrustCheck::noticeOnWayland().explanation;
+    return X11TrustCheck::noticeOnWayland().explanation;
   // Another computer's display, such as that of whoever has logged in from there, says nothing of this one.
   if (!display.starts_with(':')) return std::nullopt;
   const auto answer = std::make_shared<Guarded<std::optional<std::string>>>();

@@ -7,24 +7,24 @@
 #include "platform/linux/SystemAdvertiser.hpp"
 #include "platform/linux/SystemAppearance.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
-#include "platform/linux/SystemCaptureService.hpp"
-#include "platform/linux/SystemDisplays.hpp"
-#include "platform/linux/SystemEventPoster.hpp"
-#include "platform/linux/SystemForeground.hpp"
 #include "platform/linux/SystemJPEGEncoder.hpp"
 #include "platform/linux/SystemLoginItemService.hpp"
 #include "platform/linux/SystemMachine.hpp"
 #include "platform/linux/SystemPreferences.hpp"
-#include "platform/linux/SystemPressWatch.hpp"
-#include "platform/linux/SystemScreenRecordingAccess.hpp"
 #include "platform/linux/SystemSocketTuner.hpp"
 #include "platform/linux/SystemStatusItem.hpp"
-#include "platform/linux/SystemTrustCheck.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/Folders.hpp"
 #include "platform/linux/x11/ToolkitConnection.hpp"
+#include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Displays.hpp"
+#include "platform/linux/x11/X11EventPoster.hpp"
+#include "platform/linux/x11/X11Foreground.hpp"
+#include "platform/linux/x11/X11PressWatch.hpp"
+#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
+#include "platform/linux/x11/X11TrustCheck.hpp"
 
 #include <sys/resource.h>
 
@@ -86,20 +86,20 @@ class LinuxPlatform final : public Platform {
   SystemAdvertiser advertiser_;
   SystemAppearance appearance_;
   SystemApplicationBundles bundles_;
-  SystemCaptureService capture_;
-  SystemDisplays displays_;
+  X11CaptureService capture_;
+  X11Displays displays_;
   SystemJPEGEncoder encoder_;
-  SystemEventPoster events_;
-  SystemForeground foreground_;
+  X11EventPoster events_;
+  X11Foreground foreground_;
   SystemLoginItemService loginItem_;
   SystemMachine machine_;
   SystemPreferences preferences_;
-  SystemPressWatch presses_;
-  SystemScreenRecordingAccess screenRecording_;
+  X11PressWatch presses_;
+  X11ScreenRecordingAccess screenRecording_;
   SystemSocketTuner socketTuner_;
   SystemStatusItem statusItem_;
   const ToolkitConnection toolkit_;
-  SystemTrustCheck trust_;
+  X11TrustCheck trust_;
   SystemWorkspace workspace_;
   Guarded<End> end_;
 };

@@ -1,7 +1,7 @@
 #include "platform/linux/SystemAccessibilityTree.hpp"
 
 #include "platform/linux/accessibility/ElementSearch.hpp"
-#include "platform/linux/accessibility/WindowAtPoint.hpp"
+#include "platform/linux/x11/WindowAtPoint.hpp"
 
 #include <chrono>
 

@@ -2,7 +2,7 @@
 
 #include "platform/linux/tray/EmbeddedIcon.hpp"
 #include "platform/linux/tray/StatusNotifierWatch.hpp"
-#include "platform/linux/tray/TraySelection.hpp"
+#include "platform/linux/x11/TraySelection.hpp"
 #include "ui/SymbolImage.hpp"
 
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/applications/StartupNotice.hpp"
 #include "platform/linux/x11/ServerTime.hpp"
+#include "platform/linux/x11/StartupNotice.hpp"
 
 #include <sys/resource.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "input/InputEvent.hpp"
-#include "platform/linux/keyboard/KeyQueue.hpp"
+#include "platform/linux/x11/keyboard/KeyQueue.hpp"
 
 #include <optional>
 

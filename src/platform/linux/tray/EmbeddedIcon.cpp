@@ -1,6 +1,6 @@
 #include "platform/linux/tray/EmbeddedIcon.hpp"
 
-#include "platform/linux/tray/TraySelection.hpp"
+#include "platform/linux/x11/TraySelection.hpp"
 
 #include <QBitmap>
 #include <QMouseEvent>

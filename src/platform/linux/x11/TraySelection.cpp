@@ -1,0 +1,102 @@
+#include "platform/linux/x11/TraySelection.hpp"
+
+#include "platform/linux/x11/X11Connection.hpp"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orvel {
+namespace {
+
+/// The toolkit follows the first screen alone.
+constexpr std::string_view selectionName = "_NET_SYSTEM_TRAY_S0";
+
+constexpr std::uint32_t requestToDock = 0;
+constexpr std::uint8_t translucentDepth = 32;
+
+xcb_atom_t atomOf(xcb_connection_t* connection, std::string_view name) {
+  const auto asked = xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.data());
+  const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection, asked, nullptr)};
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+/// The number of bits of a visual's pixels; 0 for one that is not there.
+std::uint8_t depthOf(xcb_connection_t* connection, xcb_visualid_t visual) {
+  const auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection));
+  for (auto depth = xcb_screen_allowed_depths_iterator(screen.data); depth.rem != 0; xcb_depth_next(&depth)) {
+    for (auto type = xcb_depth_visuals_iterator(depth.data); type.rem != 0; xcb_visualtype_next(&type)) {
+      if (type.data->visual_id == visual) return depth.data->depth;
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+TraySelection::TraySelection(std::function<void()> changed) : changed_(std::move(changed)) {
+  const auto* toolkit = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (toolkit == nullptr) return;
+  connection_ = toolkit->connection();
+  selection_ = atomOf(connection_, selectionName);
+  manager_ = atomOf(connection_, "MANAGER");
+  const auto asked = xcb_get_selection_owner(connection_, selection_);
+  const X11Answer<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(connection_, asked, nullptr)};
+  if (reply) follow(reply->owner);
+  QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+void TraySelection::follow(std::uint32_t owner) {
+  if (owner != owner_) ++ownership_;
+  owner_ = owner;
+  if (owner == XCB_WINDOW_NONE) return;
+  // As the toolkit does, which asks for the same of the same window.
+  const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  xcb_change_window_attributes(connection_, owner, XCB_CW_EVENT_MASK, &events);
+  xcb_flush(connection_);
+}
+
+bool TraySelection::isTranslucent() const {
+  if (!isOwned()) return false;
+  const auto asked = xcb_get_property(connection_, false, owner_, atomOf(connection_, "_NET_SYSTEM_TRAY_VISUAL"),
+                                      XCB_ATOM_VISUALID, 0, 1);
+  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_, asked, nullptr)};
+  if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) != sizeof(xcb_visualid_t))
+    return false;
+  return depthOf(connection_, *static_cast<const xcb_visualid_t*>(xcb_get_property_value(reply.get()))) ==
+         translucentDepth;
+}
+
+void TraySelection::requestDock(std::uint32_t window) const {
+  if (!isOwned()) return;
+  xcb_client_message_event_t request{};
+  request.response_type = XCB_CLIENT_MESSAGE;
+  request.format = 32;
+  request.window = owner_;
+  request.type = atomOf(connection_, "_NET_SYSTEM_TRAY_OPCODE");
+  request.data.data32[0] = XCB_CURRENT_TIME;
+  request.data.data32[1] = requestToDock;
+  request.data.data32[2] = window;
+  xcb_send_event(connection_, false, owner_, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&request));
+  xcb_flush(connection_);
+}
+
+bool TraySelection::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+  if (eventType != "xcb_generic_event_t") return false;
+  const auto type = static_cast<const xcb_generic_event_t*>(message)->response_type & x11EventTypeMask;
+  if (type == XCB_CLIENT_MESSAGE) {
+    const auto& announcement = *static_cast<const xcb_client_message_event_t*>(message);
+    if (announcement.type != manager_ || announcement.data.data32[1] != selection_) return false;
+    follow(announcement.data.data32[2]);
+    changed_();
+  } else if (type == XCB_DESTROY_NOTIFY) {
+    if (static_cast<const xcb_destroy_notify_event_t*>(message)->window != owner_) return false;
+    follow(XCB_WINDOW_NONE);
+    changed_();
+  }
+  return false;
+}
+
+}  // namespace orvel

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/Guarded.hpp"
+#include "platform/linux/x11/StartupNotice.hpp"
+#include "platform/linux/x11/WindowCommands.hpp"
+#include "platform/linux/x11/X11Atoms.hpp"
+#include "ui/Foreground.hpp"
+
+#include <xcb/xcb.h>
+
+#include <optional>
+#include <string>
+
+namespace orvel {
+
+class X11Connection;
+
+/// The foreground as the window manager has it, or the server where there is none. The toolkit shows its windows by a
+/// connection of its own, so a window may be shown only after it was to be brought; then it is brought when it is.
+///
+/// Threads: the main thread for `keepOutOfList`, any for the rest; none waits for the server but that of the
+/// connection, on which `handle` is called.
+class X11Foreground final : public Foreground {
+ public:
+  explicit X11Foreground(const X11Connection& connection);
+
+  /// Desktops here list windows.
+  void becomeAccessory() override {}
+  void keepOutOfList(std::uintptr_t window) override;
+  void bring(std::uintptr_t window, const std::string& token) override;
+  Seconds settlingTime() const override { return {}; }
+  void finishStart(const std::string& token) override;
+
+  /// Takes an event of the server, and brings the window when that is possible now.
+  void handle(const xcb_generic_event_t& event);
+
+ private:
+  struct Wish {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    std::string token;
+
+    friend bool operator==(const Wish&, const Wish&) = default;
+  };
+
+  enum class Way { none, byWindowManager, byServer };
+
+  void askForTime() const;
+  bool tellsOfChange(const xcb_generic_event_t& event) const;
+  void bringAt(xcb_timestamp_t time);
+  Way wayFor(xcb_window_t window) const;
+  bool canWindowManagerActivate() const;
+
+  const X11Connection& connection_;
+  const X11Atoms atoms_;
+  const WindowCommands commands_;
+  const StartupNotice notice_;
+  const xcb_window_t clock_;  // never shown; the server dates its changes
+  Guarded<std::optional<Wish>> wish_;
+};
+
+}  // namespace orvel

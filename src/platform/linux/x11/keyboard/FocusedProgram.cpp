@@ -1,0 +1,134 @@
+#include "platform/linux/x11/keyboard/FocusedProgram.hpp"
+
+#include "platform/linux/x11/NamedAtom.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+
+#include <algorithm>
+#include <span>
+#include <string_view>
+#include <thread>
+
+namespace orvel {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto answerPatience = 4s;  // a program that redraws a long text is slow, and not lost
+constexpr auto lookInterval = 50ms;  // at whether the server is still there
+constexpr int deepestWindow = 16;
+constexpr std::uint32_t mostProtocols = 64;
+constexpr std::uint8_t wideFormat = 32;
+
+}  // namespace
+
+FocusedProgram::FocusedProgram(const X11Connection& connection)
+    : connection_(connection),
+      protocols_(namedAtom(connection, "WM_PROTOCOLS")),
+      ping_(namedAtom(connection, "_NET_WM_PING")) {}
+
+bool FocusedProgram::answers(xcb_window_t window) {
+  return answeringWindow(window).has_value();
+}
+
+bool FocusedProgram::waitUntilReady(xcb_window_t window, Time otherwise) {
+  const auto answering = answeringWindow(window);
+  if (answering && canAsk(*answering)) {
+    hearAnswers(true);
+    ask(*answering);
+    if (waitForAnswer()) return true;
+  }
+  std::this_thread::sleep_until(otherwise);
+  return !answering;
+}
+
+void FocusedProgram::rest() {
+  hearAnswers(false);
+}
+
+void FocusedProgram::giveUp() {
+  const std::lock_guard lock(mutex_);
+  hasGivenUp_ = true;
+  answered_.notify_all();
+}
+
+void FocusedProgram::handle(const xcb_generic_event_t& event) {
+  if ((event.response_type & x11EventTypeMask) != XCB_CLIENT_MESSAGE) return;
+  const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+  if (message.type != protocols_ || message.format != wideFormat || message.data.data32[0] != ping_) return;
+  const std::lock_guard lock(mutex_);
+  if (message.data.data32[1] != question_.number || message.data.data32[2] != question_.window) return;
+  question_.isAnswered = true;
+  answered_.notify_all();
+}
+
+std::optional<xcb_window_t> FocusedProgram::answeringWindow(xcb_window_t window) {
+  if (answering_.window != window) answering_ = {.window = window, .by = findAnsweringWindow(window)};
+  return answering_.by;
+}
+
+std::optional<xcb_window_t> FocusedProgram::findAnsweringWindow(xcb_window_t window) const {
+  for (int depth = 0; depth < deepestWindow && window > XCB_INPUT_FOCUS_POINTER_ROOT; ++depth) {
+    const auto asked = xcb_query_tree(connection_.get(), window);
+    if (answersPing(window)) return window;
+    const X11Answer<xcb_query_tree_reply_t> family{xcb_query_tree_reply(connection_.get(), asked, nullptr)};
+    window = family ? family->parent : xcb_window_t{XCB_NONE};
+  }
+  return std::nullopt;
+}
+
+bool FocusedProgram::answersPing(xcb_window_t window) const {
+  const auto asked = xcb_get_property(connection_.get(), false, window, protocols_, XCB_ATOM_ATOM, 0, mostProtocols);
+  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_.get(), asked, nullptr)};
+  if (!reply || reply->format != wideFormat) return false;
+  const std::span protocols(static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get())), reply->value_len);
+  return std::ranges::find(protocols, ping_) != protocols.end();
+}
+
+bool FocusedProgram::canAsk(xcb_window_t window) {
+  const std::lock_guard lock(mutex_);
+  const bool hangs = question_.window == window && !question_.isAnswered;
+  return !hangs && !hasGivenUp_;
+}
+
+void FocusedProgram::ask(xcb_window_t window) {
+  xcb_client_message_event_t message = {};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = wideFormat;
+  message.window = window;
+  message.type = protocols_;
+  {
+    const std::lock_guard lock(mutex_);
+    question_ = {.window = window, .number = question_.number + 1, .isAnswered = false};
+    message.data.data32[1] = question_.number;
+  }
+  message.data.data32[0] = ping_;
+  message.data.data32[2] = window;
+  xcb_send_event(connection_.get(), false, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));
+  xcb_flush(connection_.get());
+}
+
+bool FocusedProgram::waitForAnswer() {
+  const Time end = std::chrono::steady_clock::now() + answerPatience;
+  std::unique_lock lock(mutex_);
+  while (!question_.isAnswered && !hasGivenUp_ && connection_.isAlive() && std::chrono::steady_clock::now() < end) {
+    answered_.wait_for(lock, lookInterval);
+  }
+  return question_.isAnswered;
+}
+
+/// Answers go to the root window. Only there for the time that they matter: all changes of windows are told of, too.
+void FocusedProgram::hearAnswers(bool heard) {
+  if (isHearing_ == heard) return;
+  const auto asked = xcb_get_window_attributes(connection_.get(), connection_.root());
+  const X11Answer<xcb_get_window_attributes_reply_t> reply{
+      xcb_get_window_attributes_reply(connection_.get(), asked, nullptr)};
+  if (!reply) return;
+  // A program has one selection per window: what the others of us listen to must stay in it.
+  const std::uint32_t others = reply->your_event_mask & ~std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
+  const std::uint32_t events = heard ? others | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : others;
+  xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_EVENT_MASK, &events);
+  xcb_flush(connection_.get());
+  isHearing_ = heard;
+}
+
+}  // namespace orvel
