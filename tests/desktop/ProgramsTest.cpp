@@ -1,4 +1,5 @@
 #include "catalog/AppCatalog.hpp"
+#include "desktop/ActivationRecorder.hpp"
 #include "desktop/LeafFixture.hpp"
 #include "desktop/WindowManager.hpp"
 #include "platform/linux/GLibPointer.hpp"
@@ -547,6 +548,16 @@ TEST_F(LaunchTest, AProgramThatTheBusStartsIsStartedOnce) {
   const auto bus = startBus();
   openOften(writeScript("", "DBusActivatable=true"));
   EXPECT_EQ(report(), Texts{"started"});
+}
+
+TEST_F(LaunchTest, AProgramThatTheBusStartsGetsTheActivationTokenInBothItsForms) {
+  const auto bus = startBus();
+  const ActivationRecorder program(std::getenv("DBUS_SESSION_BUS_ADDRESS"), "org.example.Script");
+  workspace.open(writeScript("", "DBusActivatable=true\nStartupNotify=true"));
+  ASSERT_TRUE(eventually([&] { return program.requests().size() == 1; }));
+  auto data = program.requests().front();
+  EXPECT_NE(data["desktop-startup-id"].find("_TIME"), std::string::npos) << testing::PrintToString(data);
+  EXPECT_EQ(data["activation-token"], data["desktop-startup-id"]);
 }
 
 TEST_F(LaunchTest, ABusThatDoesNotAnswerHoldsNothingUp) {

@@ -1,3 +1,4 @@
+#include "desktop/ActivationRecorder.hpp"
 #include "desktop/ChildProcess.hpp"
 #include "desktop/SessionBus.hpp"
 #include "desktop/TemporaryFolder.hpp"
@@ -66,6 +67,15 @@ TEST_F(SystemInstanceTest, TheTokenIsHandedOn) {
   EXPECT_EQ(first.output(), "token \nfirst\nshown a-token_TIME17\nshown older_TIME18\nshown \n");
   const auto isLeft = [](ChildProcess& program) { return program.output().find("left") != std::string::npos; };
   EXPECT_FALSE(std::any_of(programs.begin(), programs.end(), isLeft)) << "the toolkit would use it";
+}
+
+TEST_F(SystemInstanceTest, TheTokenIsHandedOnInBothItsForms) {
+  const ActivationRecorder other(bus.address(), "app.orvel.Orvel");
+  start({"show", "at-once"}, {{"XDG_ACTIVATION_TOKEN", "a-token"}}).waitForExit();
+  start({"show", "at-once"}).waitForExit();
+  using Data = ActivationRecorder::PlatformData;
+  EXPECT_EQ(other.requests(),
+            (std::vector<Data>{{{"activation-token", "a-token"}, {"desktop-startup-id", "a-token"}}, Data{}}));
 }
 
 TEST_F(SystemInstanceTest, TheTokenOfItsOwnStartIsKnown) {

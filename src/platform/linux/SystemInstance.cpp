@@ -13,7 +13,6 @@ namespace orvel {
 namespace {
 
 constexpr auto busName = "app.orvel.Orvel";
-constexpr auto objectPath = "/app/orvel/Orvel";
 constexpr std::chrono::seconds claimPatience{1};
 constexpr std::chrono::seconds showPatience{2};
 
@@ -56,7 +55,7 @@ bool SystemInstance::claim(ShowPanel showPanel) {
   bus_ = MessageBus::open(sessionBusAddress(), limit);
   if (!bus_) return true;
   // Before the name is ours, so that nobody finds nobody behind it.
-  object_ = std::make_unique<ApplicationObject>(*bus_, objectPath, std::move(showPanel));
+  object_ = std::make_unique<ApplicationObject>(*bus_, busName, std::move(showPanel));
   if (!isOwnedByAnother(*bus_, limit)) return true;
   object_ = nullptr;
   bus_.reset();
@@ -67,13 +66,7 @@ bool SystemInstance::showOther() {
   const TimeLimit limit(showPatience);
   const auto bus = MessageBus::open(sessionBusAddress(), limit);
   if (!bus) return false;
-  return bus->call({.destination = busName,
-                    .path = objectPath,
-                    .interface = ApplicationObject::interface,
-                    .method = "Activate",
-                    .arguments = ApplicationObject::circumstances(token_),
-                    .flags = G_DBUS_CALL_FLAGS_NO_AUTO_START},
-                   limit) != nullptr;
+  return ApplicationObject::activate(*bus, busName, token_, limit, G_DBUS_CALL_FLAGS_NO_AUTO_START);
 }
 
 std::unique_ptr<Instance> openInstance() {

@@ -5,6 +5,7 @@
 #include "platform/linux/applications/DesktopEntry.hpp"
 #include "platform/linux/applications/LaunchContext.hpp"
 #include "platform/linux/applications/ProcessFacts.hpp"
+#include "platform/linux/bus/ApplicationObject.hpp"
 #include "platform/linux/bus/CancelledInTime.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
@@ -64,27 +65,6 @@ std::string busNameOf(GDesktopAppInfo* info, const std::string& path) {
   return g_dbus_is_interface_name(name.c_str()) ? name : std::string();
 }
 
-/// Asks the bus to start a program, and does not wait until it is there. GIO's own way would leave the reply to a main
-/// loop.
-void startByBus(const MessageBus& bus, const std::string& name, const std::string& announced) {
-  std::string object = "/" + name;
-  std::replace(object.begin(), object.end(), '.', '/');
-  std::replace(object.begin(), object.end(), '-', '_');
-  GVariantBuilder circumstances;
-  g_variant_builder_init(&circumstances, G_VARIANT_TYPE("(a{sv})"));
-  g_variant_builder_open(&circumstances, G_VARIANT_TYPE("a{sv}"));
-  if (!announced.empty()) {
-    g_variant_builder_add(&circumstances, "{sv}", "desktop-startup-id", g_variant_new_string(announced.c_str()));
-  }
-  g_variant_builder_close(&circumstances);
-  bus.call({.destination = name.c_str(),
-            .path = object.c_str(),
-            .interface = "org.freedesktop.Application",
-            .method = "Activate",
-            .arguments = g_variant_builder_end(&circumstances)},
-           TimeLimit(busPatience));
-}
-
 }  // namespace
 
 /// A process that was started.
@@ -114,7 +94,8 @@ struct Launcher::BusStart {
       if (type == G_DBUS_MESSAGE_TYPE_METHOD_RETURN || type == G_DBUS_MESSAGE_TYPE_ERROR) *answered = true;
       return false;
     });
-    startByBus(bus, name, announced);
+    // GIO's own way would leave the reply to a main loop.
+    ApplicationObject::activate(bus, name, announced, TimeLimit(busPatience));
   }
 
   /// Whether the program could not be started, or has been there and ended.

@@ -5,6 +5,7 @@
 #include "platform/linux/MainThreadCall.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -19,15 +20,16 @@ using Message = GLibPointer<GDBusMessage>;
 constexpr std::size_t mostCalls = 16;  // that wait for the main thread
 constexpr std::size_t longestToken = 1024;
 constexpr std::string_view showAction = "show";
-constexpr auto activationToken = "activation-token";
-constexpr auto startupID = "desktop-startup-id";  // by which older programs call it
+constexpr auto applicationInterface = "org.freedesktop.Application";
+// Programs read the one that they know.
+constexpr std::array tokenKeys = {"activation-token", "desktop-startup-id"};
 constexpr auto badArguments = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr auto tooMany = "org.freedesktop.DBus.Error.LimitsExceeded";
 
 struct Method {
   std::string_view name;
   const char* arguments;
-  std::size_t circumstances;  // which of them tells these
+  std::size_t platformData;  // the index of the argument
 };
 
 constexpr std::array methods = {Method{"Activate", "(a{sv})", 0}, Method{"Open", "(asa{sv})", 1},
@@ -50,12 +52,32 @@ bool isFitting(GVariant* arguments, const Method& method) {
 }
 
 std::string tokenIn(GVariant* arguments, const Method& method) {
-  const GLibPointer<GVariant> circumstances(g_variant_get_child_value(arguments, method.circumstances));
-  for (const char* name : {activationToken, startupID}) {
+  const GLibPointer<GVariant> platformData(g_variant_get_child_value(arguments, method.platformData));
+  for (const char* key : tokenKeys) {
     const char* token = nullptr;
-    if (g_variant_lookup(circumstances.get(), name, "&s", &token) && viewOf(token).size() <= longestToken) return token;
+    if (g_variant_lookup(platformData.get(), key, "&s", &token) && viewOf(token).size() <= longestToken) return token;
   }
   return {};
+}
+
+/// The arguments of `Activate`.
+GVariant* platformDataWith(const std::string& token) {
+  GVariantBuilder data;
+  g_variant_builder_init(&data, G_VARIANT_TYPE("(a{sv})"));
+  g_variant_builder_open(&data, G_VARIANT_TYPE("a{sv}"));
+  for (const char* key : tokenKeys) {
+    if (!token.empty()) g_variant_builder_add(&data, "{sv}", key, g_variant_new_string(token.c_str()));
+  }
+  g_variant_builder_close(&data);
+  return g_variant_builder_end(&data);
+}
+
+/// The object that stands for the program of that name on a bus.
+std::string objectPathOf(const std::string& name) {
+  std::string path = "/" + name;
+  std::replace(path.begin(), path.end(), '.', '/');
+  std::replace(path.begin(), path.end(), '-', '_');
+  return path;
 }
 
 bool wantsReply(GDBusMessage* message) {
@@ -104,7 +126,7 @@ class ApplicationObject::Calls {
   bool isForUs(GDBusMessage* message) const {
     const auto named = viewOf(g_dbus_message_get_interface(message));
     return g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_METHOD_CALL &&
-           viewOf(g_dbus_message_get_path(message)) == path_ && (named.empty() || named == interface);
+           viewOf(g_dbus_message_get_path(message)) == path_ && (named.empty() || named == applicationInterface);
   }
 
   bool keep(Call call) {
@@ -132,8 +154,8 @@ class ApplicationObject::Calls {
   MainThreadCall arrival_{[this] { answer(); }};
 };
 
-ApplicationObject::ApplicationObject(const MessageBus& bus, std::string path, Show show)
-    : calls_(std::make_shared<Calls>(bus, std::move(path), std::move(show))) {
+ApplicationObject::ApplicationObject(const MessageBus& bus, const std::string& name, Show show)
+    : calls_(std::make_shared<Calls>(bus, objectPathOf(name), std::move(show))) {
   bus.observe([calls = calls_](GDBusConnection* connection, GDBusMessage* message) {
     return calls->take(connection, message);
   });
@@ -143,15 +165,15 @@ ApplicationObject::~ApplicationObject() {
   calls_->cancel();
 }
 
-GVariant* ApplicationObject::circumstances(const std::string& token) {
-  GVariantBuilder told;
-  g_variant_builder_init(&told, G_VARIANT_TYPE("(a{sv})"));
-  g_variant_builder_open(&told, G_VARIANT_TYPE("a{sv}"));
-  for (const char* name : {activationToken, startupID}) {
-    if (!token.empty()) g_variant_builder_add(&told, "{sv}", name, g_variant_new_string(token.c_str()));
-  }
-  g_variant_builder_close(&told);
-  return g_variant_builder_end(&told);
+bool ApplicationObject::activate(const MessageBus& bus, const std::string& name, const std::string& token,
+                                 const TimeLimit& limit, GDBusCallFlags flags) {
+  return bus.call({.destination = name.c_str(),
+                   .path = objectPathOf(name).c_str(),
+                   .interface = applicationInterface,
+                   .method = "Activate",
+                   .arguments = platformDataWith(token),
+                   .flags = flags},
+                  limit) != nullptr;
 }
 
 }  // namespace orvel

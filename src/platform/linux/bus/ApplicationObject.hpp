@@ -9,6 +9,7 @@
 namespace orvel {
 
 class MessageBus;
+class TimeLimit;
 
 /// What others on a message bus may ask of this program, by the interface that desktops use to start programs: to show
 /// itself. Who asks has the answer when it has been done.
@@ -16,19 +17,20 @@ class MessageBus;
 /// Threads: the main thread.
 class ApplicationObject {
  public:
-  static constexpr auto interface = "org.freedesktop.Application";
-
-  /// Called on the main thread with what the desktop gave the caller as a proof of the user's wish, if anything.
+  /// Called on the main thread with the caller's activation token, which may be empty.
   using Show = std::function<void(const std::string& token)>;
 
-  /// Answers those who come by that bus, from now on. It must outlive this object.
-  ApplicationObject(const MessageBus& bus, std::string path, Show show);
+  /// Answers those who come by that bus, from now on, for the program of that name. The bus must outlive this object.
+  ApplicationObject(const MessageBus& bus, const std::string& name, Show show);
   ~ApplicationObject();
   ApplicationObject(const ApplicationObject&) = delete;
   ApplicationObject& operator=(const ApplicationObject&) = delete;
 
-  /// What a caller tells of the circumstances, to go with a call: the proof that the desktop gave it, if any.
-  static GVariant* circumstances(const std::string& token);
+  /// Asks the program of that name on the bus to show itself, with an activation token, which may be empty. Waits for
+  /// its answer within `limit`; false without one. Unless `flags` say otherwise, the bus starts the program. Threads:
+  /// as the bus.
+  static bool activate(const MessageBus& bus, const std::string& name, const std::string& token, const TimeLimit& limit,
+                       GDBusCallFlags flags = G_DBUS_CALL_FLAGS_NONE);
 
  private:
   class Calls;
