@@ -1,15 +1,18 @@
+#include "base/Guarded.hpp"
+#include "desktop/BusService.hpp"
 #include "desktop/SessionBus.hpp"
 #include "desktop/SettingsDaemon.hpp"
 #include "desktop/StoppedServer.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "platform/linux/SystemAppearance.hpp"
-#include "platform/linux/bus/MessageBus.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <gio/gio.h>
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QString>
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
@@ -18,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -30,53 +34,49 @@ constexpr auto portalPath = "/org/freedesktop/portal/desktop";
 constexpr auto settings = "org.freedesktop.portal.Settings";
 constexpr auto appearanceGroup = "org.freedesktop.appearance";
 
-/// A desktop's portal, as far as it tells of light and dark.
+/// A desktop's portal, as far as it knows of light and dark.
 class Portal {
  public:
   enum class Age { old, current };
 
   Portal(const std::string& address, std::uint32_t scheme, Age age = Age::current)
-      : scheme_(scheme), age_(age), bus_(*MessageBus::open(address, TimeLimit(patience))) {
-    bus_.observe([this](GDBusConnection* connection, GDBusMessage* message) { return answer(connection, message); });
-    bus_.call({.destination = "org.freedesktop.DBus",
-               .path = "/org/freedesktop/DBus",
-               .interface = "org.freedesktop.DBus",
-               .method = "RequestName",
-               .arguments = g_variant_new("(su)", portalName, 0u),
-               .replyType = "(u)"},
-              TimeLimit(patience));
-  }
-  ~Portal() { g_dbus_connection_close_sync(bus_.connection(), nullptr, nullptr); }
-  Portal(const Portal&) = delete;
-  Portal& operator=(const Portal&) = delete;
+      : age_(age),
+        value_(GLibPointer<GVariant>(g_variant_ref_sink(g_variant_new_uint32(scheme)))),
+        service_(address, portalName, [this](GDBusMessage* call) { return answer(call); }) {}
 
   int timesAsked() const { return asked_; }
 
-  void change(GVariant* value, const char* group = appearanceGroup, const char* key = "color-scheme") const {
-    send(g_variant_new("(ssv)", group, key, value));
+  /// The connections by which it was asked.
+  std::set<std::string> askers() const {
+    return askers_.withLock([](const std::set<std::string>& askers) { return askers; });
   }
-  void send(GVariant* body) const {
-    g_dbus_connection_emit_signal(bus_.connection(), nullptr, portalPath, settings, "SettingChanged", body, nullptr);
+
+  /// Has another value from now on, and says so.
+  void change(GVariant* value) {
+    const GLibPointer<GVariant> owned(g_variant_ref_sink(value));
+    value_.withLock([&](GLibPointer<GVariant>& known) { known.reset(g_variant_ref(owned.get())); });
+    signal(g_variant_new("(ssv)", appearanceGroup, "color-scheme", owned.get()));
   }
+
+  void signal(GVariant* body) const { service_.signal(portalPath, settings, "SettingChanged", body); }
 
  private:
-  bool answer(GDBusConnection* connection, GDBusMessage* message) {
-    if (g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return false;
-    const std::string_view method = g_dbus_message_get_member(message);
+  GVariant* answer(GDBusMessage* call) {
+    const std::string_view method = g_dbus_message_get_member(call);
     const bool isKnown = method == "Read" || (method == "ReadOne" && age_ == Age::current);
-    if (!isKnown) return false;
-    GVariant* value = g_variant_new_uint32(scheme_);
-    const GLibPointer<GDBusMessage> reply(g_dbus_message_new_method_reply(message));
-    g_dbus_message_set_body(reply.get(), g_variant_new("(v)", method == "Read" ? g_variant_new_variant(value) : value));
-    MessageBus::send(connection, reply.get());
+    if (!isKnown) return nullptr;
+    askers_.withLock([&](std::set<std::string>& askers) { askers.insert(g_dbus_message_get_sender(call)); });
     ++asked_;
-    return true;
+    return value_.withLock([&](const GLibPointer<GVariant>& value) {
+      return g_variant_new("(v)", method == "Read" ? g_variant_new_variant(value.get()) : value.get());
+    });
   }
 
-  const std::uint32_t scheme_;
   const Age age_;
+  Guarded<GLibPointer<GVariant>> value_;
+  Guarded<std::set<std::string>> askers_;
   std::atomic<int> asked_ = 0;
-  const MessageBus bus_;
+  const BusService service_;
 };
 
 struct SystemAppearanceTest : testing::Test {
@@ -139,6 +139,13 @@ TEST_F(SystemAppearanceTest, ThePortalSaysIt) {
   EXPECT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
 }
 
+TEST_F(SystemAppearanceTest, ThePortalIsAskedByTheToolkitsOwnConnection) {
+  const Portal portal(bus.address(), 1);
+  open();
+  ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
+  EXPECT_EQ(portal.askers(), std::set{QDBusConnection::sessionBus().baseService().toStdString()});
+}
+
 TEST_F(SystemAppearanceTest, AnOldPortalSaysItToo) {
   const Portal portal(bus.address(), 2, Portal::Age::old);
   open();
@@ -146,7 +153,7 @@ TEST_F(SystemAppearanceTest, AnOldPortalSaysItToo) {
 }
 
 TEST_F(SystemAppearanceTest, ChangesOfThePortalAreFollowed) {
-  const Portal portal(bus.address(), 1);
+  Portal portal(bus.address(), 1);
   open();
   ASSERT_TRUE(becomes(true));
   ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
@@ -182,16 +189,18 @@ TEST_F(SystemAppearanceTest, ThePortalIsNotStarted) {
 }
 
 TEST_F(SystemAppearanceTest, NonsenseOfThePortalIsHarmless) {
-  const Portal portal(bus.address(), 1);
+  Portal portal(bus.address(), 1);
   open();
   ASSERT_TRUE(becomes(true));
   ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
+  portal.signal(g_variant_new("(ssv)", "org.example.other", "color-scheme", g_variant_new_uint32(2)));
+  portal.signal(g_variant_new("(ssv)", appearanceGroup, "contrast", g_variant_new_uint32(2)));
+  EXPECT_FALSE(eventually([&] { return portal.timesAsked() > 2; }, lull)) << "of other settings";
+  portal.signal(g_variant_new("(s)", appearanceGroup));
+  portal.signal(g_variant_new("(ssu)", appearanceGroup, "color-scheme", 2u));
   portal.change(g_variant_new_string("2"));
+  EXPECT_FALSE(eventually([&] { return appearance->isDark() != true || changes > 1; }, lull));
   portal.change(g_variant_new_int32(2));
-  portal.change(g_variant_new_uint32(2), "org.example.other");
-  portal.change(g_variant_new_uint32(2), appearanceGroup, "contrast");
-  portal.send(g_variant_new("(s)", appearanceGroup));
-  portal.send(g_variant_new("(ssu)", appearanceGroup, "color-scheme", 2u));
   GVariant* nested = g_variant_new_string("2");
   for (int i = 0; i < 20; ++i) nested = g_variant_new_variant(nested);
   portal.change(nested);
@@ -210,7 +219,7 @@ TEST_F(SystemAppearanceTest, WithoutThePortalTheThemeSaysIt) {
 
 TEST_F(SystemAppearanceTest, ThePortalWinsUnlessItLeavesItOpen) {
   SettingsDaemon daemon(desktop.home(), desktop.environment(), "Net/ThemeName \"Adwaita-dark\"\n");
-  const Portal portal(bus.address(), 2);
+  Portal portal(bus.address(), 2);
   open();
   ASSERT_TRUE(becomes(false));
   ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));

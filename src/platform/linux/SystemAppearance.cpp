@@ -3,25 +3,23 @@
 #include "platform/linux/MainThreadCall.hpp"
 #include "platform/linux/appearance/DarkTheme.hpp"
 #include "platform/linux/appearance/FontDescription.hpp"
+#include "platform/linux/appearance/PortalColorScheme.hpp"
 
 #include <utility>
 
 namespace orvel {
 
 SystemAppearance::SystemAppearance(const X11Connection& connection)
-    : settings_(connection),
-      told_(read()),
-      change_(std::make_shared<MainThreadCall>([this] {
+    : settings_(connection), told_(read()), change_(std::make_shared<MainThreadCall>([this] {
         if (changed_) changed_();
-      })),
-      portal_([change = change_] { change->ask(); }) {}
+      })) {}
 
 SystemAppearance::~SystemAppearance() {
   change_->cancel();
 }
 
 std::optional<bool> SystemAppearance::isDark() const {
-  if (const auto said = portal_.isDark()) return said;
+  if (const auto said = portal_ ? portal_->isDark() : std::nullopt) return said;
   const std::string theme = told_.withLock([](const Told& told) { return told.theme; });
   return theme.empty() ? std::nullopt : std::optional(isDarkTheme(theme));
 }
@@ -32,6 +30,7 @@ std::optional<DesktopFont> SystemAppearance::font() const {
 
 void SystemAppearance::observe(std::function<void()> changed) {
   changed_ = std::move(changed);
+  portal_ = std::make_unique<PortalColorScheme>([this] { changed_(); });
 }
 
 void SystemAppearance::handle(const xcb_generic_event_t& event) {

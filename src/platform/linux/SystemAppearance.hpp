@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/appearance/PortalColorScheme.hpp"
 #include "platform/linux/x11/XSettingsWatch.hpp"
 #include "ui/Appearance.hpp"
 
@@ -15,6 +14,7 @@
 namespace orvel {
 
 class MainThreadCall;
+class PortalColorScheme;
 class X11Connection;
 
 /// What the settings portal says of light and dark, or else the name of the theme that the desktop tells all programs
@@ -49,7 +49,7 @@ class SystemAppearance final : public Appearance {
   Guarded<Told> told_;
   std::function<void()> changed_;
   const std::shared_ptr<MainThreadCall> change_;
-  const PortalColorScheme portal_;
+  std::unique_ptr<PortalColorScheme> portal_;  // once somebody wants to know
 };
 
 }  // namespace orvel

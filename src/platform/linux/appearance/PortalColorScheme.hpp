@@ -1,42 +1,42 @@
 #pragma once
 
 #include "base/Executor.hpp"
-#include "base/Guarded.hpp"
-#include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/bus/MessageBus.hpp"
 
-#include <gio/gio.h>
-
+#include <QDBusConnection>
+#include <QDBusPendingCall>
+#include <QDBusServiceWatcher>
+#include <QTimer>
+#include <array>
 #include <memory>
 #include <optional>
-#include <thread>
 
 namespace orvel {
 
 /// Whether the user wants programs to be dark, as the desktop's portal for settings says. It is asked as soon as it is
-/// there, and never started.
+/// there, and never started. Nothing here waits for it.
 ///
-/// Threads: made and destroyed on one, which waits for nobody; `isDark` on any.
+/// Threads: the main thread.
 class PortalColorScheme {
  public:
-  /// `changed` is called on any thread, for a moment even after this object has gone.
+  /// Asks once the main loop runs. `changed` is called for every other answer than the last one.
   explicit PortalColorScheme(Task changed);
-  ~PortalColorScheme();
   PortalColorScheme(const PortalColorScheme&) = delete;
   PortalColorScheme& operator=(const PortalColorScheme&) = delete;
 
-  /// Nothing where nobody has said.
-  std::optional<bool> isDark() const;
+  /// Nothing where there is no answer, or the user has no preference.
+  std::optional<bool> isDark() const { return isDark_; }
 
  private:
-  class Answer;
+  void connect();
+  void ask();
+  void take(const QDBusPendingCall& answer);
 
-  void connect(const std::string& address);
-
-  const std::shared_ptr<Answer> answer_;
-  const GLibPointer<GCancellable> cancellation_;
-  std::optional<MessageBus> bus_;  // for the thread, while that runs
-  std::thread thread_;
+  const Task changed_;
+  QTimer soon_;  // however much is signalled, it is asked once
+  std::optional<QDBusConnection> bus_;
+  std::unique_ptr<QDBusServiceWatcher> owner_;
+  std::array<std::unique_ptr<QDBusPendingCallWatcher>, 2> questions_;  // one by each method
+  std::optional<bool> isDark_;
 };
 
 }  // namespace orvel
