@@ -1,7 +1,7 @@
 #include "MacTest.hpp"
 #include "frameworks/Bonjour.hpp"
 #include "platform/macos/SystemAdvertiser.hpp"
-#include "platform/macos/bonjour/WakeUpPipe.hpp"
+#include "platform/macos/WakeUpPipe.hpp"
 
 #include <arpa/inet.h>
 #include <fcntl.h>

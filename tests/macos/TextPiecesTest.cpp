@@ -1,5 +1,5 @@
 #include "MacTest.hpp"
-#include "platform/macos/events/TextPieces.hpp"
+#include "platform/macos/TextPieces.hpp"
 
 #include <gmock/gmock.h>
 

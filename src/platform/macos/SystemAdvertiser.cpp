@@ -1,14 +1,19 @@
 #include "platform/macos/SystemAdvertiser.hpp"
 
-#include "platform/macos/bonjour/BonjourRegistration.hpp"
-#include "platform/macos/bonjour/WakeUpPipe.hpp"
+#include "base/UTF8.hpp"
+#include "platform/ServiceName.hpp"
+#include "platform/macos/WakeUpPipe.hpp"
 
+#include <arpa/inet.h>
+#include <dns_sd.h>
 #include <poll.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace orvel {
@@ -19,6 +24,79 @@ using std::chrono::milliseconds;
 /// A daemon that restarts is back soon; a permission that the user has not given may take days.
 constexpr std::array retryDelays = {milliseconds(50), milliseconds(200), milliseconds(1000), milliseconds(5000),
                                     milliseconds(30000)};
+
+/// What is announced: where the port of this computer leads to.
+struct BonjourService {
+  std::string name;
+  std::string type;
+  std::uint16_t port = 0;
+};
+
+/// A service that the system's daemon was asked to announce, for as long as this lives. The daemon takes another name
+/// when that one is taken.
+///
+/// Threads: one. Making it may take as long as the daemon does.
+class BonjourRegistration {
+ public:
+  explicit BonjourRegistration(const BonjourService& service);
+  ~BonjourRegistration();
+  BonjourRegistration(const BonjourRegistration&) = delete;
+  BonjourRegistration& operator=(const BonjourRegistration&) = delete;
+
+  /// Why it is not announced, and never will be by this registration; kDNSServiceErr_NoError otherwise.
+  DNSServiceErrorType error() const { return error_; }
+
+  /// Whether the daemon has said that the service is announced.
+  bool isConfirmed() const { return isConfirmed_; }
+
+  /// Can be read once the daemon has something to say, to which `process` then listens.
+  int descriptor() const;
+  void process();
+
+ private:
+  void answered(DNSServiceErrorType error);
+
+  DNSServiceRef reference_ = nullptr;
+  DNSServiceErrorType error_ = kDNSServiceErr_NoError;
+  bool isConfirmed_ = false;
+};
+
+BonjourRegistration::BonjourRegistration(const BonjourService& service) {
+  // The library may abort the program for it.
+  if (!isValidUTF8(service.name)) {
+    error_ = kDNSServiceErr_BadParam;
+    return;
+  }
+  constexpr DNSServiceFlags none = 0;
+  constexpr std::uint32_t everyInterface = 0;
+  error_ = DNSServiceRegister(
+      &reference_, none, everyInterface, fittingServiceName(service.name).c_str(), service.type.c_str(), nullptr,
+      nullptr, htons(service.port), 0, nullptr,
+      [](DNSServiceRef, DNSServiceFlags, DNSServiceErrorType error, const char*, const char*, const char*, void* self) {
+        static_cast<BonjourRegistration*>(self)->answered(error);
+      },
+      this);
+  // What a failed call leaves behind is nobody's.
+  if (error_ != kDNSServiceErr_NoError) reference_ = nullptr;
+}
+
+BonjourRegistration::~BonjourRegistration() {
+  if (reference_ != nullptr) DNSServiceRefDeallocate(reference_);
+}
+
+int BonjourRegistration::descriptor() const {
+  return reference_ == nullptr ? -1 : DNSServiceRefSockFD(reference_);
+}
+
+void BonjourRegistration::process() {
+  const DNSServiceErrorType error = DNSServiceProcessResult(reference_);
+  if (error != kDNSServiceErr_NoError) error_ = error;
+}
+
+void BonjourRegistration::answered(DNSServiceErrorType error) {
+  error_ = error;
+  isConfirmed_ = error == kDNSServiceErr_NoError;
+}
 
 }  // namespace
 

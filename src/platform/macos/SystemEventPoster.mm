@@ -1,10 +1,12 @@
 #include "platform/macos/SystemEventPoster.hpp"
 
 #include "platform/macos/CFPointer.hpp"
-#include "platform/macos/events/SystemDefined.hpp"
-#include "platform/macos/events/TextPieces.hpp"
+#include "platform/macos/TextPieces.hpp"
 
+#import <AppKit/AppKit.h>
 #include <CoreGraphics/CoreGraphics.h>
+#import <IOKit/pwr_mgt/IOPMLib.h>
+#import <dispatch/dispatch.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -19,6 +21,9 @@ using Event = CFPointer<CGEventRef>;
 constexpr CGKeyCode keyOfText = 0;
 constexpr CGEventFlags noModifiers = 0;
 constexpr std::uint32_t wheels = 2;
+
+/// Less than any setting for the sleep of a display, so that it stays awake while a phone is used.
+constexpr Seconds declarationInterval{5};
 
 bool isMotion(MouseEventType type) {
   return type == MouseEventType::moved || type == MouseEventType::leftDragged || type == MouseEventType::rightDragged;
@@ -42,6 +47,27 @@ Event makeText(const std::u16string& text, bool down) {
   return event;
 }
 
+/// Null when the system cannot make it. It is made on the thread that posts, whichever that is: by way of the main
+/// thread it would be overtaken by events that are posted after it. AppKit names events among what may be made on any
+/// thread, as long as they stay there; this one has no window and goes before we return.
+Event makeSystemDefined(const SystemDefinedEvent& event) {
+  @autoreleasepool {
+    NSEvent* made = [NSEvent otherEventWithType:NSEventTypeSystemDefined
+                                       location:NSPoint {}
+                                  modifierFlags:static_cast<NSEventModifierFlags>(event.flags)
+                                      timestamp:0
+                                   windowNumber:0
+                                        context:nil
+                                        subtype:event.subtype
+                                          data1:event.data1
+                                          data2:event.data2];
+    // It belongs to the pool, which is gone when it is posted.
+    CGEventRef borrowed = made.CGEvent;
+    if (borrowed != nullptr) CFRetain(borrowed);
+    return Event(borrowed);
+  }
+}
+
 /// Where the system says that the pointer is. It may not have handled what was just posted.
 std::optional<Point> reportedLocation() {
   const Event blank(CGEventCreate(nullptr));
@@ -51,6 +77,37 @@ std::optional<Point> reportedLocation() {
 }
 
 }  // namespace
+
+void UserActivity::declare() {
+  if (!takeDue()) return;
+  const std::shared_ptr<Guarded<State>> state = state_;
+  dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
+    @autoreleasepool {
+      renew(*state);
+    }
+  });
+}
+
+bool UserActivity::takeDue() {
+  const Seconds now = clock_.now();
+  return state_->withLock([now](State& state) {
+    if (state.isRenewing || (state.declaredAt && now - *state.declaredAt < declarationInterval)) return false;
+    state.declaredAt = now;
+    state.isRenewing = true;
+    return true;
+  });
+}
+
+void UserActivity::renew(Guarded<State>& guarded) {
+  IOPMAssertionID assertion = guarded.withLock([](const State& state) { return state.assertion; });
+  // Who holds the phone looks at this display. A remote user would leave it dark.
+  const bool isTaken =
+      IOPMAssertionDeclareUserActivity(CFSTR("Orvel: input from a phone"), kIOPMUserActiveLocal, &assertion) == 0;
+  guarded.withLock([=](State& state) {
+    if (isTaken) state.assertion = assertion;
+    state.isRenewing = false;
+  });
+}
 
 // The threads that post live as long as the program and have no pool, and what the system leaves to one is its own
 // affair.

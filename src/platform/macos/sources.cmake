@@ -2,8 +2,6 @@
 set(ORVEL_MACOS_SOURCES
     ../posix/HostName.cpp
     ../posix/NetworkInterfaces.cpp
-    bonjour/BonjourRegistration.cpp
-    bonjour/WakeUpPipe.cpp
     capture/DisplayContent.mm
     capture/DisplayStream.mm
     capture/Failure.mm
@@ -11,16 +9,11 @@ set(ORVEL_MACOS_SOURCES
     capture/OrvelStreamOutput.mm
     capture/SampleFrame.mm
     CFText.cpp
-    events/PointerTrail.cpp
-    events/SystemDefined.mm
-    events/TextPieces.cpp
-    events/UserActivity.mm
     FoundationText.mm
     IconDrawer.mm
-    instance/InstancePort.cpp
-    instance/ReopenRequests.mm
     MacPlatform.cpp
     OpenFiles.cpp
+    PointerTrail.cpp
     SystemAccessibilityTree.mm
     SystemActivity.mm
     SystemAdvertiser.cpp
@@ -30,7 +23,7 @@ set(ORVEL_MACOS_SOURCES
     SystemDisplays.cpp
     SystemEventPoster.mm
     SystemForeground.mm
-    SystemInstance.cpp
+    SystemInstance.mm
     SystemJPEGEncoder.mm
     SystemLoginItemService.mm
     SystemMachine.cpp
@@ -41,6 +34,8 @@ set(ORVEL_MACOS_SOURCES
     SystemStatusItem.mm
     SystemTrustCheck.mm
     SystemWorkspace.mm
+    TextPieces.cpp
     UserLanguage.mm
+    WakeUpPipe.cpp
     WindowServer.cpp
 )

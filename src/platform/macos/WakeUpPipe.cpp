@@ -1,4 +1,4 @@
-#include "platform/macos/bonjour/WakeUpPipe.hpp"
+#include "platform/macos/WakeUpPipe.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "platform/macos/events/PointerTrail.hpp"
+#include "platform/macos/PointerTrail.hpp"
 
 #include <algorithm>
 #include <cmath>

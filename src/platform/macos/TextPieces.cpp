@@ -1,4 +1,4 @@
-#include "platform/macos/events/TextPieces.hpp"
+#include "platform/macos/TextPieces.hpp"
 
 #include "base/Chunked.hpp"
 #include "base/UTF8.hpp"
