@@ -2,14 +2,9 @@
 set(ORVEL_MACOS_SOURCES
     ../posix/HostName.cpp
     ../posix/NetworkInterfaces.cpp
-    capture/DisplayContent.mm
-    capture/DisplayStream.mm
-    capture/Failure.mm
-    capture/FrameOffers.mm
-    capture/OrvelStreamOutput.mm
-    capture/SampleFrame.mm
     CFText.cpp
     FoundationText.mm
+    FrameOffers.mm
     IconDrawer.mm
     MacPlatform.cpp
     OpenFiles.cpp

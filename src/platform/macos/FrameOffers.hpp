@@ -12,8 +12,6 @@
 
 namespace orvel {
 
-class SampleFrame;
-
 /// Offers the samples of a stream as frames, and keeps the newest that was not taken: while nothing changes on the
 /// screen, the system has no other that shows it.
 ///
@@ -41,7 +39,9 @@ class FrameOffers final : public std::enable_shared_from_this<FrameOffers> {
   bool end();
 
  private:
-  void offer(SampleFrame& frame, CMSampleBufferRef sample);
+  class Sample;
+
+  void offer(Sample& frame, CMSampleBufferRef sample);
   void offerKept();
   void keep(CMSampleBufferRef sample);
   void offerAgainAt(dispatch_time_t when);

@@ -1,7 +1,8 @@
-#include "platform/macos/capture/FrameOffers.hpp"
+#include "platform/macos/FrameOffers.hpp"
 
-#include "platform/macos/capture/SampleFrame.hpp"
+#include "mirror/CapturedFrame.hpp"
 
+#include <optional>
 #include <utility>
 
 namespace orvel {
@@ -16,6 +17,57 @@ dispatch_queue_t makeQueue() {
 
 }  // namespace
 
+/// A sample of a stream, which must outlive it. Threads: the one on which it is handed over.
+class FrameOffers::Sample final : public CapturedFrame {
+ public:
+  Sample(CMSampleBufferRef sample, SCStreamOutputType type) : sample_(sample), type_(type) {}
+
+  bool isScreen() const override;
+  bool isValid() const override;
+  std::optional<std::int64_t> status() const override;
+  const PixelBuffer* pixels() override;
+
+  /// Whether it shows the screen, and not only that nothing has changed on it.
+  bool showsScreen() const;
+
+ private:
+  const CMSampleBufferRef sample_;
+  const SCStreamOutputType type_;
+  PixelBuffer picture_;
+};
+
+bool FrameOffers::Sample::isScreen() const {
+  return type_ == SCStreamOutputTypeScreen;
+}
+
+bool FrameOffers::Sample::isValid() const {
+  return CMSampleBufferIsValid(sample_);
+}
+
+std::optional<std::int64_t> FrameOffers::Sample::status() const {
+  const CFArrayRef attachments = CMSampleBufferGetSampleAttachmentsArray(sample_, false);
+  NSDictionary<SCStreamFrameInfo, id>* first = ((__bridge NSArray*)attachments).firstObject;
+  NSNumber* status = first[SCStreamFrameInfoStatus];
+  if (![status isKindOfClass:NSNumber.class]) return std::nullopt;
+  const NSInteger whole = status.integerValue;
+  if (![status isEqual:@(whole)]) return std::nullopt;
+  return whole;
+}
+
+const PixelBuffer* FrameOffers::Sample::pixels() {
+  const CVImageBufferRef buffer = CMSampleBufferGetImageBuffer(sample_);
+  if (buffer == nullptr) return nullptr;
+  picture_ = {.width = static_cast<int>(CVPixelBufferGetWidth(buffer)),
+              .height = static_cast<int>(CVPixelBufferGetHeight(buffer)),
+              .native = buffer};
+  return &picture_;
+}
+
+bool FrameOffers::Sample::showsScreen() const {
+  return isScreen() && isValid() && status().value_or(SCFrameStatusComplete) == SCFrameStatusComplete &&
+         CMSampleBufferGetImageBuffer(sample_) != nullptr;
+}
+
 FrameOffers::FrameOffers(int framesPerSecond, CaptureStream::Handlers handlers)
     : queue_(makeQueue()),
       frameInterval_(static_cast<std::int64_t>(NSEC_PER_SEC) / framesPerSecond),
@@ -23,7 +75,7 @@ FrameOffers::FrameOffers(int framesPerSecond, CaptureStream::Handlers handlers)
 
 void FrameOffers::sampleCame(CMSampleBufferRef sample, SCStreamOutputType type) {
   if (hasEnded_) return;
-  SampleFrame frame(sample, type);
+  Sample frame(sample, type);
   if (!receiverWaits_) {
     offer(frame, sample);
   } else if (frame.showsScreen()) {
@@ -31,7 +83,7 @@ void FrameOffers::sampleCame(CMSampleBufferRef sample, SCStreamOutputType type) 
   }
 }
 
-void FrameOffers::offer(SampleFrame& frame, CMSampleBufferRef sample) {
+void FrameOffers::offer(Sample& frame, CMSampleBufferRef sample) {
   const dispatch_time_t next = dispatch_time(DISPATCH_TIME_NOW, frameInterval_);
   const FrameAnswer answer = handlers_.frame(frame);
   if (hasEnded_) return;
@@ -44,7 +96,7 @@ void FrameOffers::offer(SampleFrame& frame, CMSampleBufferRef sample) {
 void FrameOffers::offerKept() {
   if (hasEnded_ || !kept_) return;
   const auto sample = std::exchange(kept_, nullptr);
-  SampleFrame frame(sample.get(), SCStreamOutputTypeScreen);
+  Sample frame(sample.get(), SCStreamOutputTypeScreen);
   offer(frame, sample.get());
 }
 
