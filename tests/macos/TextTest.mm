@@ -1,6 +1,5 @@
 #include "MacTest.hpp"
-#include "platform/macos/CFText.hpp"
-#include "platform/macos/FoundationText.hpp"
+#include "platform/macos/NativeText.hpp"
 #include "runtime/Foundation.hpp"
 
 #include <string>
@@ -12,32 +11,32 @@ using TextTest = MacTest;
 
 TEST_F(TextTest, GoesBothWays) {
   for (const std::string text : {"", "Orvel", "Büro – 日本 👍🏽"}) {
-    const auto there = CFText::toSystem(text);
+    const auto there = NativeText::toCF(text);
     ASSERT_TRUE(there);
-    EXPECT_EQ(CFText::fromSystem(there.get()), text);
+    EXPECT_EQ(NativeText::fromCF(there.get()), text);
   }
 }
 
 TEST_F(TextTest, NoneIsEmpty) {
-  EXPECT_EQ(CFText::fromSystem(nullptr), "");
+  EXPECT_EQ(NativeText::fromCF(nullptr), "");
 }
 
 TEST_F(TextTest, ALiteralIsReadAsAnyOther) {
-  EXPECT_EQ(CFText::fromSystem(CFSTR("AXButton")), "AXButton");
-  EXPECT_EQ(CFText::fromSystem((__bridge CFStringRef) @"AXLink"), "AXLink");
+  EXPECT_EQ(NativeText::fromCF(CFSTR("AXButton")), "AXButton");
+  EXPECT_EQ(NativeText::fromCF((__bridge CFStringRef) @"AXLink"), "AXLink");
 }
 
 TEST_F(TextTest, OtherBytesAreNone) {
   for (const char* bytes : {"\xff", "\xc3", "\xa9", "fine \xe4\xb8 not"})
-    EXPECT_FALSE(CFText::toSystem(bytes)) << bytes;
+    EXPECT_FALSE(NativeText::toCF(bytes)) << bytes;
 }
 
 TEST_F(TextTest, GoesBothWaysInObjectiveC) {
   for (const std::string text : {"", "Orvel", "Büro – 日本 👍🏽"}) {
-    EXPECT_EQ(FoundationText::fromSystem(FoundationText::toSystem(text)), text);
+    EXPECT_EQ(NativeText::fromNS(NativeText::toNS(text)), text);
   }
-  EXPECT_EQ(FoundationText::fromSystem(nil), std::nullopt);
-  EXPECT_EQ(FoundationText::toSystem("\xff"), nil);
+  EXPECT_EQ(NativeText::fromNS(nil), std::nullopt);
+  EXPECT_EQ(NativeText::toNS("\xff"), nil);
 }
 
 }  // namespace

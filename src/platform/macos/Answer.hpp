@@ -1,14 +1,34 @@
 #pragma once
 
-#include "platform/macos/Patience.hpp"
-
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <utility>
 
 namespace orvel {
+
+/// How long answers of the system are waited for: as long as it takes, until this ends. Threads: any.
+class Patience {
+ public:
+  /// Nobody waits any more.
+  void end() {
+    {
+      const std::lock_guard lock(mutex_);
+      hasEnded_ = true;
+    }
+    changed_.notify_all();
+  }
+
+ private:
+  template <class Value>
+  friend class Answer;
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool hasEnded_ = false;
+};
 
 /// One answer of the system's, which comes on a thread of its own: at once, late or never. It is shared by who waits
 /// and who answers, so that an answer may find that nobody waits any more.

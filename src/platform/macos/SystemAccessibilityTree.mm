@@ -1,8 +1,7 @@
 #include "platform/macos/SystemAccessibilityTree.hpp"
 
 #include "platform/macos/Answer.hpp"
-#include "platform/macos/CFText.hpp"
-#include "platform/macos/Patience.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <Foundation/Foundation.h>
 #import <dispatch/dispatch.h>
@@ -21,7 +20,7 @@ constexpr std::chrono::milliseconds longestWait{500};
 
 std::optional<std::string> text(const Value& value) {
   if (!value || CFGetTypeID(value.get()) != CFStringGetTypeID()) return std::nullopt;
-  return CFText::fromSystem(static_cast<CFStringRef>(value.get()));
+  return NativeText::fromCF(static_cast<CFStringRef>(value.get()));
 }
 
 /// What `value` holds, when that is of the type that `type` names.

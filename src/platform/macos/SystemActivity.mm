@@ -1,6 +1,6 @@
 #include "platform/macos/SystemActivity.hpp"
 
-#include "platform/macos/CFText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <Foundation/Foundation.h>
 
@@ -17,7 +17,7 @@ SystemActivity::~SystemActivity() {
 }
 
 bool SystemActivity::begin(const std::string& reason) {
-  const auto text = CFText::toSystem(reason);
+  const auto text = NativeText::toCF(reason);
   if (!text) return false;
   end();
   // Not one that is critical for latency, which costs power all the time: what must not wait comes by the network and

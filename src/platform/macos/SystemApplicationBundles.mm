@@ -1,8 +1,7 @@
 #include "platform/macos/SystemApplicationBundles.hpp"
 
 #include "platform/macos/CFPointer.hpp"
-#include "platform/macos/CFText.hpp"
-#include "platform/macos/FoundationText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <Foundation/Foundation.h>
 
@@ -15,7 +14,7 @@ std::vector<std::string> applicationFolders() {
   @autoreleasepool {
     std::vector<std::string> folders = {"/Applications", "/Applications/Utilities", "/System/Applications",
                                         "/System/Applications/Utilities"};
-    if (const auto home = FoundationText::fromSystem(NSHomeDirectory())) folders.push_back(*home + "/Applications");
+    if (const auto home = NativeText::fromNS(NSHomeDirectory())) folders.push_back(*home + "/Applications");
     return folders;
   }
 }
@@ -23,7 +22,7 @@ std::vector<std::string> applicationFolders() {
 /// Nothing for anything but a text: those who write bundles put there what they like.
 std::optional<std::string> textIn(CFTypeRef value) {
   if (value == nullptr || CFGetTypeID(value) != CFStringGetTypeID()) return std::nullopt;
-  return CFText::fromSystem(static_cast<CFStringRef>(value));
+  return NativeText::fromCF(static_cast<CFStringRef>(value));
 }
 
 }  // namespace
@@ -40,13 +39,13 @@ std::string_view SystemApplicationBundles::suffix() const {
 
 std::optional<std::vector<std::string>> SystemApplicationBundles::list(const std::string& folder) {
   @autoreleasepool {
-    NSString* path = FoundationText::toSystem(folder);
+    NSString* path = NativeText::toNS(folder);
     if (path == nil) return std::nullopt;
     NSArray<NSString*>* names = [NSFileManager.defaultManager contentsOfDirectoryAtPath:path error:nil];
     if (names == nil) return std::nullopt;
     std::vector<std::string> entries;
     for (NSString* name in names) {
-      if (auto entry = FoundationText::fromSystem(name)) entries.push_back(std::move(*entry));
+      if (auto entry = NativeText::fromNS(name)) entries.push_back(std::move(*entry));
     }
     return entries;
   }
@@ -54,7 +53,7 @@ std::optional<std::vector<std::string>> SystemApplicationBundles::list(const std
 
 std::optional<ApplicationBundle> SystemApplicationBundles::read(const std::string& path, const std::string&) {
   @autoreleasepool {
-    NSString* location = FoundationText::toSystem(path);
+    NSString* location = NativeText::toNS(path);
     if (location == nil) return std::nullopt;
     // An NSBundle may be kept by its class, and would go on telling what was on disk when it was made.
     const CFPointer<CFBundleRef> bundle(CFBundleCreate(nullptr, (__bridge CFURLRef)[NSURL fileURLWithPath:location]));

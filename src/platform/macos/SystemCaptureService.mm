@@ -1,9 +1,8 @@
 #include "platform/macos/SystemCaptureService.hpp"
 
 #include "platform/macos/Answer.hpp"
-#include "platform/macos/CFText.hpp"
 #include "platform/macos/FrameOffers.hpp"
-#include "platform/macos/Patience.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #include <CoreGraphics/CoreGraphics.h>
 #import <ScreenCaptureKit/ScreenCaptureKit.h>
@@ -47,7 +46,7 @@ namespace {
 /// Why the system captures nothing, in its own words; nil when it does not say why.
 CaptureFailure failureOf(NSError* error) {
   if (error == nil) return {"The system cannot capture the screen."};
-  return {CFText::fromSystem((__bridge CFStringRef)error.localizedDescription)};
+  return {NativeText::fromCF((__bridge CFStringRef)error.localizedDescription)};
 }
 
 /// The system says nothing at all.

@@ -1,7 +1,7 @@
 #include "platform/macos/SystemMachine.hpp"
 
 #include "platform/macos/CFPointer.hpp"
-#include "platform/macos/CFText.hpp"
+#include "platform/macos/NativeText.hpp"
 #include "platform/posix/HostName.hpp"
 #include "platform/posix/NetworkInterfaces.hpp"
 
@@ -11,7 +11,7 @@ namespace orvel {
 
 std::optional<std::string> SystemMachine::localizedName() const {
   const CFPointer<CFStringRef> name(SCDynamicStoreCopyComputerName(nullptr, nullptr));
-  std::string text = CFText::fromSystem(name.get());
+  std::string text = NativeText::fromCF(name.get());
   if (text.empty()) return std::nullopt;
   return text;
 }

@@ -1,6 +1,6 @@
 #include "platform/macos/SystemPreferences.hpp"
 
-#include "platform/macos/FoundationText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <Foundation/Foundation.h>
 
@@ -13,17 +13,17 @@ namespace {
 /// Nothing for anything but a text, where NSUserDefaults itself would make one of a number.
 std::optional<std::string> textIn(id value) {
   if (![value isKindOfClass:NSString.class]) return std::nullopt;
-  return FoundationText::fromSystem(static_cast<NSString*>(value));
+  return NativeText::fromNS(static_cast<NSString*>(value));
 }
 
 id valueOf(const std::string& key) {
-  NSString* name = FoundationText::toSystem(key);
+  NSString* name = NativeText::toNS(key);
   return name == nil ? nil : [NSUserDefaults.standardUserDefaults objectForKey:name];
 }
 
 /// Nil removes.
 void store(id value, const std::string& key) {
-  NSString* name = FoundationText::toSystem(key);
+  NSString* name = NativeText::toNS(key);
   if (name != nil) [NSUserDefaults.standardUserDefaults setObject:value forKey:name];
 }
 
@@ -37,7 +37,7 @@ std::optional<std::string> SystemPreferences::string(const std::string& key) con
 
 void SystemPreferences::setString(const std::string& key, const std::string& value) {
   @autoreleasepool {
-    store(FoundationText::toSystem(value), key);
+    store(NativeText::toNS(value), key);
   }
 }
 
@@ -59,7 +59,7 @@ void SystemPreferences::setStrings(const std::string& key, const std::vector<std
   @autoreleasepool {
     NSMutableArray<NSString*>* texts = [NSMutableArray arrayWithCapacity:values.size()];
     for (const std::string& value : values) {
-      NSString* text = FoundationText::toSystem(value);
+      NSString* text = NativeText::toNS(value);
       if (text != nil) [texts addObject:text];
     }
     store(texts, key);

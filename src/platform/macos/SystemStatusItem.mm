@@ -1,6 +1,6 @@
 #include "platform/macos/SystemStatusItem.hpp"
 
-#include "platform/macos/CFText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <AppKit/AppKit.h>
 #import <dispatch/dispatch.h>
@@ -30,7 +30,7 @@ NSString* const name = @"Orvel";
 constexpr NSEventMask presses = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown;
 
 NSImage* imageOf(Symbol symbol) {
-  const auto symbolName = CFText::toSystem(systemName(symbol));
+  const auto symbolName = NativeText::toCF(systemName(symbol));
   NSImage* const image = [NSImage imageWithSystemSymbolName:(__bridge NSString*)symbolName.get()
                                    accessibilityDescription:name];
   // In the colour that the menu bar has its texts in.

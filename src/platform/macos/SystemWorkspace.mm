@@ -1,10 +1,11 @@
 #include "platform/macos/SystemWorkspace.hpp"
 
-#include "platform/macos/FoundationText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <AppKit/AppKit.h>
 #import <dispatch/dispatch.h>
 
+#include <cmath>
 #include <cstdint>
 
 namespace orvel {
@@ -15,9 +16,9 @@ constexpr std::int64_t activationTimeout = NSEC_PER_SEC;
 
 RunningApplication describe(NSRunningApplication* program) {
   return {.instance = static_cast<std::uint64_t>(program.processIdentifier),
-          .identifier = FoundationText::fromSystem(program.bundleIdentifier),
-          .name = FoundationText::fromSystem(program.localizedName),
-          .location = FoundationText::fromSystem(program.bundleURL.path),
+          .identifier = NativeText::fromNS(program.bundleIdentifier),
+          .name = NativeText::fromNS(program.localizedName),
+          .location = NativeText::fromNS(program.bundleURL.path),
           .isRegular = program.activationPolicy == NSApplicationActivationPolicyRegular};
 }
 
@@ -25,7 +26,7 @@ RunningApplication describe(NSRunningApplication* program) {
 NSRunningApplication* find(const RunningApplication& application) {
   const auto process = static_cast<pid_t>(application.instance);
   NSRunningApplication* program = [NSRunningApplication runningApplicationWithProcessIdentifier:process];
-  const bool isSame = FoundationText::fromSystem(program.bundleIdentifier) == application.identifier;
+  const bool isSame = NativeText::fromNS(program.bundleIdentifier) == application.identifier;
   return isSame && !program.terminated ? program : nil;
 }
 
@@ -59,6 +60,43 @@ void openInFront(NSURL* location) {
   NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
   configuration.activates = YES;
   [NSWorkspace.sharedWorkspace openApplicationAtURL:location configuration:configuration completionHandler:nil];
+}
+
+constexpr double pixelsPerPoint = 2;
+constexpr NSInteger bitsPerSample = 8;
+constexpr NSInteger samplesPerPixel = 4;
+
+/// An empty square. It measures in points, and so does what is drawn into it.
+NSBitmapImageRep* makeSquare(double size) {
+  const auto pixels = static_cast<NSInteger>(std::lround(size * pixelsPerPoint));
+  NSBitmapImageRep* bitmap = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                                                     pixelsWide:pixels
+                                                                     pixelsHigh:pixels
+                                                                  bitsPerSample:bitsPerSample
+                                                                samplesPerPixel:samplesPerPixel
+                                                                       hasAlpha:YES
+                                                                       isPlanar:NO
+                                                                 colorSpaceName:NSDeviceRGBColorSpace
+                                                                    bytesPerRow:0
+                                                                   bitsPerPixel:0];
+  // The colours of a device would be those of this computer's screen.
+  NSBitmapImageRep* square = [bitmap bitmapImageRepByRetaggingWithColorSpace:NSColorSpace.sRGBColorSpace];
+  square.size = NSSize{.width = size, .height = size};
+  return square;
+}
+
+bool fill(NSBitmapImageRep* square, NSImage* icon) {
+  NSGraphicsContext* context = [NSGraphicsContext graphicsContextWithBitmapImageRep:square];
+  if (context == nil) return false;
+  [NSGraphicsContext saveGraphicsState];
+  NSGraphicsContext.currentContext = context;
+  context.imageInterpolation = NSImageInterpolationHigh;
+  [icon drawInRect:NSRect{.origin = {}, .size = square.size}
+          fromRect:NSRect{.origin = {}, .size = icon.size}
+         operation:NSCompositingOperationCopy
+          fraction:1.0];
+  [NSGraphicsContext restoreGraphicsState];
+  return true;
 }
 
 id<NSObject> observe(const std::function<void()>& handler) {
@@ -111,14 +149,24 @@ std::vector<RunningApplication> SystemWorkspace::runningApplications() {
 
 std::optional<std::string> SystemWorkspace::location(const std::string& identifier) {
   @autoreleasepool {
-    NSString* bundle = FoundationText::toSystem(identifier);
+    NSString* bundle = NativeText::toNS(identifier);
     if (bundle == nil) return std::nullopt;
-    return FoundationText::fromSystem([NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:bundle].path);
+    return NativeText::fromNS([NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:bundle].path);
   }
 }
 
 std::optional<std::vector<std::uint8_t>> SystemWorkspace::icon(const std::string& path, double size) {
-  return icons_.draw(path, size);
+  const std::lock_guard guard(drawing_);
+  @autoreleasepool {
+    NSString* file = NativeText::toNS(path);
+    NSBitmapImageRep* square = makeSquare(size);
+    if (file == nil || square == nil) return std::nullopt;
+    if (!fill(square, [NSWorkspace.sharedWorkspace iconForFile:file])) return std::nullopt;
+    NSData* png = [square representationUsingType:NSBitmapImageFileTypePNG properties:@{}];
+    if (png == nil) return std::nullopt;
+    const auto* bytes = static_cast<const std::uint8_t*>(png.bytes);
+    return std::vector<std::uint8_t>(bytes, bytes + png.length);
+  }
 }
 
 void SystemWorkspace::activate(const RunningApplication& application) {
@@ -141,7 +189,7 @@ void SystemWorkspace::terminate(const RunningApplication& application) {
 
 void SystemWorkspace::open(const std::string& path) {
   @autoreleasepool {
-    NSString* file = FoundationText::toSystem(path);
+    NSString* file = NativeText::toNS(path);
     if (file != nil) openInFront([NSURL fileURLWithPath:file]);
   }
 }

@@ -2,7 +2,7 @@
 
 #include "base/Chunked.hpp"
 #include "base/UTF8.hpp"
-#include "platform/macos/CFText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #include <cstddef>
 #include <string_view>
@@ -31,7 +31,7 @@ void append(std::u16string_view character, std::vector<std::u16string>& pieces) 
 std::string utf8(const std::u16string& text) {
   const CFPointer<CFStringRef> units(CFStringCreateWithCharacters(
       nullptr, reinterpret_cast<const UniChar*>(text.data()), static_cast<CFIndex>(text.size())));
-  return CFText::fromSystem(units.get());
+  return NativeText::fromCF(units.get());
 }
 
 }  // namespace

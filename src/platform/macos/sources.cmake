@@ -2,13 +2,11 @@
 set(ORVEL_MACOS_SOURCES
     ../posix/HostName.cpp
     ../posix/NetworkInterfaces.cpp
-    CFText.cpp
-    FoundationText.mm
     FrameOffers.mm
-    IconDrawer.mm
     MacPlatform.cpp
-    OpenFiles.cpp
+    NativeText.mm
     PointerTrail.cpp
+    ProcessSetup.mm
     SystemAccessibilityTree.mm
     SystemActivity.mm
     SystemAdvertiser.cpp
@@ -30,7 +28,5 @@ set(ORVEL_MACOS_SOURCES
     SystemTrustCheck.mm
     SystemWorkspace.mm
     TextPieces.cpp
-    UserLanguage.mm
     WakeUpPipe.cpp
-    WindowServer.cpp
 )

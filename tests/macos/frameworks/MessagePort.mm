@@ -1,6 +1,6 @@
 #include "frameworks/MessagePort.hpp"
 
-#include "platform/macos/CFText.hpp"
+#include "platform/macos/NativeText.hpp"
 
 #import <Foundation/Foundation.h>
 
@@ -53,7 +53,7 @@ void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode m
 CFMessagePortRef CFMessagePortCreateLocal(CFAllocatorRef, CFStringRef name, CFMessagePortCallBack callout,
                                           CFMessagePortContext* context, Boolean* shouldFreeInfo) {
   fake::MessagePorts& ports = fake::messagePorts();
-  const std::string text = orvel::CFText::fromSystem(name);
+  const std::string text = orvel::NativeText::fromCF(name);
   if (ports.takenBehindBack) ports.takenName = text;
   if (shouldFreeInfo != nullptr) *shouldFreeInfo = ports.givesNone || ports.takenName == text;
   if (ports.givesNone || ports.takenName == text) {
@@ -70,7 +70,7 @@ CFMessagePortRef CFMessagePortCreateLocal(CFAllocatorRef, CFStringRef name, CFMe
 }
 
 CFMessagePortRef CFMessagePortCreateRemote(CFAllocatorRef, CFStringRef name) {
-  const std::string text = orvel::CFText::fromSystem(name);
+  const std::string text = orvel::NativeText::fromCF(name);
   if (fake::messagePorts().takenName != text) return nullptr;
   MessagePort* port = [[MessagePort alloc] init];
   port->name_ = text;
@@ -95,7 +95,7 @@ SInt32 CFMessagePortSendRequest(CFMessagePortRef remote, SInt32, CFDataRef, CFTi
   ports.sentTo = ((__bridge MessagePort*)remote)->name_;
   ports.sendTimeout = sendTimeout;
   ports.receiveTimeout = receiveTimeout;
-  ports.waitedIn = orvel::CFText::fromSystem(replyMode);
+  ports.waitedIn = orvel::NativeText::fromCF(replyMode);
   // Without a mode nobody waits, and there is no answer.
   if (ports.answer == kCFMessagePortSuccess && ports.answersWithData && replyMode != nullptr) {
     constexpr UInt8 byte = 7;

@@ -1,10 +1,12 @@
-#include "platform/macos/CFText.hpp"
+#include "platform/macos/NativeText.hpp"
+
+#import <Foundation/Foundation.h>
 
 #include <cstddef>
 
 namespace orvel {
 
-std::string CFText::fromSystem(CFStringRef text) {
+std::string NativeText::fromCF(CFStringRef text) {
   if (text == nullptr) return {};
   const CFRange whole{.location = 0, .length = CFStringGetLength(text)};
   const auto get = [&](UInt8* buffer, CFIndex size, CFIndex* used) {
@@ -17,10 +19,19 @@ std::string CFText::fromSystem(CFStringRef text) {
   return bytes;
 }
 
-CFPointer<CFStringRef> CFText::toSystem(std::string_view text) {
+CFPointer<CFStringRef> NativeText::toCF(std::string_view text) {
   const auto* bytes = reinterpret_cast<const UInt8*>(text.data());
   return CFPointer<CFStringRef>(
       CFStringCreateWithBytes(nullptr, bytes, static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, 0));
+}
+
+std::optional<std::string> NativeText::fromNS(NSString* text) {
+  if (text == nil) return std::nullopt;
+  return fromCF((__bridge CFStringRef)text);
+}
+
+NSString* NativeText::toNS(std::string_view text) {
+  return (__bridge_transfer NSString*)toCF(text).release();
 }
 
 }  // namespace orvel

@@ -1,7 +1,7 @@
 #include "BareThread.hpp"
 #include "MacTest.hpp"
 #include "frameworks/IconDrawing.hpp"
-#include "platform/macos/IconDrawer.hpp"
+#include "platform/macos/SystemWorkspace.hpp"
 
 #include <chrono>
 #include <thread>
@@ -11,27 +11,27 @@ namespace {
 
 constexpr double drawnSize = 56;
 
-class IconDrawerTest : public MacTest {
+class WorkspaceIconTest : public MacTest {
  protected:
   void SetUp() override {
     MacTest::SetUp();
     fake::iconDrawing() = {};
   }
 
-  IconDrawer icons_;
+  SystemWorkspace workspace_;
 };
 
-TEST_F(IconDrawerTest, IsThePNGOfWhatWasDrawn) {
+TEST_F(WorkspaceIconTest, IsThePNGOfWhatWasDrawn) {
   onBareThread([&] {
-    EXPECT_EQ(icons_.draw("/Applications/Büro.app", drawnSize), fake::iconDrawing().png);
+    EXPECT_EQ(workspace_.icon("/Applications/Büro.app", drawnSize), fake::iconDrawing().png);
     EXPECT_EQ(fake::savedGraphicsStates(), 0u);
   });
   EXPECT_EQ(fake::iconDrawing().file, "/Applications/Büro.app");
   EXPECT_EQ(fake::iconDrawing().format, 4u);
 }
 
-TEST_F(IconDrawerTest, TheWholeIconFillsASquareOfThatManyPoints) {
-  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", drawnSize));
+TEST_F(WorkspaceIconTest, TheWholeIconFillsASquareOfThatManyPoints) {
+  ASSERT_TRUE(workspace_.icon("/Applications/Editor.app", drawnSize));
   const fake::IconDrawing& drawing = fake::iconDrawing();
   EXPECT_EQ(drawing.place.origin.x, 0);
   EXPECT_EQ(drawing.place.origin.y, 0);
@@ -46,8 +46,8 @@ TEST_F(IconDrawerTest, TheWholeIconFillsASquareOfThatManyPoints) {
   EXPECT_EQ(drawing.interpolation, 3u);
 }
 
-TEST_F(IconDrawerTest, APointIsTwoPixelsOfTheCommonColours) {
-  ASSERT_TRUE(icons_.draw("/Applications/Editor.app", drawnSize));
+TEST_F(WorkspaceIconTest, APointIsTwoPixelsOfTheCommonColours) {
+  ASSERT_TRUE(workspace_.icon("/Applications/Editor.app", drawnSize));
   const fake::IconDrawing& drawing = fake::iconDrawing();
   EXPECT_EQ(drawing.width, 112);
   EXPECT_EQ(drawing.height, 112);
@@ -57,21 +57,21 @@ TEST_F(IconDrawerTest, APointIsTwoPixelsOfTheCommonColours) {
   EXPECT_TRUE(drawing.isTagged);
 }
 
-TEST_F(IconDrawerTest, IsNothingWhenAnyStepFails) {
+TEST_F(WorkspaceIconTest, IsNothingWhenAnyStepFails) {
   for (const char* step : {"bitmap", "colour", "context", "png"}) {
     fake::iconDrawing().failing = {step};
-    EXPECT_EQ(icons_.draw("/Applications/Editor.app", drawnSize), std::nullopt) << step;
+    EXPECT_EQ(workspace_.icon("/Applications/Editor.app", drawnSize), std::nullopt) << step;
     EXPECT_EQ(fake::savedGraphicsStates(), 0u) << step;
   }
 }
 
-TEST_F(IconDrawerTest, IsNothingForAPathThatIsNoText) {
-  EXPECT_EQ(icons_.draw("\xff", drawnSize), std::nullopt);
+TEST_F(WorkspaceIconTest, IsNothingForAPathThatIsNoText) {
+  EXPECT_EQ(workspace_.icon("\xff", drawnSize), std::nullopt);
 }
 
-TEST_F(IconDrawerTest, DrawsForOneThreadAtATime) {
+TEST_F(WorkspaceIconTest, DrawsForOneThreadAtATime) {
   fake::iconDrawing().patience = std::chrono::milliseconds(50);
-  const auto draw = [this] { icons_.draw("/Applications/Editor.app", drawnSize); };
+  const auto draw = [this] { workspace_.icon("/Applications/Editor.app", drawnSize); };
   std::thread other(draw);
   draw();
   other.join();
