@@ -1,8 +1,7 @@
 #include "platform/linux/SystemMachine.hpp"
 
 #include "base/UTF8.hpp"
-#include "platform/posix/HostName.hpp"
-#include "platform/posix/NetworkInterfaces.hpp"
+#include "platform/posix/Host.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -81,7 +80,7 @@ std::optional<std::string> SystemMachine::localizedName() const {
 }
 
 std::string SystemMachine::hostName() const {
-  return HostName::read();
+  return Host::name();
 }
 
 std::string SystemMachine::kind() const {
@@ -89,7 +88,7 @@ std::string SystemMachine::kind() const {
 }
 
 std::vector<NetworkInterface> SystemMachine::interfaces() const {
-  return NetworkInterfaces::list();
+  return Host::interfaces();
 }
 
 }  // namespace orvel

@@ -2,8 +2,7 @@
 
 #include "platform/macos/CFPointer.hpp"
 #include "platform/macos/NativeText.hpp"
-#include "platform/posix/HostName.hpp"
-#include "platform/posix/NetworkInterfaces.hpp"
+#include "platform/posix/Host.hpp"
 
 #include <SystemConfiguration/SystemConfiguration.h>
 
@@ -17,7 +16,7 @@ std::optional<std::string> SystemMachine::localizedName() const {
 }
 
 std::string SystemMachine::hostName() const {
-  return HostName::read();
+  return Host::name();
 }
 
 std::string SystemMachine::kind() const {
@@ -25,7 +24,7 @@ std::string SystemMachine::kind() const {
 }
 
 std::vector<NetworkInterface> SystemMachine::interfaces() const {
-  return NetworkInterfaces::list();
+  return Host::interfaces();
 }
 
 }  // namespace orvel

@@ -1,7 +1,6 @@
 # The files of the macOS leaves, for the build on a Mac and for the checks elsewhere.
 set(ORVEL_MACOS_SOURCES
-    ../posix/HostName.cpp
-    ../posix/NetworkInterfaces.cpp
+    ../posix/Host.cpp
     FrameOffers.mm
     MacPlatform.cpp
     NativeText.mm

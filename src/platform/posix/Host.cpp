@@ -1,4 +1,4 @@
-#include "platform/posix/NetworkInterfaces.hpp"
+#include "platform/posix/Host.hpp"
 
 #include "base/UTF8.hpp"
 
@@ -7,14 +7,18 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <utility>
 
 namespace orvel {
 namespace {
+
+constexpr std::size_t longestHostName = 255;
 
 std::optional<NetworkInterface> describe(const ifaddrs& entry) {
   if (entry.ifa_addr == nullptr || entry.ifa_addr->sa_family != AF_INET) return std::nullopt;
@@ -31,7 +35,13 @@ std::optional<NetworkInterface> describe(const ifaddrs& entry) {
 
 }  // namespace
 
-std::vector<NetworkInterface> NetworkInterfaces::list() {
+std::string Host::name() {
+  std::array<char, longestHostName + 1> name{};
+  if (gethostname(name.data(), longestHostName) != 0) return {};
+  return wellFormedUTF8(name.data());
+}
+
+std::vector<NetworkInterface> Host::interfaces() {
   ifaddrs* first = nullptr;
   if (getifaddrs(&first) != 0) return {};
   const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> list(first, freeifaddrs);
