@@ -45,7 +45,8 @@ std::vector<AppEntry> AppCatalog::snapshot() {
 }
 
 void AppCatalog::scanRunning(Scan& scan) {
-  for (const RunningApplication& application : workspace_.runningApplications()) {
+  const auto applications = workspace_.runningApplications().value_or(std::vector<RunningApplication>{});
+  for (const RunningApplication& application : applications) {
     if (!application.isRegular || !application.identifier) continue;
     const std::string& identifier = *application.identifier;
     if (!scan.seen.insert(identifier).second) continue;
@@ -103,7 +104,7 @@ void AppCatalog::quit(const std::string& bundleID) {
 }
 
 std::vector<RunningApplication> AppCatalog::instancesOf(const std::string& bundleID) {
-  auto applications = workspace_.runningApplications();
+  auto applications = workspace_.runningApplications().value_or(std::vector<RunningApplication>{});
   std::erase_if(applications,
                 [&](const RunningApplication& application) { return application.identifier != bundleID; });
   return applications;

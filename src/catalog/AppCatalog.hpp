@@ -17,6 +17,9 @@ struct RunningApplication;
 
 /// The launcher's view of the computer: its applications, their icons, and the means to start and to end them.
 ///
+/// On a desktop that does not report what runs, no application counts as running: all are listed as installed, to
+/// activate one opens it, and none can be asked to end.
+///
 /// Threads: any; the operations may take as long as the file system and the desktop take.
 class AppCatalog {
  public:

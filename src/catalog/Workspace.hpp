@@ -28,8 +28,8 @@ class Workspace {
   /// Threads: the handler runs on a thread of the leaf and must be quick.
   virtual void observeActivation(std::function<void()> handler) = 0;
 
-  /// The running programs in the desktop's own order. Empty when it cannot be asked.
-  virtual std::vector<RunningApplication> runningApplications() = 0;
+  /// The running programs in the desktop's own order. Nothing where the desktop does not report them.
+  virtual std::optional<std::vector<RunningApplication>> runningApplications() = 0;
 
   /// The path of the bundle with that identifier, or nothing.
   virtual std::optional<std::string> location(const std::string& identifier) = 0;
@@ -43,8 +43,8 @@ class Workspace {
   /// Asks a running program to end; it may ask its user first, and refuse.
   virtual void terminate(const RunningApplication& application) = 0;
 
-  /// Starts the bundle at `path` and brings it to the front. It lives on when this program ends. No effect when it
-  /// cannot be started, or is still starting since the last time.
+  /// Starts the bundle at `path` and brings it to the front, also when it runs unreported. It lives on when this
+  /// program ends. No effect when it cannot be started, or is still starting since the last time.
   virtual void open(const std::string& path) = 0;
 };
 

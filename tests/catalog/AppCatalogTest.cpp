@@ -67,6 +67,25 @@ TEST_F(AppCatalogTest, WhatRunsAndIsInstalledIsListedOnceAsRunningWhereItRuns) {
   EXPECT_EQ(catalog.icon("editor", iconSize), pngText);
 }
 
+TEST_F(AppCatalogTest, WhereTheDesktopDoesNotReportWhatRunsAllAreListedAsInstalled) {
+  computer.running = {regular(1, "editor")};
+  computer.reportsRunning = false;
+  computer.folders = {{"/Applications", {bundle("Editor.app", "editor", "Editor"), bundle("Chess.app", "chess")}}};
+  EXPECT_THAT(catalog.snapshot(), ElementsAre(AppEntry{"chess", "Chess", false}, AppEntry{"editor", "Editor", false}));
+}
+
+TEST_F(AppCatalogTest, WhereTheDesktopDoesNotReportWhatRunsActivatingOpensAndQuittingDoesNothing) {
+  computer.running = {regular(1, "editor")};
+  computer.reportsRunning = false;
+  computer.folders = {{"/Applications", {bundle("Editor.app", "editor", "Editor")}}};
+  catalog.snapshot();
+  catalog.activate("editor");
+  catalog.quit("editor");
+  EXPECT_THAT(computer.opened, ElementsAre("/Applications/Editor.app"));
+  EXPECT_THAT(computer.activated, IsEmpty());
+  EXPECT_THAT(computer.terminated, IsEmpty());
+}
+
 TEST_F(AppCatalogTest, OfTwoInstancesTheFirstIsListed) {
   computer.running = {regular(1, "editor"), regular(2, "editor")};
   computer.running[1].name = "Second";

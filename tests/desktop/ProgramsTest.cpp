@@ -81,17 +81,23 @@ struct ProgramsTest : testing::Test {
     return true;
   }
 
+  std::vector<RunningApplication> reported() {
+    const auto applications = workspace.runningApplications();
+    EXPECT_TRUE(applications);
+    return applications.value_or(std::vector<RunningApplication>{});
+  }
+
   /// The running programs that people switch to.
   Texts running() {
     Texts identifiers;
-    for (const auto& application : workspace.runningApplications()) {
+    for (const auto& application : reported()) {
       if (application.isRegular) identifiers.push_back(application.identifier.value_or("none"));
     }
     return identifiers;
   }
 
   RunningApplication application(const std::string& identifier) {
-    for (const auto& application : workspace.runningApplications()) {
+    for (const auto& application : reported()) {
       if (application.identifier == identifier) return application;
     }
     ADD_FAILURE() << identifier << " does not run";

@@ -29,7 +29,9 @@ class FakeComputer final : public Workspace, public ApplicationBundles {
   };
 
   void observeActivation(std::function<void()> handler) override { activationHandler = std::move(handler); }
-  std::vector<RunningApplication> runningApplications() override { return running; }
+  std::optional<std::vector<RunningApplication>> runningApplications() override {
+    return reportsRunning ? std::optional(running) : std::nullopt;
+  }
 
   std::optional<std::string> location(const std::string& identifier) override {
     ++locationQueries;
@@ -80,6 +82,7 @@ class FakeComputer final : public Workspace, public ApplicationBundles {
   }
 
   std::function<void()> activationHandler;
+  bool reportsRunning = true;
   std::vector<RunningApplication> running;
   std::vector<Folder> folders;
   std::map<std::string, std::string> known;  ///< Where the desktop finds bundles by their identifier.

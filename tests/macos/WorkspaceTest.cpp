@@ -33,7 +33,7 @@ class WorkspaceTest : public MacTest {
 
   RunningApplication running(const fake::Program& program) {
     fake::workspace().programs = {program};
-    return workspace_->runningApplications().at(0);
+    return workspace_->runningApplications().value().at(0);
   }
 
   std::unique_ptr<SystemWorkspace> workspace_ = std::make_unique<SystemWorkspace>();
@@ -43,7 +43,7 @@ TEST_F(WorkspaceTest, ListsRunningProgramsInItsOrder) {
   fake::Program nameless = {.process = 3, .policy = 1};
   fake::workspace().programs = {editor, nameless};
   onBareThread([&] {
-    const auto applications = workspace_->runningApplications();
+    const auto applications = workspace_->runningApplications().value();
     ASSERT_EQ(applications.size(), 2u);
     EXPECT_EQ(applications[0].instance, 98765u);
     EXPECT_EQ(applications[0].identifier, "org.example.editor");

@@ -41,7 +41,7 @@ void SystemWorkspace::observeActivation(std::function<void()> handler) {
   handler_.withLock([&](std::function<void()>& observer) { observer = std::move(handler); });
 }
 
-std::vector<RunningApplication> SystemWorkspace::runningApplications() {
+std::optional<std::vector<RunningApplication>> SystemWorkspace::runningApplications() {
   std::vector<RunningApplication> applications;
   for (WindowedProgram& program : programs_.read()) {
     if (program.location) launcher_.hasStarted(*program.location);

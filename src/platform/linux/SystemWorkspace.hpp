@@ -33,7 +33,7 @@ class SystemWorkspace final : public Workspace {
                   const rlimit& openFiles);
 
   void observeActivation(std::function<void()> handler) override;
-  std::vector<RunningApplication> runningApplications() override;
+  std::optional<std::vector<RunningApplication>> runningApplications() override;
   std::optional<std::string> location(const std::string& identifier) override;
   std::optional<std::vector<std::uint8_t>> icon(const std::string& path, double size) override;
   void activate(const RunningApplication& application) override;

@@ -137,7 +137,7 @@ void SystemWorkspace::observeActivation(std::function<void()> handler) {
   }
 }
 
-std::vector<RunningApplication> SystemWorkspace::runningApplications() {
+std::optional<std::vector<RunningApplication>> SystemWorkspace::runningApplications() {
   @autoreleasepool {
     std::vector<RunningApplication> applications;
     for (NSRunningApplication* program in NSWorkspace.sharedWorkspace.runningApplications) {
