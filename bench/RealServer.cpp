@@ -27,7 +27,7 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
   explicit CountingDesktop(Tally& tally) : tally_(tally) {}
 
   bool post(const MouseEvent& event) override {
-    pointer_ = event.position;
+    pointer_ = event.position.value_or(pointer_);
     tally_.dx += event.deltaX;
     tally_.dy += event.deltaY;
     return true;
@@ -36,6 +36,7 @@ class CountingDesktop final : public EventPoster, public Displays, public TrustC
   bool post(const KeyEvent&) override { return true; }
   bool post(const SystemDefinedEvent&) override { return true; }
   bool post(const TextEvent&) override { return true; }
+  bool tracksPointer() const override { return true; }
   std::optional<Point> pointerLocation() override { return pointer_; }
   void flush() override {}
 

@@ -48,7 +48,9 @@ void CursorSnap::settle() {
 }
 
 void CursorSnap::snap() {
-  if (const auto centre = target(dependencies_.pointer.currentAuthoritative())) glide(*centre);
+  const auto pointer = dependencies_.pointer.currentAuthoritative();
+  if (!pointer) return;
+  if (const auto centre = target(*pointer)) glide(*centre);
 }
 
 std::optional<Point> CursorSnap::target(Point pointer) {
@@ -64,11 +66,12 @@ std::optional<Point> CursorSnap::target(Point pointer) {
 
 void CursorSnap::glide(Point centre) {
   // Read anew: it may have moved while the program was asked.
-  const Point start = dependencies_.pointer.currentAuthoritative();
+  const auto start = dependencies_.pointer.currentAuthoritative();
+  if (!start) return;
   const bool dragging = dependencies_.pointer.isLeftButtonDown();
   for (int step = 1; step <= glideSteps; ++step) {
     const double share = easedOut(step);
-    dependencies_.pointer.place({start.x + (centre.x - start.x) * share, start.y + (centre.y - start.y) * share},
+    dependencies_.pointer.place({start->x + (centre.x - start->x) * share, start->y + (centre.y - start->y) * share},
                                 dragging);
     dependencies_.clock.sleep(glidePause);
   }

@@ -29,8 +29,8 @@ class CursorSnap {
 
   explicit CursorSnap(const Dependencies& dependencies);
 
-  /// Requests one snap; returns at once. Ignored while this program may not post input, and while more requests wait
-  /// than a person can make.
+  /// Requests one snap; returns at once. Ignored while this program may not post input, while the pointer's position is
+  /// unknown, and while more requests wait than a person can make.
   void settle();
 
  private:

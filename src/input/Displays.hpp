@@ -9,11 +9,11 @@ namespace orvel {
 
 /// The screens at one moment, in global coordinates.
 struct DisplayLayout {
-  Rect main;                  ///< The main display.
+  Rect main;                  ///< The display that is mirrored and that absolute motion refers to. Empty when unknown.
   std::vector<Rect> screens;  ///< All displays, the main one among them. May be empty.
 };
 
-/// Tells how the desktop is laid out.
+/// How the desktop is laid out.
 class Displays {
  public:
   virtual ~Displays() = default;

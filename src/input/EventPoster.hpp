@@ -22,7 +22,11 @@ class EventPoster {
   /// the desktop are ready to take the text, for seconds when they hang. It needs no `flush`.
   virtual bool post(const TextEvent& event) = 0;
 
-  /// Where the pointer is, events posted but not yet flushed included. Nothing when the desktop cannot tell.
+  /// Whether the desktop reports the pointer's position at any time and at little cost. Where it does not, mouse events
+  /// carry no position, and `pointerLocation` is asked for a snap alone.
+  virtual bool tracksPointer() const = 0;
+
+  /// Where the pointer is, events posted but not yet flushed included. Nothing when the desktop does not say.
   virtual std::optional<Point> pointerLocation() = 0;
 
   /// Sends the posted events on their way. Called once for a batch of events; returns without waiting for them.

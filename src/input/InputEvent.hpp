@@ -3,6 +3,7 @@
 #include "base/Geometry.hpp"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,13 @@ enum class MouseEventType : std::uint32_t {
 };
 
 /// One pointer event. Button codes are 0 left, 1 right, 2 middle.
+///
+/// With a position the pointer is there when the event takes effect, and the deltas only describe the motion. Without
+/// one the position is unknown: motion goes by the deltas from wherever the pointer is, and buttons act there.
 struct MouseEvent {
   MouseEventType type = MouseEventType::moved;
   std::uint8_t buttonCode = 0;
-  Point position;
+  std::optional<Point> position{};
   std::int64_t clickState = 0;  ///< Event field 1: which click of a quick series; set on presses and releases.
   std::int64_t deltaX = 0;      ///< Event field 4: motion in points; set on motion.
   std::int64_t deltaY = 0;      ///< Event field 5.

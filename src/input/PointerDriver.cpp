@@ -42,6 +42,12 @@ double clampToUnit(double fraction) {
   return std::clamp(fraction, 0.0, 1.0);
 }
 
+/// From the centre of the circle that `reveal` draws.
+Point revealOffset(int step) {
+  const double angle = 2 * std::numbers::pi * step / revealSteps;
+  return {revealRadius * std::cos(angle), revealRadius * std::sin(angle)};
+}
+
 }  // namespace
 
 PointerDriver::PointerDriver(EventPoster& events, const Displays& displays, Clock& clock, Executor& clockQueue)
@@ -69,7 +75,7 @@ void PointerDriver::stopClock() {
 void PointerDriver::flush() {
   struct Taken {
     Motion motion;
-    Point virtualPosition;
+    std::optional<Point> virtualPosition;
     bool leftDown;
     bool rightDown;
     std::unique_ptr<RepeatingTimer> idleClock;
@@ -83,12 +89,20 @@ void PointerDriver::flush() {
     return result;
   });
   if (taken.motion.isZero()) return;
-  postMotion(taken.motion, events_.pointerLocation().value_or(taken.virtualPosition), taken.leftDown, taken.rightDown);
+  std::optional<Point> from;
+  if (events_.tracksPointer()) {
+    from = events_.pointerLocation();
+    if (!from) from = taken.virtualPosition;
+  }
+  postMotion(taken.motion, from, taken.leftDown, taken.rightDown);
 }
 
-void PointerDriver::postMotion(Motion motion, Point from, bool leftDown, bool rightDown) {
-  const Point target = clampToDisplays({from.x + motion.dx, from.y + motion.dy});
-  settleAt(target);
+void PointerDriver::postMotion(Motion motion, std::optional<Point> from, bool leftDown, bool rightDown) {
+  std::optional<Point> target;
+  if (from) {
+    target = clampToDisplays({from->x + motion.dx, from->y + motion.dy});
+    settleAt(*target);
+  }
   auto type = MouseEventType::moved;
   if (leftDown) {
     type = MouseEventType::leftDragged;
@@ -106,28 +120,31 @@ void PointerDriver::postMotion(Motion motion, Point from, bool leftDown, bool ri
 
 void PointerDriver::moveAbsolute(double nx, double ny) {
   const Rect main = displays_.layout()->main;
+  const bool isKnown = main.size != Size{};
   const Point position{main.minX() + clampToUnit(nx) * main.size.width,
                        main.minY() + clampToUnit(ny) * main.size.height};
   const bool dragging = state_.withLock([&](State& state) {
-    state.virtualPosition = position;
+    if (isKnown) state.virtualPosition = position;
     state.pending = {};
     return state.buttonsDown.contains(leftButton);
   });
+  if (!isKnown) return;
   events_.post(
       MouseEvent{.type = dragging ? MouseEventType::leftDragged : MouseEventType::moved, .position = position});
 }
 
-Point PointerDriver::currentAuthoritative() {
+std::optional<Point> PointerDriver::currentAuthoritative() {
+  if (!events_.tracksPointer()) return events_.pointerLocation();
   const Seconds now = clock_.now();
   const auto [placed, position] = state_.withLock([&](const State& state) {
     const bool recent = now - state.lastPostAt <= placementHolds && state.virtualPosition != Point{};
-    return std::pair(recent, state.virtualPosition);
+    return std::pair(recent && state.virtualPosition, state.virtualPosition);
   });
   if (placed) return position;
   const auto reported = events_.pointerLocation();
   if (!reported) return position;
-  state_.withLock([&](State& state) { state.virtualPosition = *reported; });
-  return *reported;
+  state_.withLock([&](State& state) { state.virtualPosition = reported; });
+  return reported;
 }
 
 void PointerDriver::button(int button, bool down, int clickCount) {
@@ -145,7 +162,7 @@ bool PointerDriver::postButton(int button, bool down, int clickCount) {
   const ButtonEvents events = eventsOf(button);
   return events_.post(MouseEvent{.type = down ? events.down : events.up,
                                  .buttonCode = events.code,
-                                 .position = currentAuthoritative(),
+                                 .position = events_.tracksPointer() ? currentAuthoritative() : std::nullopt,
                                  .clickState = std::max(clickCount, 1)});
 }
 
@@ -162,14 +179,36 @@ void PointerDriver::releaseAll() {
 }
 
 void PointerDriver::reveal() {
-  const Point origin = currentAuthoritative();
+  const auto origin = events_.tracksPointer() ? currentAuthoritative() : std::nullopt;
+  if (origin) {
+    circleAround(*origin);
+  } else {
+    circleByDeltas();
+  }
+}
+
+void PointerDriver::circleAround(Point origin) {
   for (int step = 0; step <= revealSteps; ++step) {
-    const double angle = 2 * std::numbers::pi * step / revealSteps;
-    postMoved(clampToDisplays({origin.x + revealRadius * std::cos(angle), origin.y + revealRadius * std::sin(angle)}));
+    const Point offset = revealOffset(step);
+    postMoved({.position = clampToDisplays({origin.x + offset.x, origin.y + offset.y})});
     clock_.sleep(revealPause);
   }
   settleAt(origin);
-  postMoved(origin);
+  postMoved({.position = origin});
+}
+
+void PointerDriver::circleByDeltas() {
+  std::int64_t x = 0;  // moved so far
+  std::int64_t y = 0;
+  const auto moveTo = [&](std::int64_t toX, std::int64_t toY) {
+    postMoved({.deltaX = toX - std::exchange(x, toX), .deltaY = toY - std::exchange(y, toY)});
+  };
+  for (int step = 0; step <= revealSteps; ++step) {
+    const Point offset = revealOffset(step);
+    moveTo(std::llround(offset.x), std::llround(offset.y));
+    clock_.sleep(revealPause);
+  }
+  moveTo(0, 0);
 }
 
 void PointerDriver::place(Point position, bool dragging) {
@@ -191,8 +230,8 @@ void PointerDriver::settleAt(Point position) {
   });
 }
 
-void PointerDriver::postMoved(Point position) {
-  events_.post(MouseEvent{.type = MouseEventType::moved, .position = position});
+void PointerDriver::postMoved(const MouseEvent& event) {
+  events_.post(event);
   events_.flush();
 }
 

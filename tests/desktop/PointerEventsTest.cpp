@@ -108,6 +108,18 @@ TEST_F(PointerEventsTest, AButtonBeyondTheEdgeCountsAsAtTheEdge) {
   EXPECT_EQ(Pixel(inputs[1].x, inputs[1].y), Pixel(1279, 799));
 }
 
+TEST_F(PointerEventsTest, WithoutAPositionMotionGoesByDeltasAndButtonsActWhereThePointerIs) {
+  post(MouseEventType::moved, {100, 100});
+  EXPECT_TRUE(leaves.events.post(MouseEvent{.deltaX = 30, .deltaY = -20}));
+  EXPECT_EQ(leaves.events.pointerLocation(), (Point{130, 80}));
+  EXPECT_TRUE(leaves.events.post(MouseEvent{.type = MouseEventType::leftDown, .clickState = 1}));
+  const auto inputs = delivered();
+  ASSERT_EQ(inputs.size(), 3u);
+  EXPECT_EQ(Pixel(inputs[1].x, inputs[1].y), Pixel(130, 80));
+  EXPECT_EQ(inputs[2].kind, Kind::buttonDown);
+  EXPECT_EQ(Pixel(inputs[2].x, inputs[2].y), Pixel(130, 80));
+}
+
 TEST_F(PointerEventsTest, NothingArrivesBeforeTheFlush) {
   post(MouseEventType::leftDown, {50, 60});
   key(0x00, true);
@@ -129,7 +141,7 @@ TEST_F(PointerEventsTest, TheLocationFollowsTheUsersOwnMouse) {
   post(MouseEventType::moved, {300, 300});
   delivered();
   LeafSet mouse(desktop);
-  mouse.events.post(MouseEvent{.type = MouseEventType::moved, .position = {20, 30}});
+  mouse.events.post(MouseEvent{.type = MouseEventType::moved, .position = Point{20, 30}});
   mouse.events.flush();
   ASSERT_EQ(mouse.events.pointerLocation(), (Point{20, 30}));
   EXPECT_EQ(leaves.events.pointerLocation(), (Point{20, 30}));
@@ -148,9 +160,9 @@ TEST_F(PointerEventsTest, WhatWasFlushedArrivesAlsoWhenTheConnectionEnds) {
   {
     LeafSet leaving(desktop);
     for (int i = 0; i < 500; ++i) {
-      leaving.events.post(MouseEvent{.type = MouseEventType::moved, .position = {static_cast<double>(i), 5}});
+      leaving.events.post(MouseEvent{.type = MouseEventType::moved, .position = Point{static_cast<double>(i), 5}});
     }
-    leaving.events.post(MouseEvent{.type = MouseEventType::moved, .position = {600, 601}});
+    leaving.events.post(MouseEvent{.type = MouseEventType::moved, .position = Point{600, 601}});
     leaving.events.flush();
   }
   EXPECT_TRUE(witness.waitFor(

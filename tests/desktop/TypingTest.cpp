@@ -256,7 +256,7 @@ TEST_F(TypingTest, ThePointerMovesMeanwhile) {
   int moves = 0;
   std::thread finger([&] {
     for (auto last = std::chrono::steady_clock::now(); !ended; ++moves) {
-      leaves.events.post(MouseEvent{.position = {static_cast<double>(moves % 500), 5}});
+      leaves.events.post(MouseEvent{.position = Point{static_cast<double>(moves % 500), 5}});
       leaves.events.flush();
       std::this_thread::sleep_for(Milliseconds(2));
       const auto now = std::chrono::steady_clock::now();

@@ -26,7 +26,7 @@ TEST(X11ConnectionTest, TheDeathOfTheServerIsToldOfAndSurvived) {
   EXPECT_TRUE(leaves.waitForEnd());
   EXPECT_FALSE(leaves.connection().isAlive());
   EXPECT_FALSE(leaves.trust.isTrusted());
-  EXPECT_FALSE(leaves.events.post(MouseEvent{.position = {10, 10}}));
+  EXPECT_FALSE(leaves.events.post(MouseEvent{.position = Point{10, 10}}));
   EXPECT_FALSE(leaves.events.post(ScrollEvent{.wheel1 = 400}));
   EXPECT_FALSE(leaves.events.post(KeyEvent{.keyCode = 0, .down = true}));
   EXPECT_EQ(leaves.events.pointerLocation(), std::nullopt);
@@ -65,7 +65,7 @@ TEST(X11ConnectionTest, AServerThatHangsDoesNotHoldUpTheEnd) {
   auto leaves = std::make_unique<LeafSet>(desktop);
   ASSERT_TRUE(leaves->trust.isTrusted());
   const StoppedServer stopped(desktop);
-  leaves->events.post(MouseEvent{.position = {10, 10}});
+  leaves->events.post(MouseEvent{.position = Point{10, 10}});
   leaves->events.flush();
   const auto end = std::async(std::launch::async, [&] { leaves.reset(); });
   const bool ended = end.wait_for(patience) == std::future_status::ready;
@@ -78,7 +78,7 @@ TEST(X11ConnectionTest, RequestsThatTheServerRefusesHaveNoEffect) {
   LeafSet leaves(desktop);
   for (int i = 0; i < 1000; ++i) xcb_destroy_window(leaves.connection().get(), 12345);
   EXPECT_TRUE(leaves.trust.isTrusted());
-  EXPECT_TRUE(leaves.events.post(MouseEvent{.position = {10, 10}}));
+  EXPECT_TRUE(leaves.events.post(MouseEvent{.position = Point{10, 10}}));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ TEST(X11TrustCheckWithoutXTestTest, NothingCanBePostedAndTheConnectionLives) {
   const VirtualDesktop desktop({"-extension", "XTEST"});
   LeafSet leaves(desktop);
   EXPECT_FALSE(leaves.trust.isTrusted());
-  EXPECT_FALSE(leaves.events.post(MouseEvent{.position = {10, 10}}));
+  EXPECT_FALSE(leaves.events.post(MouseEvent{.position = Point{10, 10}}));
   EXPECT_FALSE(leaves.events.post(ScrollEvent{.wheel1 = 400}));
   EXPECT_FALSE(leaves.events.post(KeyEvent{.keyCode = 0, .down = true}));
   leaves.events.flush();

@@ -55,9 +55,9 @@ TEST_F(XwaylandWithoutMonitorTest, IsKnownBeforeAMonitorComes) {
 /// Whatever its callers do.
 TEST_F(XwaylandTest, ThePosterPostsNothing) {
   X11Witness witness(desktop->display());
-  EXPECT_FALSE(leaves->events.post(MouseEvent{.type = MouseEventType::moved, .position = {40, 50}}));
-  EXPECT_FALSE(leaves->events.post(MouseEvent{.type = MouseEventType::leftDown, .position = {40, 50}}));
-  EXPECT_FALSE(leaves->events.post(MouseEvent{.type = MouseEventType::leftUp, .position = {40, 50}}));
+  EXPECT_FALSE(leaves->events.post(MouseEvent{.type = MouseEventType::moved, .position = Point{40, 50}}));
+  EXPECT_FALSE(leaves->events.post(MouseEvent{.type = MouseEventType::leftDown, .position = Point{40, 50}}));
+  EXPECT_FALSE(leaves->events.post(MouseEvent{.type = MouseEventType::leftUp, .position = Point{40, 50}}));
   EXPECT_FALSE(leaves->events.post(ScrollEvent{.wheel1 = 400, .wheel2 = 400}));
   EXPECT_FALSE(leaves->events.post(KeyEvent{.keyCode = 0, .down = true, .flags = modifier::shift}));
   EXPECT_FALSE(leaves->events.post(KeyEvent{.keyCode = 0, .down = false}));

@@ -21,13 +21,20 @@ class RecordingDesktop final : public EventPoster, public Displays, public Trust
 
   bool post(const MouseEvent& event) override {
     if (!record(event)) return false;
-    if (pointer) pointer = event.position;
+    if (pointer && event.position) {
+      pointer = event.position;
+    } else if (pointer) {
+      pointer->x += static_cast<double>(event.deltaX);
+      pointer->y += static_cast<double>(event.deltaY);
+    }
     return true;
   }
   bool post(const ScrollEvent& event) override { return record(event); }
   bool post(const KeyEvent& event) override { return record(event); }
   bool post(const SystemDefinedEvent& event) override { return record(event); }
   bool post(const TextEvent& event) override { return record(event); }
+
+  bool tracksPointer() const override { return tracks; }
 
   std::optional<Point> pointerLocation() override {
     ++pointerQueries;
@@ -69,8 +76,9 @@ class RecordingDesktop final : public EventPoster, public Displays, public Trust
   std::size_t flushed = 0;  ///< How many of them have been flushed.
   int flushes = 0;
   int pointerQueries = 0;
-  std::optional<Point> pointer = Point{100, 100};
-  bool accepts = true;  ///< Whether events can be created.
+  bool tracks = true;                              ///< Whether it reports the pointer's position at any time.
+  std::optional<Point> pointer = Point{100, 100};  ///< Nothing where it cannot be found out.
+  bool accepts = true;                             ///< Whether events can be created.
   bool trusted = true;
   int prompts = 0;
   int settingsOpened = 0;

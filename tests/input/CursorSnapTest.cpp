@@ -67,8 +67,8 @@ TEST_F(CursorSnapTest, ANearCentreIsGlidedToInSixStepsThatSlowDown) {
   std::vector<double> places;
   for (const MouseEvent& event : events) {
     EXPECT_EQ(event, (MouseEvent{.type = MouseEventType::moved, .position = event.position})) << "no deltas, no button";
-    EXPECT_DOUBLE_EQ(event.position.y, 100);
-    places.push_back(event.position.x);
+    EXPECT_DOUBLE_EQ(event.position->y, 100);
+    places.push_back(event.position->x);
   }
   ASSERT_EQ(places.size(), 6u);
   for (int step = 1; step <= 6; ++step) {
@@ -153,7 +153,7 @@ TEST_F(CursorSnapTest, TheGlideStartsWhereThePointerIsByThen) {
   };
   const auto events = settled();
   ASSERT_EQ(events.size(), 6u);
-  EXPECT_LT(events[0].position.x, 90 + 60 * 0.43);
+  EXPECT_LT(events[0].position->x, 90 + 60 * 0.43);
   EXPECT_EQ(events.back().position, (Point{150, 100}));
 }
 
@@ -170,6 +170,31 @@ TEST_F(CursorSnapTest, RelativeMotionContinuesFromTheControl) {
   settled();
   desktop.pointer.reset();
   EXPECT_EQ(pointer.currentAuthoritative(), (Point{150, 100})) << "as the driver put it there a moment ago";
+}
+
+TEST_F(CursorSnapTest, WhereThePointersPositionIsUnknownNothingHappens) {
+  for (const bool tracks : {true, false}) {
+    desktop.tracks = tracks;
+    desktop.pointer.reset();
+    tree.element = elementAround({50, 0});
+    EXPECT_THAT(settled(), IsEmpty());
+    EXPECT_THAT(tree.asked, IsEmpty()) << "least of all for what is at the corner";
+  }
+}
+
+TEST_F(CursorSnapTest, APositionThatIsFoundOutForTheSnapAloneWillDo) {
+  desktop.tracks = false;
+  tree.element = elementAround({150, 100});
+  const auto events = settled();
+  ASSERT_EQ(events.size(), 6u);
+  EXPECT_EQ(events.back(), (MouseEvent{.position = Point{150, 100}}));
+}
+
+TEST_F(CursorSnapTest, APositionThatIsLostDuringTheLookEndsTheSnap) {
+  desktop.tracks = false;
+  tree.element = elementAround({150, 100});
+  tree.whenAsked = [&] { desktop.pointer.reset(); };
+  EXPECT_THAT(settled(), IsEmpty());
 }
 
 TEST_F(CursorSnapTest, SnapsRunOneAfterAnother) {

@@ -190,6 +190,7 @@ struct YieldingPoster final : EventPoster {
   }
   bool post(const SystemDefinedEvent&) override { return true; }
   bool post(const TextEvent&) override { return true; }
+  bool tracksPointer() const override { return false; }
   std::optional<Point> pointerLocation() override { return std::nullopt; }
   void flush() override {}
 

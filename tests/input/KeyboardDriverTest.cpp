@@ -71,6 +71,7 @@ class EventfulDesktop final : public EventPoster {
     if (whenTyped) whenTyped();
     return true;
   }
+  bool tracksPointer() const override { return false; }
   std::optional<Point> pointerLocation() override { return std::nullopt; }
   void flush() override {}
 

@@ -55,6 +55,7 @@ class RefusingPresses final : public EventPoster {
     return accepts;
   }
   bool post(const TextEvent&) override { return false; }
+  bool tracksPointer() const override { return false; }
   std::optional<Point> pointerLocation() override { return std::nullopt; }
   void flush() override {}
 

@@ -36,9 +36,8 @@ TEST_F(PointerDriverTest, MotionWithinOneTickBecomesOneEvent) {
   pointer.moveRelative(-1, 2);
   EXPECT_TRUE(desktop.posted.empty()) << "nothing is posted on the receive path";
   clock.runDue();
-  EXPECT_EQ(
-      mouse(),
-      (std::vector<MouseEvent>{{.type = MouseEventType::moved, .position = {102, 102}, .deltaX = 2, .deltaY = 2}}));
+  EXPECT_EQ(mouse(), (std::vector<MouseEvent>{
+                         {.type = MouseEventType::moved, .position = Point{102, 102}, .deltaX = 2, .deltaY = 2}}));
   EXPECT_EQ(desktop.flushed, 1u);
 }
 
@@ -60,7 +59,7 @@ TEST_F(PointerDriverTest, AThousandFramesASecondBecomeAtMost125Events) {
   clock.advance(tick);
   EXPECT_LE(mouse().size(), 127u);
   EXPECT_GE(mouse().size(), 124u);
-  EXPECT_EQ(last().position.x, 999) << "the sum arrives, up to the edge of the screen";
+  EXPECT_EQ(last().position->x, 999) << "the sum arrives, up to the edge of the screen";
 }
 
 TEST_F(PointerDriverTest, TheClockStopsAfterASecondWithoutMotion) {
@@ -148,7 +147,7 @@ TEST_F(PointerDriverTest, AButtonOfAnyOtherNumberPressesTheLeftOneButMakesNoDrag
 TEST_F(PointerDriverTest, AbsoluteMotionReachesTheFarEdgeUnclamped) {
   desktop.setScreens({{{10, 20}, {1000, 800}}, {{1010, 0}, {500, 500}}});
   pointer.moveAbsolute(1.0, 1.0);
-  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::moved, .position = {1010, 820}}));
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::moved, .position = Point{1010, 820}}));
   pointer.moveAbsolute(0, 0.5);
   EXPECT_EQ(last().position, (Point{10, 420}));
 }
@@ -193,9 +192,10 @@ TEST_F(PointerDriverTest, ButtonsHaveTheirEventTypes) {
   for (const Case& test : cases) {
     pointer.button(test.button, true, 1);
     EXPECT_EQ(last(),
-              (MouseEvent{.type = test.down, .buttonCode = test.code, .position = {100, 100}, .clickState = 1}));
+              (MouseEvent{.type = test.down, .buttonCode = test.code, .position = Point{100, 100}, .clickState = 1}));
     pointer.button(test.button, false, 1);
-    EXPECT_EQ(last(), (MouseEvent{.type = test.up, .buttonCode = test.code, .position = {100, 100}, .clickState = 1}));
+    EXPECT_EQ(last(),
+              (MouseEvent{.type = test.up, .buttonCode = test.code, .position = Point{100, 100}, .clickState = 1}));
   }
 }
 
@@ -300,9 +300,10 @@ TEST_F(PointerDriverTest, ReleaseAllReleasesEveryButtonAndStopsTheClock) {
   pointer.moveRelative(1, 1);
   desktop.posted.clear();
   pointer.releaseAll();
-  EXPECT_EQ(mouse(), (std::vector<MouseEvent>{
-                         {.type = MouseEventType::leftUp, .position = {100, 100}, .clickState = 1},
-                         {.type = MouseEventType::otherUp, .buttonCode = 2, .position = {100, 100}, .clickState = 1}}));
+  EXPECT_EQ(mouse(),
+            (std::vector<MouseEvent>{
+                {.type = MouseEventType::leftUp, .position = Point{100, 100}, .clickState = 1},
+                {.type = MouseEventType::otherUp, .buttonCode = 2, .position = Point{100, 100}, .clickState = 1}}));
   EXPECT_EQ(desktop.flushed, desktop.posted.size());
   clock.advance(Seconds(0.1));
   EXPECT_EQ(mouse().size(), 2u) << "the stopped clock posts no motion";
@@ -331,11 +332,11 @@ TEST_F(PointerDriverTest, RevealCirclesThePointerOnceAndComesBack) {
   ASSERT_EQ(events.size(), 12u);
   for (std::size_t step = 0; step <= 10; ++step) {
     const double angle = 2 * std::numbers::pi * static_cast<double>(step) / 10;
-    EXPECT_NEAR(events[step].position.x, 400 + 26 * std::cos(angle), 1e-9);
-    EXPECT_NEAR(events[step].position.y, 300 + 26 * std::sin(angle), 1e-9);
+    EXPECT_NEAR(events[step].position->x, 400 + 26 * std::cos(angle), 1e-9);
+    EXPECT_NEAR(events[step].position->y, 300 + 26 * std::sin(angle), 1e-9);
     EXPECT_EQ(events[step].type, MouseEventType::moved);
   }
-  EXPECT_EQ(events.back(), (MouseEvent{.type = MouseEventType::moved, .position = {400, 300}}));
+  EXPECT_EQ(events.back(), (MouseEvent{.type = MouseEventType::moved, .position = Point{400, 300}}));
   EXPECT_EQ(clock.sleeps, std::vector<Seconds>(11, Seconds(0.014)));
   EXPECT_EQ(desktop.flushed, 12u);
   desktop.pointer = Point{1, 1};
@@ -345,9 +346,120 @@ TEST_F(PointerDriverTest, RevealCirclesThePointerOnceAndComesBack) {
 TEST_F(PointerDriverTest, RevealStaysOnTheScreensButEndsWhereItBegan) {
   desktop.pointer = Point{2000, 5};
   pointer.reveal();
-  for (const MouseEvent& event : mouse()) EXPECT_GE(event.position.y, 0);
-  EXPECT_EQ(mouse().front().position.x, 999);
+  for (const MouseEvent& event : mouse()) EXPECT_GE(event.position->y, 0);
+  EXPECT_EQ(mouse().front().position->x, 999);
   EXPECT_EQ(last().position, (Point{2000, 5}));
+}
+
+TEST_F(PointerDriverTest, WithoutAMainDisplayAbsoluteMotionIsOnlyForgotten) {
+  desktop.setScreens({});
+  pointer.moveRelative(5, 5);
+  pointer.moveAbsolute(0.5, 0.5);
+  clock.advance(tick);
+  EXPECT_TRUE(desktop.posted.empty()) << "its corner is no place that a phone meant";
+}
+
+TEST_F(PointerDriverTest, BeforeThePositionIsKnownForTheFirstTimeNothingIsPostedAtTheCorner) {
+  desktop.pointer.reset();
+  EXPECT_EQ(pointer.currentAuthoritative(), std::nullopt);
+  pointer.button(0, true, 1);
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::leftDown, .clickState = 1}));
+  pointer.moveRelative(3, 4);
+  clock.runDue();
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::leftDragged, .deltaX = 3, .deltaY = 4}));
+}
+
+/// A desktop that never reports where its pointer is.
+struct UntrackedPointerTest : PointerDriverTest {
+  UntrackedPointerTest() {
+    desktop.tracks = false;
+    desktop.pointer.reset();
+  }
+};
+
+TEST_F(UntrackedPointerTest, MotionGoesByDeltas) {
+  pointer.moveRelative(3, 0);
+  pointer.moveRelative(-1, 2);
+  clock.runDue();
+  EXPECT_EQ(mouse(), (std::vector<MouseEvent>{{.deltaX = 2, .deltaY = 2}}));
+  pointer.moveRelative(-5000, 5000);
+  clock.advance(tick);
+  EXPECT_EQ(last(), (MouseEvent{.deltaX = -5000, .deltaY = 5000})) << "the desktop knows where its screens end";
+}
+
+TEST_F(UntrackedPointerTest, MotionGoesByDeltasEvenWhereThePointerWasPutJustBefore) {
+  pointer.moveAbsolute(0.5, 0.5);
+  EXPECT_EQ(last(), (MouseEvent{.position = Point{500, 400}})) << "a place that the phone names is known";
+  pointer.moveRelative(7, 0);
+  clock.runDue();
+  EXPECT_EQ(last(), (MouseEvent{.deltaX = 7})) << "the user's own mouse may have moved it since";
+}
+
+TEST_F(UntrackedPointerTest, ButtonsActWhereThePointerIs) {
+  pointer.moveAbsolute(0.5, 0.5);
+  pointer.button(1, true, 2);
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::rightDown, .buttonCode = 1, .clickState = 2}));
+  pointer.button(1, false, 2);
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::rightUp, .buttonCode = 1, .clickState = 2}));
+}
+
+TEST_F(UntrackedPointerTest, DragsGoByDeltas) {
+  pointer.button(0, true, 1);
+  pointer.moveRelative(10, -4);
+  clock.runDue();
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::leftDragged, .deltaX = 10, .deltaY = -4}));
+  pointer.moveAbsolute(1, 0);
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::leftDragged, .position = Point{1000, 0}}));
+  pointer.releaseAll();
+  EXPECT_EQ(last(), (MouseEvent{.type = MouseEventType::leftUp, .clickState = 1}));
+}
+
+TEST_F(UntrackedPointerTest, ScrollingNeedsNoPosition) {
+  pointer.scroll(3, -40);
+  EXPECT_EQ(desktop.all<ScrollEvent>(), (std::vector<ScrollEvent>{{-40, 3}}));
+}
+
+TEST_F(UntrackedPointerTest, RevealCirclesByDeltasAndComesBack) {
+  pointer.reveal();
+  const auto events = mouse();
+  ASSERT_EQ(events.size(), 12u);
+  std::int64_t x = 0;
+  std::int64_t y = 0;
+  for (std::size_t step = 0; step <= 10; ++step) {
+    EXPECT_EQ(events[step].position, std::nullopt);
+    EXPECT_EQ(events[step].type, MouseEventType::moved);
+    x += events[step].deltaX;
+    y += events[step].deltaY;
+    const double angle = 2 * std::numbers::pi * static_cast<double>(step) / 10;
+    EXPECT_NEAR(static_cast<double>(x), 26 * std::cos(angle), 0.5);
+    EXPECT_NEAR(static_cast<double>(y), 26 * std::sin(angle), 0.5);
+  }
+  EXPECT_EQ(x + events.back().deltaX, 0);
+  EXPECT_EQ(y + events.back().deltaY, 0);
+  EXPECT_EQ(clock.sleeps, std::vector<Seconds>(11, Seconds(0.014)));
+}
+
+TEST_F(UntrackedPointerTest, InputDoesNotAskForThePosition) {
+  pointer.moveRelative(1, 1);
+  clock.runDue();
+  pointer.moveAbsolute(0.5, 0.5);
+  pointer.button(0, true, 1);
+  pointer.button(0, false, 1);
+  pointer.scroll(0, 1);
+  pointer.reveal();
+  pointer.releaseAll();
+  EXPECT_EQ(desktop.pointerQueries, 0) << "it may be dear to find out";
+}
+
+TEST_F(UntrackedPointerTest, ThePositionIsAskedForAnewEachTime) {
+  desktop.pointer = Point{300, 300};
+  EXPECT_EQ(pointer.currentAuthoritative(), (Point{300, 300}));
+  pointer.place({310, 300}, false);
+  pointer.moveRelative(50, 0);
+  clock.runDue();
+  EXPECT_EQ(pointer.currentAuthoritative(), (Point{360, 300})) << "not where it was put before the motion";
+  desktop.pointer.reset();
+  EXPECT_EQ(pointer.currentAuthoritative(), std::nullopt) << "a position of the past is none";
 }
 
 }  // namespace

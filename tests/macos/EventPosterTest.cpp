@@ -32,14 +32,14 @@ class EventPosterTest : public MacTest {
 
   /// One of each kind but text.
   std::vector<bool> postAll() {
-    return {poster_.post(MouseEvent{}),
-            poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = {}, .clickState = 1}),
+    return {poster_.post(MouseEvent{.position = Point{}}),
+            poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = Point{}, .clickState = 1}),
             poster_.post(ScrollEvent{}), poster_.post(KeyEvent{}), poster_.post(SystemDefinedEvent{})};
   }
 
   bool type(const std::u16string& text) { return poster_.post(TextEvent{.text = text}); }
 
-  void moveTo(double x, double y) { ASSERT_TRUE(poster_.post(MouseEvent{.position = {x, y}})); }
+  void moveTo(double x, double y) { ASSERT_TRUE(poster_.post(MouseEvent{.position = Point{x, y}})); }
 
   static std::size_t declarations() {
     dispatch::turnGlobalQueues();
@@ -65,8 +65,10 @@ TEST_F(EventPosterTest, APressOrReleaseHasItsClickStateAndNoDeltas) {
       {MouseEventType::rightUp, 1},  {MouseEventType::otherDown, 2}, {MouseEventType::otherUp, 2},
   };
   for (const auto& [type, button] : cases) {
-    ASSERT_TRUE(poster_.post(MouseEvent{
-        .type = type, .buttonCode = static_cast<std::uint8_t>(button), .position = {-3.5, 7.25}, .clickState = 2}));
+    ASSERT_TRUE(poster_.post(MouseEvent{.type = type,
+                                        .buttonCode = static_cast<std::uint8_t>(button),
+                                        .position = Point{-3.5, 7.25},
+                                        .clickState = 2}));
     const QuartzEvent& event = posted_.back();
     EXPECT_EQ(event.tap, kCGHIDEventTap);
     EXPECT_EQ(event.type, static_cast<std::uint32_t>(type));
@@ -80,7 +82,7 @@ TEST_F(EventPosterTest, MotionHasItsDeltasEvenWhenTheyAreNone) {
   const MouseEventType types[] = {MouseEventType::moved, MouseEventType::leftDragged, MouseEventType::rightDragged};
   for (const MouseEventType type : types) {
     ASSERT_TRUE(
-        poster_.post(MouseEvent{.type = type, .buttonCode = 1, .position = {}, .deltaX = -40'000, .deltaY = 0}));
+        poster_.post(MouseEvent{.type = type, .buttonCode = 1, .position = Point{}, .deltaX = -40'000, .deltaY = 0}));
     EXPECT_EQ(posted_.back().type, static_cast<std::uint32_t>(type));
     EXPECT_EQ(posted_.back().button, 1u) << "as given, even where the type says another";
     EXPECT_THAT(posted_.back().fields, ElementsAre(std::pair(4U, -40'000), std::pair(5U, 0)));
@@ -89,7 +91,7 @@ TEST_F(EventPosterTest, MotionHasItsDeltasEvenWhenTheyAreNone) {
 
 TEST_F(EventPosterTest, MouseEventsKeepTheModifiersTheyWereMadeWith) {
   fake::quartz().heldModifiers = 0x20000;
-  poster_.post(MouseEvent{});
+  poster_.post(MouseEvent{.position = Point{}});
   EXPECT_EQ(posted_.back().flags, 0x20000u);
 }
 
@@ -173,6 +175,12 @@ TEST_F(EventPosterTest, ThePointerIsWhereABlankEventIs) {
 TEST_F(EventPosterTest, WithoutABlankEventThePointerIsNowhere) {
   fake::quartz().creationsLeft = 0;
   EXPECT_EQ(poster_.pointerLocation(), std::nullopt);
+}
+
+TEST_F(EventPosterTest, AnEventWithoutAPositionIsNotPosted) {
+  EXPECT_FALSE(poster_.post(MouseEvent{.deltaX = 3, .deltaY = 4}));
+  EXPECT_FALSE(poster_.post(MouseEvent{.type = MouseEventType::leftDown, .clickState = 1}));
+  EXPECT_THAT(posted_, IsEmpty()) << "rather than in a corner that nobody meant";
 }
 
 TEST_F(EventPosterTest, ThePointerIsWhereItWasPutAlthoughTheSystemIsBehind) {
@@ -274,8 +282,8 @@ TEST_F(EventPosterTest, ADisplayThatSleepsWakesForInputOfEveryKind) {
   for (std::size_t kind = 0; kind < 6; ++kind) {
     fake::powerManagement().displaySleeps = true;
     clock_.advance(Seconds(5));
-    if (kind == 0) poster_.post(MouseEvent{});
-    if (kind == 1) poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = {}, .clickState = 1});
+    if (kind == 0) poster_.post(MouseEvent{.position = Point{}});
+    if (kind == 1) poster_.post(MouseEvent{.type = MouseEventType::leftDown, .position = Point{}, .clickState = 1});
     if (kind == 2) poster_.post(ScrollEvent{});
     if (kind == 3) poster_.post(KeyEvent{.keyCode = 8, .down = true});
     if (kind == 4) poster_.post(SystemDefinedEvent{});
@@ -288,7 +296,7 @@ TEST_F(EventPosterTest, ADisplayThatSleepsWakesForInputOfEveryKind) {
 TEST_F(EventPosterTest, AReleaseWakesNoDisplay) {
   fake::powerManagement().displaySleeps = true;
   for (const MouseEventType type : {MouseEventType::leftUp, MouseEventType::rightUp, MouseEventType::otherUp}) {
-    ASSERT_TRUE(poster_.post(MouseEvent{.type = type, .position = {}, .clickState = 1}));
+    ASSERT_TRUE(poster_.post(MouseEvent{.type = type, .position = Point{}, .clickState = 1}));
   }
   ASSERT_TRUE(poster_.post(KeyEvent{.keyCode = 8, .down = false}));
   EXPECT_EQ(declarations(), 0u);

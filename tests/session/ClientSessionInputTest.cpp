@@ -70,19 +70,20 @@ TEST_F(ClientSessionInputTest, MotionWaitsForTheClock) {
   phone->binary({1, 0xff, 0xff, 2, 0});
   EXPECT_THAT(desktop.posted, IsEmpty());
   clock.runDue();
-  EXPECT_THAT(desktop.all<MouseEvent>(), ElementsAre(MouseEvent{.position = {102, 102}, .deltaX = 2, .deltaY = 2}));
+  EXPECT_THAT(desktop.all<MouseEvent>(),
+              ElementsAre(MouseEvent{.position = Point{102, 102}, .deltaX = 2, .deltaY = 2}));
 }
 
 TEST_F(ClientSessionInputTest, AbsoluteMotionIsPostedAtOnce) {
   phone->binary({9, 0xff, 0xff, 0, 0});
-  EXPECT_THAT(desktop.all<MouseEvent>(), ElementsAre(MouseEvent{.position = {1000, 0}}));
+  EXPECT_THAT(desktop.all<MouseEvent>(), ElementsAre(MouseEvent{.position = Point{1000, 0}}));
 }
 
 TEST_F(ClientSessionInputTest, AClickIsAPressAndAReleaseOfItsCount) {
   phone->binary({8, 0, 2});
   EXPECT_THAT(desktop.all<MouseEvent>(),
-              ElementsAre(MouseEvent{.type = MouseEventType::leftDown, .position = {100, 100}, .clickState = 2},
-                          MouseEvent{.type = MouseEventType::leftUp, .position = {100, 100}, .clickState = 2}));
+              ElementsAre(MouseEvent{.type = MouseEventType::leftDown, .position = Point{100, 100}, .clickState = 2},
+                          MouseEvent{.type = MouseEventType::leftUp, .position = Point{100, 100}, .clickState = 2}));
 }
 
 TEST_F(ClientSessionInputTest, AButtonFrameIsOnePressOrRelease) {
@@ -91,8 +92,8 @@ TEST_F(ClientSessionInputTest, AButtonFrameIsOnePressOrRelease) {
   EXPECT_THAT(
       desktop.all<MouseEvent>(),
       ElementsAre(
-          MouseEvent{.type = MouseEventType::rightDown, .buttonCode = 1, .position = {100, 100}, .clickState = 1},
-          MouseEvent{.type = MouseEventType::rightUp, .buttonCode = 1, .position = {100, 100}, .clickState = 1}));
+          MouseEvent{.type = MouseEventType::rightDown, .buttonCode = 1, .position = Point{100, 100}, .clickState = 1},
+          MouseEvent{.type = MouseEventType::rightUp, .buttonCode = 1, .position = Point{100, 100}, .clickState = 1}));
 }
 
 TEST_F(ClientSessionInputTest, ScrollGoesToTheWheels) {

@@ -57,6 +57,7 @@ class SystemEventPoster final : public EventPoster {
   bool post(const KeyEvent& event) override;
   bool post(const SystemDefinedEvent& event) override;
   bool post(const TextEvent& event) override;
+  bool tracksPointer() const override { return true; }
   std::optional<Point> pointerLocation() override;
   void flush() override {}
 

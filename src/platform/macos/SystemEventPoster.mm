@@ -112,10 +112,11 @@ void UserActivity::renew(Guarded<State>& guarded) {
 // The threads that post live as long as the program and have no pool, and what the system leaves to one is its own
 // affair.
 bool SystemEventPoster::post(const MouseEvent& event) {
+  if (!event.position) return false;  // the system has no event without one
   @autoreleasepool {
     if (!isRelease(event.type)) activity_.declare();
     const Event made(CGEventCreateMouseEvent(nullptr, static_cast<CGEventType>(event.type),
-                                             {.x = event.position.x, .y = event.position.y},
+                                             {.x = event.position->x, .y = event.position->y},
                                              static_cast<CGMouseButton>(event.buttonCode)));
     if (!made) return false;
     if (isMotion(event.type)) {
@@ -127,7 +128,7 @@ bool SystemEventPoster::post(const MouseEvent& event) {
     if (trail_.isCold()) {
       if (const auto before = reportedLocation()) trail_.begin(*before);
     }
-    trail_.put(event.position);
+    trail_.put(*event.position);
     return send(made);
   }
 }

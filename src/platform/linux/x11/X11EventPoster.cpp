@@ -23,6 +23,7 @@ constexpr std::uint8_t wheelLeft = 6;
 constexpr std::uint8_t wheelRight = 7;
 constexpr std::int64_t pixelsPerNotch = 40;
 constexpr std::uint8_t absoluteMotion = 0;
+constexpr std::uint8_t relativeMotion = 1;
 constexpr std::uint8_t anyDevice = 0;
 
 struct ModifierKey {
@@ -127,18 +128,32 @@ X11EventPoster::X11EventPoster(X11Connection& connection, const X11Displays& dis
 bool X11EventPoster::post(const MouseEvent& event) {
   if (!canPost()) return false;
   const auto change = buttonChangeOf(event.type);
-  const Position target{pixelAt(event.position.x), pixelAt(event.position.y)};
   state_.withLock([&](State& state) {
-    // Since the last batch another hand may have moved the pointer away.
-    const bool isThere = state.isPointerKnown && state.pointer == onScreen(target);
-    if (!change || !isThere) queue(state, XCB_MOTION_NOTIFY, absoluteMotion, target);
+    if (event.position) {
+      putPointer(state, {pixelAt(event.position->x), pixelAt(event.position->y)}, !change);
+    } else if (!change) {
+      movePointer(state, {pixelAt(static_cast<double>(event.deltaX)), pixelAt(static_cast<double>(event.deltaY))});
+    }
     if (change) queue(state, change->type, change->button);
-    state.pointer = onScreen(target);
-    state.isPointerKnown = true;
-    state.isPointerUnflushed = true;
-    ++state.placements;
   });
   return true;
+}
+
+void X11EventPoster::putPointer(State& state, Position target, bool always) {
+  // Since the last batch another hand may have moved the pointer away.
+  const bool isThere = state.isPointerKnown && state.pointer == onScreen(target);
+  if (always || !isThere) queue(state, XCB_MOTION_NOTIFY, absoluteMotion, target);
+  state.pointer = onScreen(target);
+  state.isPointerKnown = true;
+  state.isPointerUnflushed = true;
+  ++state.placements;
+}
+
+void X11EventPoster::movePointer(State& state, Position delta) {
+  queue(state, XCB_MOTION_NOTIFY, relativeMotion, delta);
+  state.pointer.reset();
+  state.isPointerKnown = false;
+  ++state.placements;
 }
 
 bool X11EventPoster::post(const ScrollEvent& event) {

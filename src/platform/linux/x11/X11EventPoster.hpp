@@ -35,6 +35,7 @@ class X11EventPoster final : public EventPoster, private KeyQueue {
   bool post(const KeyEvent& event) override;
   bool post(const SystemDefinedEvent& event) override;
   bool post(const TextEvent& event) override;
+  bool tracksPointer() const override { return true; }
   std::optional<Point> pointerLocation() override;
   void flush() override;
 
@@ -76,6 +77,8 @@ class X11EventPoster final : public EventPoster, private KeyQueue {
   bool queueInOneGo(const std::vector<KeyChange>& changes, std::uint64_t version) override;
 
   bool canPost() const;
+  void putPointer(State& state, Position target, bool always);
+  void movePointer(State& state, Position delta);
   void turn(State& state, std::int64_t& remainder, std::int32_t pixels, std::uint8_t forward, std::uint8_t backward);
   void press(State& state, std::uint8_t keyCode, std::uint8_t modifiers);
   void release(State& state, std::uint8_t keyCode, bool staysDown);
