@@ -1,6 +1,6 @@
 #include "desktop/windows/WindowSpeech.hpp"
 #include "platform/linux/SystemStatusItem.hpp"
-#include "platform/linux/bus/ToolkitBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 
 #include <QApplication>
 #include <QSocketNotifier>

@@ -1,8 +1,7 @@
 #include "platform/linux/LinuxPlatform.hpp"
 
 #include "platform/LeavableThread.hpp"
-#include "platform/linux/bus/TimeLimit.hpp"
-#include "platform/linux/bus/ToolkitBus.hpp"
+#include "platform/linux/bus/MessageBus.hpp"
 #include "platform/linux/files/Folders.hpp"
 #include "platform/linux/files/OwnProgram.hpp"
 #include "platform/linux/x11/X11Connection.hpp"

@@ -6,7 +6,6 @@
 #include "platform/linux/applications/LaunchContext.hpp"
 #include "platform/linux/applications/ProcessFacts.hpp"
 #include "platform/linux/bus/ApplicationObject.hpp"
-#include "platform/linux/bus/CancelledInTime.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
 #include <gio/gdesktopappinfo.h>

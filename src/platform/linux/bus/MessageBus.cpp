@@ -1,18 +1,24 @@
 #include "platform/linux/bus/MessageBus.hpp"
 
-#include "platform/linux/bus/CancelledInTime.hpp"
 #include "platform/linux/files/Folders.hpp"
 
+#include <QByteArray>
+#include <QDBusConnection>
+#include <QtGlobal>
 #include <atomic>
+#include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <mutex>
+#include <stop_token>
 #include <string_view>
 #include <system_error>
 
 namespace orvel {
 namespace {
 
+constexpr auto addressVariable = "DBUS_SESSION_BUS_ADDRESS";
 constexpr std::string_view startingOne = "autolaunch:";
 
 /// A handler that one thread gives to another. The locks of the library see to the order, but are not known to all who
@@ -38,7 +44,7 @@ class Observer {
 }  // namespace
 
 std::string sessionBusAddress() {
-  std::string address = environmentVariable("DBUS_SESSION_BUS_ADDRESS");
+  std::string address = environmentVariable(addressVariable);
   if (!address.empty() && !address.starts_with(startingOne)) return address;
   const std::string folder = environmentVariable("XDG_RUNTIME_DIR");
   if (folder.empty()) return {};
@@ -86,6 +92,37 @@ void MessageBus::observe(MessageHandler handler) const {
 
 void MessageBus::send(GDBusConnection* connection, GDBusMessage* message) {
   g_dbus_connection_send_message(connection, message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+}
+
+CancelledInTime::CancelledInTime(const TimeLimit& limit, GCancellable* cancellation)
+    : cancellable_(g_cancellable_new()), outer_(cancellation) {
+  thread_ = std::jthread([this, limit](const std::stop_token& ended) {
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any changed;
+    const auto hasEnded = [&] { return ended.stop_requested(); };
+    if (!changed.wait_for(lock, ended, limit.left(), hasEnded)) g_cancellable_cancel(cancellable_.get());
+  });
+  const auto cancel = +[](GCancellable*, gpointer inner) { g_cancellable_cancel(G_CANCELLABLE(inner)); };
+  if (outer_ != nullptr) link_ = g_cancellable_connect(outer_, G_CALLBACK(cancel), cancellable_.get(), nullptr);
+}
+
+CancelledInTime::~CancelledInTime() {
+  if (outer_ != nullptr) g_cancellable_disconnect(outer_, link_);
+}
+
+void forgoSilentBus(const TimeLimit& limit) {
+  if (MessageBus::open(sessionBusAddress(), limit)) return;
+  const bool wasSet = qEnvironmentVariableIsSet(addressVariable);
+  const QByteArray address = qgetenv(addressVariable);
+  // The toolkit connects once and never again. Programs that Orvel starts still get the address.
+  qputenv(addressVariable, "disabled:");
+  QDBusConnection::sessionBus();
+  if (wasSet) {
+    qputenv(addressVariable, address);
+  } else {
+    qunsetenv(addressVariable);
+  }
 }
 
 }  // namespace orvel

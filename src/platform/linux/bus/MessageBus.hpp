@@ -1,16 +1,56 @@
 #pragma once
 
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/bus/TimeLimit.hpp"
 
 #include <gio/gio.h>
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace orvel {
+
+/// How long something may take that waits for others several times. Threads: as any value.
+class TimeLimit {
+ public:
+  explicit TimeLimit(std::chrono::milliseconds limit) : end_(std::chrono::steady_clock::now() + limit) {}
+
+  /// What is left; 0 when it has passed.
+  std::chrono::milliseconds left() const {
+    const auto rest = std::chrono::floor<std::chrono::milliseconds>(end_ - std::chrono::steady_clock::now());
+    return std::max(rest, std::chrono::milliseconds(0));
+  }
+
+  bool hasPassed() const { return left() == std::chrono::milliseconds(0); }
+
+ private:
+  std::chrono::steady_clock::time_point end_;
+};
+
+/// Cancels what waits, when it takes too long or when somebody else does not want it any more. For what has no time
+/// limit of its own.
+///
+/// Threads: made and destroyed on one.
+class CancelledInTime {
+ public:
+  /// `cancellation` may be null. Throws std::system_error when there is no thread to be had.
+  explicit CancelledInTime(const TimeLimit& limit, GCancellable* cancellation = nullptr);
+  ~CancelledInTime();
+  CancelledInTime(const CancelledInTime&) = delete;
+  CancelledInTime& operator=(const CancelledInTime&) = delete;
+
+  GCancellable* get() const { return cancellable_.get(); }
+
+ private:
+  const GLibPointer<GCancellable> cancellable_;
+  GCancellable* const outer_;
+  gulong link_ = 0;
+  std::jthread thread_;
+};
 
 /// The address of the bus of this login, without starting one. Empty when there is none.
 std::string sessionBusAddress();
@@ -57,5 +97,9 @@ class MessageBus {
 
   GLibPointer<GDBusConnection> connection_;
 };
+
+/// Has the toolkit do without the bus of this login when that does not answer within `limit`: it would wait for it
+/// without end, when it shows its first window or icon. Called before the application is made and other threads are.
+void forgoSilentBus(const TimeLimit& limit);
 
 }  // namespace orvel
