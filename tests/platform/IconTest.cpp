@@ -1,7 +1,6 @@
 #include "platform/EntryFolders.hpp"
 #include "platform/linux/icons/IconImage.hpp"
 #include "platform/linux/icons/IconThemes.hpp"
-#include "platform/linux/icons/PlainPNG.hpp"
 #include "platform/linux/x11/XSettings.hpp"
 
 #include <gtest/gtest.h>
