@@ -1,4 +1,4 @@
-#include "platform/linux/files/OwnProgram.hpp"
+#include "platform/linux/SystemLoginItemService.hpp"
 
 #include <iostream>
 #include <string>

@@ -2,7 +2,6 @@
 #include "desktop/TemporaryFolder.hpp"
 #include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/SystemLoginItemService.hpp"
-#include "platform/linux/files/OwnProgram.hpp"
 #include "ui/LoginItem.hpp"
 
 #include <gio/gdesktopappinfo.h>

@@ -1,9 +1,9 @@
 #include "platform/linux/LinuxPlatform.hpp"
 
 #include "platform/LeavableThread.hpp"
+#include "platform/linux/SystemLoginItemService.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 #include "platform/linux/files/Folders.hpp"
-#include "platform/linux/files/OwnProgram.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <malloc.h>

@@ -2,13 +2,13 @@
 
 #include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/OwnedDescriptor.hpp"
-#include "platform/linux/applications/DesktopEntry.hpp"
-#include "platform/linux/applications/LaunchContext.hpp"
+#include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/applications/ProcessFacts.hpp"
 #include "platform/linux/bus/ApplicationObject.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
 #include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
 #include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -17,6 +17,8 @@
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -62,6 +64,38 @@ std::string busNameOf(GDesktopAppInfo* info, const std::string& path) {
   const std::string file = path.substr(path.rfind('/') + 1);
   const std::string name = file.substr(0, file.size() - std::min(file.size(), DesktopEntry::suffix.size()));
   return g_dbus_is_interface_name(name.c_str()) ? name : std::string();
+}
+
+/// Called when a program that wants to be announced is launched; returns the number of the announcement, which the
+/// program gets to know. Empty for none.
+using AnnounceLaunch = std::function<std::string()>;
+
+struct LaunchContext {
+  GAppLaunchContext parent;
+  const AnnounceLaunch* announce;
+};
+
+char* announce(GAppLaunchContext* context, GAppInfo*, GList*) {
+  const std::string identifier = (*reinterpret_cast<LaunchContext*>(context)->announce)();
+  return identifier.empty() ? nullptr : g_strdup(identifier.c_str());
+}
+
+void setUpClass(void* type, void*) {
+  static_cast<GAppLaunchContextClass*>(type)->get_startup_notify_id = announce;
+}
+
+GType contextType() {
+  static const GType type = g_type_register_static_simple(g_app_launch_context_get_type(), "OrvelLaunchContext",
+                                                          sizeof(GAppLaunchContextClass), setUpClass,
+                                                          sizeof(LaunchContext), nullptr, GTypeFlags{});
+  return type;
+}
+
+/// The context of one launch, as GIO wants it. `announce` must outlive it.
+GLibPointer<GAppLaunchContext> makeLaunchContext(const AnnounceLaunch& announce) {
+  auto* context = static_cast<LaunchContext*>(g_object_new(contextType(), nullptr));
+  context->announce = &announce;
+  return GLibPointer<GAppLaunchContext>(&context->parent);
 }
 
 }  // namespace
