@@ -30,6 +30,11 @@ struct Rect {
 
   Point centre() const { return {origin.x + size.width / 2, origin.y + size.height / 2}; }
 
+  /// The right and the bottom edge are outside.
+  bool contains(Point point) const {
+    return point.x >= minX() && point.x < maxX() && point.y >= minY() && point.y < maxY();
+  }
+
   /// The smallest rectangle that holds both.
   Rect unionWith(const Rect& other) const {
     const double left = std::min(minX(), other.minX());

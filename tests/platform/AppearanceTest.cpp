@@ -1,5 +1,4 @@
-#include "platform/linux/appearance/DarkTheme.hpp"
-#include "platform/linux/appearance/FontDescription.hpp"
+#include "platform/linux/appearance/DesktopTheme.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
 #include "platform/linux/SystemAppearance.hpp"
 
 #include "platform/linux/MainThreadCall.hpp"
-#include "platform/linux/appearance/DarkTheme.hpp"
-#include "platform/linux/appearance/FontDescription.hpp"
+#include "platform/linux/appearance/DesktopTheme.hpp"
 #include "platform/linux/appearance/PortalColorScheme.hpp"
 
 #include <utility>

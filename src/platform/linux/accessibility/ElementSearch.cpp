@@ -1,11 +1,14 @@
 #include "platform/linux/accessibility/ElementSearch.hpp"
 
-#include "platform/linux/accessibility/Covering.hpp"
-#include "platform/linux/accessibility/MenuWalk.hpp"
+#include "platform/linux/accessibility/AccessibleObject.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <deque>
 #include <limits>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -25,6 +28,62 @@ double difference(const Size& a, const Size& b) {
 
 double difference(const Rect& a, const Rect& b) {
   return std::abs(a.origin.x - b.origin.x) + std::abs(a.origin.y - b.origin.y) + difference(a.size, b.size);
+}
+
+constexpr std::size_t mostSteps = 400;
+
+/// A walk through a user interface that comes to open menus soon.
+///
+/// Threads: one.
+class MenuWalk {
+ public:
+  struct Step {
+    AccessibleObject object;
+    AccessibleRole role = AccessibleRole::filler;
+  };
+
+  /// Starts below `start`. Parts that do not show are left out where `tellsShowing`: where the program knows which do.
+  MenuWalk(const AccessibleObject& start, bool tellsShowing);
+
+  /// The next element, or nothing at the end, which comes in any case.
+  std::optional<Step> next();
+
+  /// Goes on below `step` alone.
+  void narrow(const Step& step);
+
+ private:
+  void enqueueChildrenOf(const AccessibleObject& object);
+
+  const bool tellsShowing_;
+  std::size_t steps_ = 0;
+  std::deque<Step> waiting_;
+  std::optional<AccessibleObject> last_;  // whose children are not asked for before they are needed
+};
+
+MenuWalk::MenuWalk(const AccessibleObject& start, bool tellsShowing) : tellsShowing_(tellsShowing), last_(start) {}
+
+std::optional<MenuWalk::Step> MenuWalk::next() {
+  if (const auto last = std::exchange(last_, std::nullopt)) enqueueChildrenOf(*last);
+  if (waiting_.empty()) return std::nullopt;
+  Step step = std::move(waiting_.front());
+  waiting_.pop_front();
+  last_ = step.object;
+  return step;
+}
+
+void MenuWalk::narrow(const Step& step) {
+  waiting_.clear();
+  last_ = step.object;
+}
+
+void MenuWalk::enqueueChildrenOf(const AccessibleObject& object) {
+  for (const AccessibleObject& child : object.children()) {
+    if (++steps_ > mostSteps) return;
+    const auto role = child.role();
+    if (!role || isCollection(*role)) continue;
+    if (tellsShowing_ && !child.isShowing()) continue;
+    waiting_.insert(isOfMenu(*role) ? waiting_.begin() : waiting_.end(), Step{child, *role});
+  }
 }
 
 }  // namespace
@@ -103,7 +162,7 @@ std::optional<AccessibleElement> ElementSearch::findInMenus() const {
   while (const auto step = walk.next()) {
     if (!isOfMenu(step->role)) continue;
     const auto extents = step->object.extents(CoordinateType::screen);
-    if (!extents || !covers(*extents, point_) || !covers(window_.frame, extents->origin)) continue;
+    if (!extents || !extents->contains(point_) || !window_.frame.contains(extents->origin)) continue;
     found = step->object;
     walk.narrow(*step);
   }
@@ -131,7 +190,7 @@ std::optional<AccessibleObject> ElementSearch::childAt(const View& view, const A
   if (known) return known;
   const auto atPlace = [&](const AccessibleObject& child) {
     const auto extents = child.extents(view.type);
-    return extents && covers(*extents, place);
+    return extents && extents->contains(place);
   };
   const auto topmost = std::find_if(children.rbegin(), children.rend(), atPlace);
   return topmost != children.rend() ? std::optional(*topmost) : std::nullopt;
@@ -147,7 +206,7 @@ AccessibleObject ElementSearch::actionable(const View& view, const AccessibleObj
       const auto extents = candidate.extents(view.type);
       const Point place{point_.x - view.origin.x, point_.y - view.origin.y};
       // The page of a tab may be told to be a part of the tab, and is somewhere else.
-      return step == 0 || (extents && covers(*extents, place)) ? candidate : object;
+      return step == 0 || (extents && extents->contains(place)) ? candidate : object;
     }
     if (!isDecoration(*role)) return object;
     const auto parent = candidate.parent();

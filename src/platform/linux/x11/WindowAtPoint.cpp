@@ -1,7 +1,5 @@
 #include "platform/linux/x11/WindowAtPoint.hpp"
 
-#include "platform/linux/accessibility/Covering.hpp"
-
 #include <xcb/res.h>
 #include <xcb/shape.h>
 
@@ -112,7 +110,7 @@ class WindowSearch {
     const Rect frame{
         {parentOrigin.x + geometry->x + geometry->border_width, parentOrigin.y + geometry->y + geometry->border_width},
         {static_cast<double>(geometry->width), static_cast<double>(geometry->height)}};
-    if (!covers(frame, position_)) return std::nullopt;
+    if (!frame.contains(position_)) return std::nullopt;
     return Seen{.window = asked.window, .frame = frame, .bypassesManager = attributes->override_redirect != 0};
   }
 
@@ -127,7 +125,7 @@ class WindowSearch {
                        [&](const xcb_rectangle_t& part) {
                          const Rect rect{{seen.frame.origin.x + part.x, seen.frame.origin.y + part.y},
                                          {static_cast<double>(part.width), static_cast<double>(part.height)}};
-                         return covers(rect, position_);
+                         return rect.contains(position_);
                        });
   }
 
