@@ -28,4 +28,11 @@ std::string wellFormedUTF8(std::string_view bytes) {
   return text;
 }
 
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\n\r";
+  const auto first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
 }  // namespace orvel

@@ -14,4 +14,7 @@ std::u16string utf16(std::string_view text);
 /// `bytes` as UTF-8: what is not well-formed becomes U+FFFD. Threads: any.
 std::string wellFormedUTF8(std::string_view bytes);
 
+/// `text` without the blanks, tabs and line ends around it. Threads: any.
+std::string_view trimmed(std::string_view text);
+
 }  // namespace orvel

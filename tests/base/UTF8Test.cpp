@@ -36,5 +36,12 @@ TEST(UTF8, IsMadeWellFormed) {
   EXPECT_EQ(wellFormedUTF8("\xed\xa0\x80"), "\ufffd\ufffd\ufffd");
 }
 
+TEST(UTF8, IsTrimmedOfTheBlanksAroundIt) {
+  EXPECT_EQ(trimmed(" \t two words\r\n"), "two words");
+  EXPECT_EQ(trimmed("word"), "word");
+  EXPECT_EQ(trimmed(" \n"), "");
+  EXPECT_EQ(trimmed(""), "");
+}
+
 }  // namespace
 }  // namespace orvel

@@ -15,12 +15,6 @@ namespace {
 constexpr std::size_t maximumInfoSize = 65536;
 constexpr std::string_view blanks = " \t\r";
 
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 /// The value of a shell assignment: quotes taken off, escapes resolved, nothing expanded.
 std::string unquoted(std::string_view text) {
   std::string value;

@@ -47,12 +47,6 @@ constexpr std::array<std::string_view, 46> styleWords = {
     "extraexpanded",  "ultraexpanded",  "notrotated",   "south",         "upsidedown",   "north",
     "rotatedleft",    "east",           "rotatedright", "west"};
 
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 std::string_view lastWordOf(std::string_view text) {
   const auto blank = text.find_last_of(blanks);
   return blank == std::string_view::npos ? text : text.substr(blank + 1);
