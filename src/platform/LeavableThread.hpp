@@ -22,7 +22,7 @@ class LeavableThread {
   /// Waits a moment for the end of the thread, which must have been asked for.
   ~LeavableThread() {
     if (!thread_.joinable()) return;
-    if (ended_.wait_for(longestFarewell) == std::future_status::ready) {
+    if (ended_.wait_for(endTimeout) == std::future_status::ready) {
       thread_.join();
     } else {
       thread_.detach();
@@ -50,7 +50,7 @@ class LeavableThread {
   }
 
  private:
-  static constexpr std::chrono::seconds longestFarewell{1};
+  static constexpr std::chrono::seconds endTimeout{1};
 
   std::thread thread_;
   std::future<void> ended_;

@@ -35,7 +35,7 @@ class AdvertiserTest : public MacTest {
   void TearDown() override {
     advertiser_.reset();
     EXPECT_TRUE(eventually([] { return living() == 0; }));
-    EXPECT_EQ(fake::bonjour().books().strangers, 0);
+    EXPECT_EQ(fake::bonjour().books().wrongThreadUses, 0);
     MacTest::TearDown();
   }
 

@@ -69,7 +69,7 @@ class CaptureRulesTest : public CaptureTest {
 
   Size size() const { return std::get<Size>(outcomes_.back()); }
   std::string failure() const { return std::get<std::string>(outcomes_.back()); }
-  const fake::CaptureWish& wish() const { return fake::screenCapture().wishes.back(); }
+  const fake::CaptureRequest& request() const { return fake::screenCapture().requests.back(); }
 
   struct World {
     FakeClock clock;
@@ -89,39 +89,39 @@ class CaptureRulesTest : public CaptureTest {
 TEST_F(CaptureRulesTest, TheFirstDisplayIsScaledToTheWidth) {
   start(500);
   EXPECT_EQ(size(), (Size{500, 400}));
-  EXPECT_EQ(wish().display, 0u);
-  EXPECT_EQ(wish().width, 500u);
-  EXPECT_EQ(wish().height, 400u);
+  EXPECT_EQ(request().display, 0u);
+  EXPECT_EQ(request().width, 500u);
+  EXPECT_EQ(request().height, 400u);
 }
 
 TEST_F(CaptureRulesTest, TheMainDisplayIsCapturedAlthoughItIsTheSecond) {
   fake::displayList().main = 2;
   start(5000);
   EXPECT_EQ(size(), (Size{640, 480}));
-  EXPECT_EQ(wish().display, 1u);
+  EXPECT_EQ(request().display, 1u);
 }
 
 TEST_F(CaptureRulesTest, FramesAreNeverTooSmall) {
   start(1);
   EXPECT_EQ(size(), (Size{320, 240}));
-  EXPECT_EQ(wish().width, 320u);
-  EXPECT_EQ(wish().height, 240u);
+  EXPECT_EQ(request().width, 320u);
+  EXPECT_EQ(request().height, 240u);
 }
 
 TEST_F(CaptureRulesTest, FramesAreNeverLargerThanTheDisplay) {
   start(5000);
   EXPECT_EQ(size(), (Size{1000, 800}));
-  EXPECT_EQ(wish().width, 1000u);
-  EXPECT_EQ(wish().height, 800u);
+  EXPECT_EQ(request().width, 1000u);
+  EXPECT_EQ(request().height, 800u);
 }
 
 TEST_F(CaptureRulesTest, TheRateIsKeptWithinBounds) {
   start(900, 0);
-  EXPECT_EQ(wish().intervalValue, 1);
-  EXPECT_EQ(wish().intervalScale, 1);
+  EXPECT_EQ(request().intervalValue, 1);
+  EXPECT_EQ(request().intervalScale, 1);
   start(900, 120);
-  EXPECT_EQ(wish().intervalValue, 1);
-  EXPECT_EQ(wish().intervalScale, 30);
+  EXPECT_EQ(request().intervalValue, 1);
+  EXPECT_EQ(request().intervalScale, 30);
 }
 
 TEST_F(CaptureRulesTest, WithoutPermissionTheServiceIsAskedNothing) {

@@ -54,9 +54,9 @@ TEST_F(CaptureServiceTest, TheDisplayThatIsCapturedIsTheOneOfItsNumber) {
   fake::screenCapture().displays = {{2560, 1440, 9}, {1440, 900, 7}};
   { const auto stream = start(0); }
   { const auto stream = start(1); }
-  ASSERT_EQ(fake::screenCapture().wishes.size(), 2u);
-  EXPECT_EQ(fake::screenCapture().wishes[0].display, 1u);
-  EXPECT_EQ(fake::screenCapture().wishes[1].display, 0u);
+  ASSERT_EQ(fake::screenCapture().requests.size(), 2u);
+  EXPECT_EQ(fake::screenCapture().requests[0].display, 1u);
+  EXPECT_EQ(fake::screenCapture().requests[1].display, 0u);
 }
 
 TEST_F(CaptureServiceTest, AMainDisplayThatCannotBeCapturedLeavesTheirOrder) {
@@ -82,20 +82,20 @@ TEST_F(CaptureServiceTest, NoContentWithoutAReasonIsAnErrorToo) {
 
 TEST_F(CaptureServiceTest, AStreamIsMadeAsAgreed) {
   { const auto stream = start(1); }
-  ASSERT_EQ(fake::screenCapture().wishes.size(), 1u);
-  const fake::CaptureWish& wish = fake::screenCapture().wishes.front();
-  EXPECT_EQ(wish.display, 1u);
-  EXPECT_EQ(wish.excludedWindows, 0u);
-  EXPECT_EQ(wish.width, 500u);
-  EXPECT_EQ(wish.height, 400u);
-  EXPECT_EQ(wish.intervalValue, 1);
-  EXPECT_EQ(wish.intervalScale, 12);
-  EXPECT_EQ(wish.pixelFormat, 0x42475241u);
-  EXPECT_TRUE(wish.showsCursor);
-  EXPECT_FALSE(wish.preservesAspectRatio);
-  EXPECT_EQ(wish.queueDepth, 3);
-  EXPECT_EQ(wish.queueLabel, "orvel.mirror");
-  EXPECT_EQ(wish.queueQuality, 0x19u) << "user-initiated";
+  ASSERT_EQ(fake::screenCapture().requests.size(), 1u);
+  const fake::CaptureRequest& request = fake::screenCapture().requests.front();
+  EXPECT_EQ(request.display, 1u);
+  EXPECT_EQ(request.excludedWindows, 0u);
+  EXPECT_EQ(request.width, 500u);
+  EXPECT_EQ(request.height, 400u);
+  EXPECT_EQ(request.intervalValue, 1);
+  EXPECT_EQ(request.intervalScale, 12);
+  EXPECT_EQ(request.pixelFormat, 0x42475241u);
+  EXPECT_TRUE(request.showsCursor);
+  EXPECT_FALSE(request.preservesAspectRatio);
+  EXPECT_EQ(request.queueDepth, 3);
+  EXPECT_EQ(request.queueLabel, "orvel.mirror");
+  EXPECT_EQ(request.queueQuality, 0x19u) << "user-initiated";
 }
 
 TEST_F(CaptureServiceTest, AStreamIsStartedAndStoppedInOrder) {

@@ -45,7 +45,7 @@ class InstanceTest : public MacTest {
 
 TEST_F(InstanceTest, TheFirstOneRuns) {
   EXPECT_TRUE(claim());
-  EXPECT_EQ(fake::heardPort(), portName);
+  EXPECT_EQ(fake::servedPort(), portName);
   EXPECT_THAT(shown_, IsEmpty());
   EXPECT_EQ(instance_->token(), "");
 }
@@ -68,7 +68,7 @@ TEST_F(InstanceTest, ItsPlaceIsFreeAgainWhenTheOtherHasEnded) {
   EXPECT_FALSE(claim());
   fake::messagePorts().takenName = "";
   EXPECT_TRUE(claim());
-  EXPECT_EQ(fake::heardPort(), portName);
+  EXPECT_EQ(fake::servedPort(), portName);
 }
 
 TEST_F(InstanceTest, WhereThereAreNoPortsEveryOneIsTheFirst) {
@@ -78,7 +78,7 @@ TEST_F(InstanceTest, WhereThereAreNoPortsEveryOneIsTheFirst) {
   fake::messagePorts().givesNoSource = true;
   instance_.emplace();
   EXPECT_TRUE(claim());
-  EXPECT_EQ(fake::heardPort(), "");
+  EXPECT_EQ(fake::servedPort(), "");
 }
 
 TEST_F(InstanceTest, AnotherStartShowsThePanel) {
@@ -93,7 +93,7 @@ TEST_F(InstanceTest, NobodyIsHeardAfterItsEnd) {
   claim();
   instance_.reset();
   EXPECT_FALSE(fake::messageOurPort());
-  EXPECT_EQ(fake::heardPort(), "");
+  EXPECT_EQ(fake::servedPort(), "");
 }
 
 TEST_F(InstanceTest, ShowsTheOneThatRunsAndWaitsASecondEachWay) {

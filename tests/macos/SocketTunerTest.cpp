@@ -88,7 +88,7 @@ TEST_F(SocketTunerTest, APeerThatHasEndedItsSideHasHungUp) {
   }
 }
 
-TEST_F(SocketTunerTest, NoPatienceIsNotEndlessPatience) {
+TEST_F(SocketTunerTest, ATimeoutOfNothingIsNotEndless) {
   connection().tcpi_snd_sbbytes = 1;
   EXPECT_EQ(tuner_.delivery(socketNumber, Seconds(0)), Delivery::pending);
   EXPECT_EQ(options()[repeatTime], 1);

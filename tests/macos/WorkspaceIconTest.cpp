@@ -70,7 +70,7 @@ TEST_F(WorkspaceIconTest, IsNothingForAPathThatIsNoText) {
 }
 
 TEST_F(WorkspaceIconTest, DrawsForOneThreadAtATime) {
-  fake::iconDrawing().patience = std::chrono::milliseconds(50);
+  fake::iconDrawing().timeout = std::chrono::milliseconds(50);
   const auto draw = [this] { workspace_.icon("/Applications/Editor.app", drawnSize); };
   std::thread other(draw);
   draw();

@@ -9,14 +9,14 @@
 
 namespace orvel {
 
-/// How long answers of the system are waited for: as long as it takes, until this ends. Threads: any.
-class Patience {
+/// Ends every wait for the answers that share it, now and from now on. Threads: any.
+class Cancellation {
  public:
-  /// Nobody waits any more.
-  void end() {
+  /// Called at any time, and more than once.
+  void cancel() {
     {
       const std::lock_guard lock(mutex_);
-      hasEnded_ = true;
+      isCancelled_ = true;
     }
     changed_.notify_all();
   }
@@ -27,7 +27,7 @@ class Patience {
 
   std::mutex mutex_;
   std::condition_variable changed_;
-  bool hasEnded_ = false;
+  bool isCancelled_ = false;
 };
 
 /// One answer of the system's, which comes on a thread of its own: at once, late or never. It is shared by who waits
@@ -37,35 +37,35 @@ class Patience {
 template <class Value>
 class Answer {
  public:
-  explicit Answer(std::shared_ptr<Patience> patience) : patience_(std::move(patience)) {}
+  explicit Answer(std::shared_ptr<Cancellation> cancellation) : cancellation_(std::move(cancellation)) {}
 
   /// Called once.
   void give(Value value) {
     {
-      const std::lock_guard lock(patience_->mutex_);
+      const std::lock_guard lock(cancellation_->mutex_);
       value_ = std::move(value);
     }
-    patience_->changed_.notify_all();
+    cancellation_->changed_.notify_all();
   }
 
-  /// Waits for the answer. Nothing when patience ended before it came.
+  /// Waits for the answer. Nothing when the wait was cancelled before it came.
   std::optional<Value> await() {
-    std::unique_lock lock(patience_->mutex_);
-    patience_->changed_.wait(lock, [this] { return isOver(); });
+    std::unique_lock lock(cancellation_->mutex_);
+    cancellation_->changed_.wait(lock, [this] { return isDone(); });
     return std::exchange(value_, std::nullopt);
   }
 
-  /// The same, but at most for so long.
-  std::optional<Value> await(std::chrono::milliseconds longest) {
-    std::unique_lock lock(patience_->mutex_);
-    patience_->changed_.wait_for(lock, longest, [this] { return isOver(); });
+  /// The same, but nothing also when it has not come within `timeout`.
+  std::optional<Value> await(std::chrono::milliseconds timeout) {
+    std::unique_lock lock(cancellation_->mutex_);
+    cancellation_->changed_.wait_for(lock, timeout, [this] { return isDone(); });
     return std::exchange(value_, std::nullopt);
   }
 
  private:
-  bool isOver() const { return value_.has_value() || patience_->hasEnded_; }
+  bool isDone() const { return value_.has_value() || cancellation_->isCancelled_; }
 
-  const std::shared_ptr<Patience> patience_;
+  const std::shared_ptr<Cancellation> cancellation_;
   std::optional<Value> value_;
 };
 

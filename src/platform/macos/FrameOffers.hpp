@@ -50,7 +50,7 @@ class FrameOffers final : public std::enable_shared_from_this<FrameOffers> {
   const std::int64_t frameInterval_;  // nanoseconds
   const CaptureStream::Handlers handlers_;
   CFPointer<CMSampleBufferRef> kept_;
-  std::uint64_t timesKept_ = 0;  // tells which one `kept_` is
+  std::uint64_t timesKept_ = 0;  // identifies `kept_`
   bool receiverWaits_ = false;
   std::atomic<bool> hasEnded_ = false;
 };

@@ -8,7 +8,7 @@
 namespace orvel {
 namespace {
 
-/// After which the system's word counts, whatever was posted.
+/// After which the reported place counts, whatever was posted.
 constexpr Seconds longestDelay{0.2};
 
 /// More than are put within the delay.
@@ -21,12 +21,12 @@ bool isSame(Point left, Point right) {
 
 }  // namespace
 
-bool PointerTrail::isCold() const {
+bool PointerTrail::isIdle() const {
   const Seconds now = clock_.now();
-  return state_.withLock([now](const State& state) { return isCold(state, now); });
+  return state_.withLock([now](const State& state) { return isIdle(state, now); });
 }
 
-bool PointerTrail::isCold(const State& state, Seconds now) {
+bool PointerTrail::isIdle(const State& state, Seconds now) {
   return state.places.empty() || now - state.places.back().putAt > longestDelay;
 }
 
@@ -46,23 +46,23 @@ void PointerTrail::put(Point place) {
 Point PointerTrail::resolve(Point reported) {
   const Seconds now = clock_.now();
   return state_.withLock([=](State& state) {
-    if (isCold(state, now)) return reported;
+    if (isIdle(state, now)) return reported;
     const Place last = state.places.back();
-    const Whereabouts whereabouts = find(state, reported, now);
-    state.stuckAt = whereabouts == Whereabouts::stuck ? std::optional(reported) : std::nullopt;
-    if (whereabouts == Whereabouts::behind) return last.point;
-    if (whereabouts == Whereabouts::known) state.places = {{reported, last.putAt}};
+    const Report report = classify(state, reported, now);
+    state.stuckAt = report == Report::stuck ? std::optional(reported) : std::nullopt;
+    if (report == Report::outdated) return last.point;
+    if (report == Report::current) state.places = {{reported, last.putAt}};
     return reported;
   });
 }
 
-PointerTrail::Whereabouts PointerTrail::find(const State& state, Point reported, Seconds now) {
+PointerTrail::Report PointerTrail::classify(const State& state, Point reported, Seconds now) {
   const auto isThere = [reported](const Place& place) { return isSame(place.point, reported); };
-  if (isThere(state.places.back())) return Whereabouts::known;
-  if (state.stuckAt && isSame(*state.stuckAt, reported)) return Whereabouts::stuck;
+  if (isThere(state.places.back())) return Report::current;
+  if (state.stuckAt && isSame(*state.stuckAt, reported)) return Report::stuck;
   const auto found = std::find_if(state.places.rbegin(), state.places.rend(), isThere);
-  if (found == state.places.rend()) return Whereabouts::known;
-  return now - std::prev(found)->putAt <= longestDelay ? Whereabouts::behind : Whereabouts::stuck;
+  if (found == state.places.rend()) return Report::current;
+  return now - std::prev(found)->putAt <= longestDelay ? Report::outdated : Report::stuck;
 }
 
 }  // namespace orvel

@@ -21,7 +21,7 @@ class PointerTrail {
   explicit PointerTrail(const Clock& clock) : clock_(clock) {}
 
   /// Whether nothing was put lately, so that `begin` is wanted before the next.
-  bool isCold() const;
+  bool isIdle() const;
 
   /// Where the system says that the pointer is, before anything is put.
   void begin(Point reported);
@@ -46,10 +46,10 @@ class PointerTrail {
 
   /// What the place means that the system reports: where it was put last or somebody else has moved it; one before the
   /// last, on the way; one that it did not leave.
-  enum class Whereabouts { known, behind, stuck };
+  enum class Report { current, outdated, stuck };
 
-  static bool isCold(const State& state, Seconds now);
-  static Whereabouts find(const State& state, Point reported, Seconds now);
+  static bool isIdle(const State& state, Seconds now);
+  static Report classify(const State& state, Point reported, Seconds now);
 
   const Clock& clock_;
   Guarded<State> state_;

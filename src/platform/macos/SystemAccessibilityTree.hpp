@@ -10,7 +10,7 @@
 
 namespace orvel {
 
-class Patience;
+class Cancellation;
 
 /// The user interface of all programs, by the system's accessibility. A program that does not answer within a quarter
 /// of a second is asked no further.
@@ -23,8 +23,8 @@ class SystemAccessibilityTree final : public AccessibilityTree {
   std::optional<AccessibleElement> elementAt(Point position) override;
 
  private:
-  const std::shared_ptr<std::remove_pointer_t<AXUIElementRef>> everything_;
-  const std::shared_ptr<Patience> patience_;
+  const std::shared_ptr<std::remove_pointer_t<AXUIElementRef>> systemWide_;
+  const std::shared_ptr<Cancellation> cancellation_;
 };
 
 }  // namespace orvel

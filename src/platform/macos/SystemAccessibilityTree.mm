@@ -15,8 +15,8 @@ namespace {
 
 using Value = CFPointer<CFTypeRef>;
 
-constexpr float patience = 0.25F;  // seconds
-constexpr std::chrono::milliseconds longestWait{500};
+constexpr float messagingTimeout = 0.25F;  // seconds
+constexpr std::chrono::milliseconds mainThreadTimeout{500};
 
 std::optional<std::string> text(const Value& value) {
   if (!value || CFGetTypeID(value.get()) != CFStringGetTypeID()) return std::nullopt;
@@ -42,7 +42,7 @@ std::optional<Size> size(const Value& value) {
   return found ? std::optional(Size{found->width, found->height}) : std::nullopt;
 }
 
-std::optional<AccessibleElement> askWhatItIs(AXUIElementRef element) {
+std::optional<AccessibleElement> readElement(AXUIElementRef element) {
   const std::array names = {kAXRoleAttribute, kAXPositionAttribute, kAXSizeAttribute};
   std::array<Value, names.size()> values;
   for (std::size_t at = 0; at < names.size(); ++at) {
@@ -55,35 +55,36 @@ std::optional<AccessibleElement> askWhatItIs(AXUIElementRef element) {
   return AccessibleElement{.role = text(values[0]), .position = point(values[1]), .size = size(values[2])};
 }
 
-std::optional<AccessibleElement> find(AXUIElementRef everything, Point position) {
+std::optional<AccessibleElement> find(AXUIElementRef systemWide, Point position) {
   AXUIElementRef found = nullptr;
-  const AXError error = AXUIElementCopyElementAtPosition(everything, static_cast<float>(position.x),
+  const AXError error = AXUIElementCopyElementAtPosition(systemWide, static_cast<float>(position.x),
                                                          static_cast<float>(position.y), &found);
   const CFPointer<AXUIElementRef> element(found);
   if (error != kAXErrorSuccess || !element) return std::nullopt;
-  return askWhatItIs(element.get());
+  return readElement(element.get());
 }
 
 }  // namespace
 
 SystemAccessibilityTree::SystemAccessibilityTree()
-    : everything_(CFPointer<AXUIElementRef>(AXUIElementCreateSystemWide())), patience_(std::make_shared<Patience>()) {
+    : systemWide_(CFPointer<AXUIElementRef>(AXUIElementCreateSystemWide())),
+      cancellation_(std::make_shared<Cancellation>()) {
   // Holds for every element that this program asks, as the element for everything stands for them all.
-  AXUIElementSetMessagingTimeout(everything_.get(), patience);
+  AXUIElementSetMessagingTimeout(systemWide_.get(), messagingTimeout);
 }
 
 // Other programs are asked by messages, but our own windows on the very thread that asks, and they are the main
 // thread's.
 std::optional<AccessibleElement> SystemAccessibilityTree::elementAt(Point position) {
   @autoreleasepool {
-    if (NSThread.isMainThread) return find(everything_.get(), position);
-    const auto answer = std::make_shared<Answer<std::optional<AccessibleElement>>>(patience_);
+    if (NSThread.isMainThread) return find(systemWide_.get(), position);
+    const auto answer = std::make_shared<Answer<std::optional<AccessibleElement>>>(cancellation_);
     const std::weak_ptr waiting = answer;
-    const auto everything = everything_;
+    const auto systemWide = systemWide_;
     dispatch_async(dispatch_get_main_queue(), ^{
-      if (const auto asker = waiting.lock()) asker->give(find(everything.get(), position));
+      if (const auto asker = waiting.lock()) asker->give(find(systemWide.get(), position));
     });
-    return answer->await(longestWait).value_or(std::nullopt);
+    return answer->await(mainThreadTimeout).value_or(std::nullopt);
   }
 }
 

@@ -100,7 +100,7 @@ void BonjourRegistration::answered(DNSServiceErrorType error) {
 
 }  // namespace
 
-/// What is to be announced, and the bell that wakes the thread for a change. Threads: any.
+/// What is to be announced, and the pipe that wakes the thread when it changes. Threads: any.
 class SystemAdvertiser::Orders {
  public:
   struct State {
@@ -110,24 +110,24 @@ class SystemAdvertiser::Orders {
 
   void announce(std::optional<BonjourService> service) {
     state_.withLock([&](State& state) { state.service = std::move(service); });
-    bell_.ring();
+    pipe_.wakeUp();
   }
 
   void finish() {
     state_.withLock([](State& state) { state.isFinished = true; });
-    bell_.ring();
+    pipe_.wakeUp();
   }
 
   State take() {
-    bell_.clear();
+    pipe_.clear();
     return state_.withLock([](const State& state) { return state; });
   }
 
-  int bell() const { return bell_.descriptor(); }
+  int descriptor() const { return pipe_.descriptor(); }
 
  private:
   Guarded<State> state_;
-  const WakeUpPipe bell_;
+  const WakeUpPipe pipe_;
 };
 
 /// Keeps the daemon informed of what is to be announced. Threads: its own one alone.
@@ -139,9 +139,9 @@ class SystemAdvertiser::Announcer {
   void run();
 
  private:
-  void ordersCame();
+  void handleOrders();
   void announce();
-  void look();
+  void checkRegistration();
   int untilRetry() const;
 
   Orders& orders_;
@@ -153,22 +153,22 @@ class SystemAdvertiser::Announcer {
 
 void SystemAdvertiser::Announcer::run() {
   while (!isFinished_) {
-    std::array<pollfd, 2> watched{pollfd{.fd = orders_.bell(), .events = POLLIN, .revents = 0},
+    std::array<pollfd, 2> watched{pollfd{.fd = orders_.descriptor(), .events = POLLIN, .revents = 0},
                                   pollfd{.fd = -1, .events = POLLIN, .revents = 0}};
     if (registration_) watched[1].fd = registration_->descriptor();
     const int count = poll(watched.data(), watched.size(), untilRetry());
     if (watched[0].revents != 0) {
-      ordersCame();
+      handleOrders();
     } else if (watched[1].revents != 0) {
       registration_->process();
-      look();
+      checkRegistration();
     } else if (count == 0) {
       announce();
     }
   }
 }
 
-void SystemAdvertiser::Announcer::ordersCame() {
+void SystemAdvertiser::Announcer::handleOrders() {
   Orders::State orders = orders_.take();
   isFinished_ = orders.isFinished;
   service_ = std::move(orders.service);
@@ -183,10 +183,10 @@ void SystemAdvertiser::Announcer::ordersCame() {
 void SystemAdvertiser::Announcer::announce() {
   registration_.reset();
   registration_.emplace(*service_);
-  look();
+  checkRegistration();
 }
 
-void SystemAdvertiser::Announcer::look() {
+void SystemAdvertiser::Announcer::checkRegistration() {
   const DNSServiceErrorType error = registration_->error();
   if (error == kDNSServiceErr_NoError) {
     if (registration_->isConfirmed()) failures_ = 0;

@@ -55,7 +55,7 @@ std::optional<ApplicationBundle> SystemApplicationBundles::read(const std::strin
   @autoreleasepool {
     NSString* location = NativeText::toNS(path);
     if (location == nil) return std::nullopt;
-    // An NSBundle may be kept by its class, and would go on telling what was on disk when it was made.
+    // An NSBundle may be kept by its class, and would go on returning what was on disk when it was made.
     const CFPointer<CFBundleRef> bundle(CFBundleCreate(nullptr, (__bridge CFURLRef)[NSURL fileURLWithPath:location]));
     if (!bundle) return std::nullopt;
     auto identifier = textIn(CFBundleGetIdentifier(bundle.get()));

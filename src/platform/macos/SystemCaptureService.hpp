@@ -7,7 +7,7 @@
 
 namespace orvel {
 
-class Patience;
+class Cancellation;
 
 /// Captures the screen by ScreenCaptureKit.
 ///
@@ -21,11 +21,11 @@ class SystemCaptureService final : public CaptureService {
 
   std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> shareableContent() override;
 
-  /// Parts from a system that does not answer: whatever waits for it fails, now and from now on.
+  /// Cancels every wait for the system: what waits fails, now and from now on.
   void giveUp();
 
  private:
-  const std::shared_ptr<Patience> patience_;
+  const std::shared_ptr<Cancellation> cancellation_;
 };
 
 }  // namespace orvel

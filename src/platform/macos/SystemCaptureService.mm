@@ -55,7 +55,7 @@ CaptureFailure noAnswer() {
 }
 
 /// Within which a system ends a capture that does not hang.
-constexpr std::chrono::milliseconds farewellPatience{300};
+constexpr std::chrono::milliseconds stopTimeout{300};
 
 struct CaptureAnswer {
   NSError* error;
@@ -66,13 +66,13 @@ struct CaptureAnswer {
 /// Threads: any; the handlers run on the queue of the offers. `begin`, which waits for the system, is called first.
 class DisplayStream final : public CaptureStream {
  public:
-  DisplayStream(SCContentFilter* filter, SCStreamConfiguration* configuration, std::shared_ptr<Patience> patience,
-                std::shared_ptr<FrameOffers> offers);
+  DisplayStream(SCContentFilter* filter, SCStreamConfiguration* configuration,
+                std::shared_ptr<Cancellation> cancellation, std::shared_ptr<FrameOffers> offers);
   ~DisplayStream() override;
   DisplayStream(const DisplayStream&) = delete;
   DisplayStream& operator=(const DisplayStream&) = delete;
 
-  /// Begins to offer frames, or tells why it does not. Called once.
+  /// Begins to offer frames, or returns why it does not. Called once.
   std::optional<CaptureFailure> begin();
 
   void resume() override;
@@ -80,7 +80,7 @@ class DisplayStream final : public CaptureStream {
  private:
   void stop();
 
-  const std::shared_ptr<Patience> patience_;
+  const std::shared_ptr<Cancellation> cancellation_;
   const std::shared_ptr<FrameOffers> offers_;
   OrvelStreamOutput* const output_;
   SCStream* const stream_;
@@ -88,8 +88,8 @@ class DisplayStream final : public CaptureStream {
 };
 
 DisplayStream::DisplayStream(SCContentFilter* filter, SCStreamConfiguration* configuration,
-                             std::shared_ptr<Patience> patience, std::shared_ptr<FrameOffers> offers)
-    : patience_(std::move(patience)),
+                             std::shared_ptr<Cancellation> cancellation, std::shared_ptr<FrameOffers> offers)
+    : cancellation_(std::move(cancellation)),
       offers_(std::move(offers)),
       output_([[OrvelStreamOutput alloc] initWithOffers:offers_]),
       stream_([[SCStream alloc] initWithFilter:filter configuration:configuration delegate:output_]) {}
@@ -108,7 +108,7 @@ std::optional<CaptureFailure> DisplayStream::begin() {
                           error:&error]) {
     return failureOf(error);
   }
-  const auto answer = std::make_shared<Answer<CaptureAnswer>>(patience_);
+  const auto answer = std::make_shared<Answer<CaptureAnswer>>(cancellation_);
   mayRun_ = true;
   [stream_ startCaptureWithCompletionHandler:^(NSError* startError) {
     answer->give({startError});
@@ -125,7 +125,7 @@ void DisplayStream::resume() {
 }
 
 void DisplayStream::stop() {
-  const auto answer = std::make_shared<Answer<CaptureAnswer>>(patience_);
+  const auto answer = std::make_shared<Answer<CaptureAnswer>>(cancellation_);
   // Until the capture has ended, however late, it may use both.
   SCStream* stream = stream_;
   OrvelStreamOutput* output = output_;
@@ -134,13 +134,13 @@ void DisplayStream::stop() {
     static_cast<void>(output);
     answer->give({error});
   }];
-  answer->await(farewellPatience);
+  answer->await(stopTimeout);
 }
 
 /// Of the samples that the system may lend out at once: one that is kept, one that is looked at, and one to draw.
 constexpr NSInteger queueDepth = 3;
 
-SCStreamConfiguration* described(const CaptureConfiguration& wanted) {
+SCStreamConfiguration* streamConfiguration(const CaptureConfiguration& wanted) {
   SCStreamConfiguration* configuration = [[SCStreamConfiguration alloc] init];
   configuration.width = static_cast<size_t>(wanted.width);
   configuration.height = static_cast<size_t>(wanted.height);
@@ -169,7 +169,7 @@ NSArray<SCDisplay*>* mainDisplayFirst(NSArray<SCDisplay*>* displays) {
 /// The displays that the system has at one moment, the main one first. Threads: one at a time.
 class DisplayContent final : public ShareableContent {
  public:
-  DisplayContent(SCShareableContent* content, std::shared_ptr<Patience> patience);
+  DisplayContent(SCShareableContent* content, std::shared_ptr<Cancellation> cancellation);
 
   std::vector<Size> displays() const override;
   std::variant<std::unique_ptr<CaptureStream>, CaptureFailure> start(std::size_t display,
@@ -178,11 +178,11 @@ class DisplayContent final : public ShareableContent {
 
  private:
   NSArray<SCDisplay*>* const displays_;
-  const std::shared_ptr<Patience> patience_;
+  const std::shared_ptr<Cancellation> cancellation_;
 };
 
-DisplayContent::DisplayContent(SCShareableContent* content, std::shared_ptr<Patience> patience)
-    : displays_(mainDisplayFirst(content.displays)), patience_(std::move(patience)) {}
+DisplayContent::DisplayContent(SCShareableContent* content, std::shared_ptr<Cancellation> cancellation)
+    : displays_(mainDisplayFirst(content.displays)), cancellation_(std::move(cancellation)) {}
 
 std::vector<Size> DisplayContent::displays() const {
   @autoreleasepool {
@@ -199,7 +199,7 @@ std::variant<std::unique_ptr<CaptureStream>, CaptureFailure> DisplayContent::sta
   @autoreleasepool {
     SCContentFilter* filter = [[SCContentFilter alloc] initWithDisplay:displays_[display] excludingWindows:@[]];
     auto stream = std::make_unique<DisplayStream>(
-        filter, described(configuration), patience_,
+        filter, streamConfiguration(configuration), cancellation_,
         std::make_shared<FrameOffers>(configuration.framesPerSecond, std::move(handlers)));
     if (auto failure = stream->begin()) return *std::move(failure);
     return stream;
@@ -213,13 +213,13 @@ struct ContentAnswer {
 
 }  // namespace
 
-SystemCaptureService::SystemCaptureService() : patience_(std::make_shared<Patience>()) {}
+SystemCaptureService::SystemCaptureService() : cancellation_(std::make_shared<Cancellation>()) {}
 
 SystemCaptureService::~SystemCaptureService() = default;
 
 std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> SystemCaptureService::shareableContent() {
   @autoreleasepool {
-    const auto answer = std::make_shared<Answer<ContentAnswer>>(patience_);
+    const auto answer = std::make_shared<Answer<ContentAnswer>>(cancellation_);
     [SCShareableContent getShareableContentExcludingDesktopWindows:NO
                                                onScreenWindowsOnly:YES
                                                  completionHandler:^(SCShareableContent* content, NSError* error) {
@@ -228,12 +228,12 @@ std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> SystemCaptureSer
     const auto given = answer->await();
     if (!given) return noAnswer();
     if (given->content == nil) return failureOf(given->error);
-    return std::make_unique<DisplayContent>(given->content, patience_);
+    return std::make_unique<DisplayContent>(given->content, cancellation_);
   }
 }
 
 void SystemCaptureService::giveUp() {
-  patience_->end();
+  cancellation_->cancel();
 }
 
 }  // namespace orvel

@@ -125,7 +125,7 @@ bool SystemEventPoster::post(const MouseEvent& event) {
     } else {
       CGEventSetIntegerValueField(made.get(), kCGMouseEventClickState, event.clickState);
     }
-    if (trail_.isCold()) {
+    if (trail_.isIdle()) {
       if (const auto before = reportedLocation()) trail_.begin(*before);
     }
     trail_.put(*event.position);

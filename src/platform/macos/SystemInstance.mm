@@ -26,7 +26,7 @@
 namespace orvel {
 namespace {
 
-constexpr CFTimeInterval patience = 1;
+constexpr CFTimeInterval messageTimeout = 1;
 constexpr SInt32 showMessage = 1;
 
 CFStringRef portName() {
@@ -112,7 +112,7 @@ bool InstancePort::ask() {
   if (!other) return false;
   CFDataRef data = nullptr;
   const SInt32 result =
-      CFMessagePortSendRequest(other.get(), showMessage, nullptr, patience, patience, waitingMode(), &data);
+      CFMessagePortSendRequest(other.get(), showMessage, nullptr, messageTimeout, messageTimeout, waitingMode(), &data);
   const CFPointer<CFDataRef> reply(data);
   return result == kCFMessagePortSuccess && reply != nullptr;
 }

@@ -6,7 +6,7 @@
 
 namespace orvel {
 
-/// The presses that other programs get, which takes no permission; our own windows hear of theirs by themselves.
+/// The presses that other programs get, which takes no permission; our own windows receive theirs anyway.
 /// Threads: the main thread.
 class SystemPressWatch final : public PressWatch {
  public:

@@ -14,11 +14,11 @@ namespace {
 
 constexpr int probeInterval = 4;
 constexpr int probeCount = 4;
-constexpr double slowestPace = 1000;    // bytes a second
-constexpr double longestSpell = 32767;  // seconds; the kernel counts milliseconds in 32 bits
-constexpr int established = 4;          // the state of a connection as long as neither end has ended it
+constexpr double slowestPace = 1000;      // bytes a second
+constexpr double longestTimeout = 32767;  // seconds; the kernel counts milliseconds in 32 bits
+constexpr int established = 4;            // the state of a connection as long as neither end has ended it
 
-std::optional<tcp_connection_info> knowledgeOf(int socket) {
+std::optional<tcp_connection_info> connectionInfo(int socket) {
   tcp_connection_info info{};
   socklen_t size = sizeof info;
   if (getsockopt(socket, IPPROTO_TCP, TCP_CONNECTION_INFO, &info, &size) != 0) return std::nullopt;
@@ -30,8 +30,8 @@ bool setOption(int socket, int level, int name, int value) {
 }
 
 /// At least one, as none stands for no limit at all.
-int wholeSeconds(Seconds spell) {
-  return static_cast<int>(std::ceil(std::clamp(spell.count(), 1.0, longestSpell)));
+int wholeSeconds(Seconds duration) {
+  return static_cast<int>(std::ceil(std::clamp(duration.count(), 1.0, longestTimeout)));
 }
 
 }  // namespace
@@ -47,24 +47,24 @@ bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
 // The limit counts from the first repetition and is looked at with each further one, so a vanished peer may be given up
 // late; by then the probes have ended the connection. A peer that has no room is not sent repetitions, but asked for
 // room, which it answers: it is not given up.
-Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
-  const auto known = knowledgeOf(socket);
-  if (!known || known->tcpi_snd_sbbytes == 0) return Delivery::done;
-  setOption(socket, IPPROTO_TCP, TCP_RXT_CONNDROPTIME, wholeSeconds(patience));
+Delivery SystemSocketTuner::delivery(int socket, Seconds timeout) {
+  const auto info = connectionInfo(socket);
+  if (!info || info->tcpi_snd_sbbytes == 0) return Delivery::done;
+  setOption(socket, IPPROTO_TCP, TCP_RXT_CONNDROPTIME, wholeSeconds(timeout));
   return Delivery::pending;
 }
 
 bool SystemSocketTuner::hasHungUp(int socket) {
-  const auto known = knowledgeOf(socket);
-  return !known || known->tcpi_state != established;
+  const auto info = connectionInfo(socket);
+  return !info || info->tcpi_state != established;
 }
 
 Backlog SystemSocketTuner::backlog(int socket) {
-  const auto known = knowledgeOf(socket);
-  if (!known) return {};
-  return backlogAt({.unacknowledged = known->tcpi_snd_sbbytes,
-                    .window = std::min(known->tcpi_snd_cwnd, known->tcpi_snd_wnd),
-                    .trip = known->tcpi_srtt});
+  const auto info = connectionInfo(socket);
+  if (!info) return {};
+  return backlogAt({.unacknowledged = info->tcpi_snd_sbbytes,
+                    .window = std::min(info->tcpi_snd_cwnd, info->tcpi_snd_wnd),
+                    .trip = info->tcpi_srtt});
 }
 
 Backlog SystemSocketTuner::backlogAt(const Pace& pace) {

@@ -16,7 +16,7 @@ class SystemSocketTuner final : public SocketTuner {
   bool enableKeepAlive(int socket, Seconds idle) override;
 
   /// Never finds data ignored: it gives the kernel a time limit, which then ends the connection itself.
-  Delivery delivery(int socket, Seconds patience) override;
+  Delivery delivery(int socket, Seconds timeout) override;
 
   bool hasHungUp(int socket) override;
   Backlog backlog(int socket) override;

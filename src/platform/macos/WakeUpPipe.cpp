@@ -21,14 +21,14 @@ WakeUpPipe::~WakeUpPipe() {
   }
 }
 
-void WakeUpPipe::ring() const {
+void WakeUpPipe::wakeUp() const {
   const char any = 0;
   [[maybe_unused]] const ssize_t size = write(ends_[1], &any, 1);
 }
 
 void WakeUpPipe::clear() const {
-  std::array<char, 64> rings;
-  while (read(ends_[0], rings.data(), rings.size()) > 0) {
+  std::array<char, 64> bytes;
+  while (read(ends_[0], bytes.data(), bytes.size()) > 0) {
   }
 }
 

@@ -2,7 +2,8 @@
 
 namespace orvel {
 
-/// Wakes a thread that polls, by a descriptor that becomes readable. Threads: `ring` any, the rest the one that polls.
+/// Wakes a thread that polls, by a descriptor that becomes readable. Threads: `wakeUp` any, the rest the one that
+/// polls.
 class WakeUpPipe {
  public:
   WakeUpPipe();
@@ -11,9 +12,9 @@ class WakeUpPipe {
   WakeUpPipe& operator=(const WakeUpPipe&) = delete;
 
   /// Does not block, however often it was called.
-  void ring() const;
+  void wakeUp() const;
 
-  /// Forgets what was rung so far.
+  /// Makes the descriptor unreadable until the next `wakeUp`.
   void clear() const;
 
   int descriptor() const { return ends_[0]; }

@@ -26,7 +26,7 @@ namespace {
 void note(DNSServiceRef reference, int looks) {
   bonjour().change([&](Bonjour::Books& books) {
     books.looks += looks;
-    if (reference->thread != std::this_thread::get_id()) ++books.strangers;
+    if (reference->thread != std::this_thread::get_id()) ++books.wrongThreadUses;
   });
 }
 

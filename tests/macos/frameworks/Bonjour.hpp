@@ -32,8 +32,8 @@ class Bonjour {
     std::deque<DNSServiceErrorType> refusals;  ///< Of the next ones; the last one stays.
     std::function<void()> delay;               ///< Takes place while a request is made.
     std::vector<DNSServiceRef> living;
-    int looks = 0;      ///< How often the library was asked for its socket.
-    int strangers = 0;  ///< Uses on another thread than the one that made it.
+    int looks = 0;            ///< How often the library was asked for its socket.
+    int wrongThreadUses = 0;  ///< Uses on another thread than the one that made it.
   };
 
   /// A copy of how things are.

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-/// What programs hear of the events that others get.
+/// The monitors of events that other programs receive.
 namespace fake {
 
 /// Notifies the monitors of an event of that kind, which is a mask of its own.

@@ -14,7 +14,7 @@ namespace fake {
 struct IconDrawing {
   std::set<std::string> failing;  ///< Of "bitmap", "colour", "context" and "png".
   CGSize iconSize{.width = 32, .height = 24};
-  std::chrono::milliseconds patience{0};  ///< How long drawing waits for another thread to draw, too.
+  std::chrono::milliseconds timeout{0};  ///< How long drawing waits for another thread to draw, too.
   std::vector<std::uint8_t> png = {0x89, 'P', 'N', 'G'};
 
   // What was asked for, as of the last drawing.

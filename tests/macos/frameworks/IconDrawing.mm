@@ -28,13 +28,13 @@ class Meeting {
     return meeting;
   }
 
-  /// Whether the caller is alone: the first one waits as long as `patience` for another.
-  bool isAlone(std::chrono::milliseconds patience) {
+  /// Whether the caller is alone: the first one waits as long as `timeout` for another.
+  bool isAlone(std::chrono::milliseconds timeout) {
     std::unique_lock lock(mutex_);
     ++present_;
     haveMet_ = haveMet_ || present_ > 1;
     changed_.notify_all();
-    changed_.wait_for(lock, patience, [this] { return haveMet_; });
+    changed_.wait_for(lock, timeout, [this] { return haveMet_; });
     --present_;
     return !haveMet_;
   }
@@ -146,7 +146,7 @@ Contexts& contexts() {
          operation:(NSCompositingOperation)operation
           fraction:(CGFloat)fraction {
   fake::IconDrawing& drawing = fake::iconDrawing();
-  if (!Meeting::shared().isAlone(drawing.patience)) return;
+  if (!Meeting::shared().isAlone(drawing.timeout)) return;
   NSGraphicsContext* context = NSGraphicsContext.currentContext;
   if (context == nil) std::abort();
   drawing.place = place;

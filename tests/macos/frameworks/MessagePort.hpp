@@ -25,8 +25,8 @@ struct MessagePorts {
 /// Tests set it anew.
 MessagePorts& messagePorts();
 
-/// The name of our port, while it has one and the main run loop hears of it in its common modes.
-std::string heardPort();
+/// The name of our port, while it has one and the main run loop serves it in its common modes.
+std::string servedPort();
 
 /// Sends our port a message, as another program does while the main run loop turns; whether it gets an answer.
 bool messageOurPort();

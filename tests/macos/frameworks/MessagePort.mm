@@ -113,7 +113,7 @@ MessagePorts& messagePorts() {
   return ports;
 }
 
-std::string heardPort() {
+std::string servedPort() {
   return ours != nil && ours->isHeard_ ? ours->name_ : "";
 }
 

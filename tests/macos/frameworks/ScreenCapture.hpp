@@ -18,7 +18,7 @@ struct CaptureReply {
 };
 
 /// What a stream was asked for.
-struct CaptureWish {
+struct CaptureRequest {
   std::size_t display = 0;
   std::size_t excludedWindows = 0;
   std::size_t width = 0;
@@ -44,7 +44,7 @@ struct Sample {
   bool isValid = true;
   Status status = 0;
   bool hasPixels = true;
-  std::size_t width = 1000;  ///< Tells the samples of a test apart.
+  std::size_t width = 1000;  ///< Distinguishes the samples of a test.
   std::size_t height = 800;
 };
 
@@ -68,7 +68,7 @@ struct ScreenCapture {
   bool keepsOutputs = true;                ///< Whether a stream keeps its outputs alive.
 
   std::vector<std::string> calls;  ///< In order.
-  std::vector<CaptureWish> wishes;
+  std::vector<CaptureRequest> requests;
 };
 
 /// Tests set it anew while nothing is captured, and read it when they have waited for what they look at.
@@ -96,7 +96,7 @@ void failStream(const std::string& description);
 void answerHeldBack();
 void forgetHeldBack();
 
-/// Returns when the answers that have been given have been heard.
+/// Returns when the answers that have been given have been handled.
 void finishAnswers();
 
 /// A buffer of Core Video that is in no sample.

@@ -170,17 +170,17 @@ SCStreamFrameInfo const SCStreamFrameInfoStatus = @"SCStreamUpdateFrameStatus";
                       delegate:(id<SCStreamDelegate>)delegate {
   delegate_ = delegate;
   const CMTime interval = configuration.minimumFrameInterval;
-  fake::screenCapture().wishes.push_back({.display = filter->display_->place_,
-                                          .excludedWindows = filter->excluded_,
-                                          .width = configuration.width,
-                                          .height = configuration.height,
-                                          .intervalValue = interval.value,
-                                          .intervalScale = interval.timescale,
-                                          .pixelFormat = configuration.pixelFormat,
-                                          .showsCursor = configuration.showsCursor == YES,
-                                          .preservesAspectRatio = configuration.preservesAspectRatio == YES,
-                                          .queueDepth = configuration.queueDepth,
-                                          .queueLabel = {}});
+  fake::screenCapture().requests.push_back({.display = filter->display_->place_,
+                                            .excludedWindows = filter->excluded_,
+                                            .width = configuration.width,
+                                            .height = configuration.height,
+                                            .intervalValue = interval.value,
+                                            .intervalScale = interval.timescale,
+                                            .pixelFormat = configuration.pixelFormat,
+                                            .showsCursor = configuration.showsCursor == YES,
+                                            .preservesAspectRatio = configuration.preservesAspectRatio == YES,
+                                            .queueDepth = configuration.queueDepth,
+                                            .queueLabel = {}});
   record("stream");
   return self;
 }
@@ -196,8 +196,8 @@ SCStreamFrameInfo const SCStreamFrameInfoStatus = @"SCStreamUpdateFrameStatus";
   output_ = output;
   if (fake::screenCapture().keepsOutputs) keptOutput_ = output;
   queue_ = queue;
-  fake::screenCapture().wishes.back().queueLabel = dispatch::label(queue);
-  fake::screenCapture().wishes.back().queueQuality = dispatch::quality(queue);
+  fake::screenCapture().requests.back().queueLabel = dispatch::label(queue);
+  fake::screenCapture().requests.back().queueQuality = dispatch::quality(queue);
   return YES;
 }
 - (void)startCaptureWithCompletionHandler:(Handler)handler {

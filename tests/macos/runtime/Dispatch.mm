@@ -179,7 +179,7 @@ void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_bl
   bool done = false;
   // The locals outlive the block, for this waits for it.
   std::mutex* guards = &mutex;
-  std::condition_variable* tells = &changed;
+  std::condition_variable* completed = &changed;
   bool* isDone = &done;
   // A pointer, as the block below may go after this has returned.
   const dispatch_block_t __unsafe_unretained caller = block;
@@ -188,7 +188,7 @@ void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_bl
     (*call)();
     const std::lock_guard guard(*guards);
     *isDone = true;
-    tells->notify_all();
+    completed->notify_all();
   });
   std::unique_lock lock(mutex);
   changed.wait(lock, [&] { return done; });

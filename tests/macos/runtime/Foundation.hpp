@@ -5,7 +5,7 @@
 #include <string>
 
 @interface NSNotificationCenter ()
-- (void)tell:(NSString*)name userInfo:(NSDictionary*)userInfo;
+- (void)post:(NSString*)name userInfo:(NSDictionary*)userInfo;
 @property(readonly) NSUInteger observerCount;
 @end
 
@@ -15,7 +15,7 @@ namespace objectivec {
 NSString* text(const std::string& bytes);
 std::size_t utf16Length(const std::string& text);
 
-/// Whether every character starts and goes on as one does; good enough to tell a text from other bytes.
+/// Whether every character starts and goes on as one does; good enough to distinguish a text from other bytes.
 bool isUTF8(const std::string& bytes);
 
 NSError* error(const std::string& domain, NSInteger code, const std::string& description);

@@ -335,7 +335,7 @@ static void expectObjects(const id* objects, NSUInteger count) {
 - (void)removeObserver:(id)observer {
   std::erase(observers_, static_cast<NotificationObserver*>(observer));
 }
-- (void)tell:(NSString*)name userInfo:(NSDictionary*)userInfo {
+- (void)post:(NSString*)name userInfo:(NSDictionary*)userInfo {
   NSNotification* notification = [[NSNotification alloc] init];
   notification->name_ = name;
   notification->userInfo_ = userInfo;
@@ -391,7 +391,7 @@ NSError* error(const std::string& domain, NSInteger code, const std::string& des
 }
 
 void notify(NSNotificationCenter* center, NSString* name, NSDictionary* userInfo) {
-  [center tell:name userInfo:userInfo];
+  [center post:name userInfo:userInfo];
 }
 
 std::size_t observerCount(NSNotificationCenter* center) {

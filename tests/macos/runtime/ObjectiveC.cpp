@@ -170,7 +170,7 @@ class Registry {
     }
   }
 
-  /// Moves the variables of a class behind those of its parent, which may have more than its header tells.
+  /// Moves the variables of a class behind those of its parent, which may have more than its header declares.
   void prepare(ClassObject* type) {
     if (type == nullptr || !prepared_.insert(type).second) return;
     prepare(type->parent);
