@@ -28,14 +28,14 @@ class AdvertiserTest : public MacTest {
  protected:
   void SetUp() override {
     MacTest::SetUp();
-    fake::bonjour().change([](fake::Bonjour::Books& books) { books = {}; });
+    fake::bonjour().change([](fake::Bonjour::State& state) { state = {}; });
     advertiser_.emplace();
   }
 
   void TearDown() override {
     advertiser_.reset();
     EXPECT_TRUE(eventually([] { return living() == 0; }));
-    EXPECT_EQ(fake::bonjour().books().wrongThreadUses, 0);
+    EXPECT_EQ(fake::bonjour().state().wrongThreadUses, 0);
     MacTest::TearDown();
   }
 
@@ -48,8 +48,8 @@ class AdvertiserTest : public MacTest {
     return true;
   }
 
-  static std::size_t requests() { return fake::bonjour().books().requests.size(); }
-  static std::size_t living() { return fake::bonjour().books().living.size(); }
+  static std::size_t requests() { return fake::bonjour().state().requests.size(); }
+  static std::size_t living() { return fake::bonjour().state().living.size(); }
 
   /// Whether so many requests were made and one lives.
   static bool isAnnounced(std::size_t count) {
@@ -57,7 +57,7 @@ class AdvertiserTest : public MacTest {
   }
 
   static void refuse(std::deque<DNSServiceErrorType> errors) {
-    fake::bonjour().change([&](fake::Bonjour::Books& books) { books.refusals = errors; });
+    fake::bonjour().change([&](fake::Bonjour::State& state) { state.refusals = errors; });
   }
 
   void advertise() { advertiser_->advertise("Desk", "_orvel._tcp", 8787); }
@@ -80,7 +80,7 @@ TEST_F(AdvertiserTest, NothingIsAnnouncedUnasked) {
 TEST_F(AdvertiserTest, TheServiceIsAnnouncedByNameAndPortAlone) {
   advertiser_->advertise("Ada's Küche", "_orvel._tcp", 8787);
   ASSERT_TRUE(isAnnounced(1));
-  const fake::BonjourRequest request = fake::bonjour().books().requests[0];
+  const fake::BonjourRequest request = fake::bonjour().state().requests[0];
   EXPECT_EQ(request.flags, 0u) << "the system may take another name";
   EXPECT_EQ(request.interfaceIndex, 0u);
   EXPECT_EQ(request.name, "Ada's Küche");
@@ -104,7 +104,7 @@ TEST_F(AdvertiserTest, AdvertisingAgainReplaces) {
   ASSERT_TRUE(isAnnounced(1));
   advertiser_->advertise("Kitchen", "_orvel._tcp", 8788);
   ASSERT_TRUE(isAnnounced(2));
-  EXPECT_EQ(fake::bonjour().books().requests[1].name, "Kitchen");
+  EXPECT_EQ(fake::bonjour().state().requests[1].name, "Kitchen");
 }
 
 TEST_F(AdvertiserTest, TheEndTakesItBack) {
@@ -118,9 +118,9 @@ TEST_F(AdvertiserTest, NothingRunsWhileNothingChanges) {
   advertise();
   ASSERT_TRUE(isAnnounced(1));
   fake::bonjour().answer(noError);
-  ASSERT_TRUE(eventually([] { return fake::bonjour().books().looks == 2; }));
+  ASSERT_TRUE(eventually([] { return fake::bonjour().state().socketQueries == 2; }));
   std::this_thread::sleep_for(milliseconds(100));
-  EXPECT_EQ(fake::bonjour().books().looks, 2);
+  EXPECT_EQ(fake::bonjour().state().socketQueries, 2);
 }
 
 TEST_F(AdvertiserTest, TheServiceIsRegisteredAgainAfterEachRestartOfTheDaemon) {
@@ -186,7 +186,7 @@ TEST_F(AdvertiserTest, ANameThatIsNotUTF8IsNotRegistered) {
   ASSERT_TRUE(eventually([] { return living() == 0; })) << "what it replaces is withdrawn";
   advertise();
   EXPECT_TRUE(isAnnounced(2));
-  EXPECT_EQ(fake::bonjour().books().requests[1].name, "Desk");
+  EXPECT_EQ(fake::bonjour().state().requests[1].name, "Desk");
 }
 
 TEST_F(AdvertiserTest, ALongNameIsCutBetweenCharacters) {
@@ -196,7 +196,7 @@ TEST_F(AdvertiserTest, ALongNameIsCutBetweenCharacters) {
   for (int count = 0; count < 20; ++count) expected += "日";
   advertiser_->advertise(name, "_orvel._tcp", 8787);
   ASSERT_TRUE(isAnnounced(1));
-  EXPECT_EQ(fake::bonjour().books().requests[0].name, expected);
+  EXPECT_EQ(fake::bonjour().state().requests[0].name, expected);
 }
 
 TEST(WakeUpPipe, IsClosedAtTheEndAndForOtherPrograms) {
@@ -217,8 +217,8 @@ TEST_F(AdvertiserTest, ItEndsQuicklyWhileItWaitsToTryAgain) {
 TEST_F(AdvertiserTest, ADaemonThatHangsIsLeft) {
   const auto begun = std::make_shared<std::promise<void>>();
   std::promise<void> release;
-  fake::bonjour().change([&](fake::Bonjour::Books& books) {
-    books.delay = [begun, released = release.get_future().share()] {
+  fake::bonjour().change([&](fake::Bonjour::State& state) {
+    state.delay = [begun, released = release.get_future().share()] {
       begun->set_value();
       released.wait();
     };
@@ -227,7 +227,7 @@ TEST_F(AdvertiserTest, ADaemonThatHangsIsLeft) {
   begun->get_future().wait();
   EXPECT_LT(timeToEnd(), milliseconds(3000));
   release.set_value();
-  EXPECT_TRUE(eventually([] { return fake::bonjour().books().looks == 1; }));
+  EXPECT_TRUE(eventually([] { return fake::bonjour().state().socketQueries == 1; }));
 }
 
 }  // namespace

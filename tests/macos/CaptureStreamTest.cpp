@@ -51,7 +51,7 @@ class CaptureStreamTest : public CaptureTest {
     auto content = std::get<std::unique_ptr<ShareableContent>>(service.shareableContent());
     stream_ = std::get<std::unique_ptr<CaptureStream>>(content->start(
         0, {.width = 500, .height = 400, .framesPerSecond = 20},
-        {.frame = [this](CapturedFrame& frame) { return see(frame); }, .stopped = [this] { hearStop(); }}));
+        {.frame = [this](CapturedFrame& frame) { return see(frame); }, .stopped = [this] { receiveStop(); }}));
   }
 
   FrameAnswer see(CapturedFrame& frame) {
@@ -65,7 +65,7 @@ class CaptureStreamTest : public CaptureTest {
     return answer;
   }
 
-  void hearStop() {
+  void receiveStop() {
     if (whileStopping_) whileStopping_();
     ++stops_;
   }

@@ -59,7 +59,7 @@ TEST_F(InstanceTest, TheSecondOneDoesNotAndTheTerminalStaysClean) {
 }
 
 TEST_F(InstanceTest, OneThatIsFasterIsSeen) {
-  fake::messagePorts().takenBehindBack = true;
+  fake::messagePorts().takenBetweenChecks = true;
   EXPECT_FALSE(claim());
 }
 
@@ -89,7 +89,7 @@ TEST_F(InstanceTest, AnotherStartShowsThePanel) {
   EXPECT_EQ(shown_.size(), 2U);
 }
 
-TEST_F(InstanceTest, NobodyIsHeardAfterItsEnd) {
+TEST_F(InstanceTest, NobodyIsServedAfterItsEnd) {
   claim();
   instance_.reset();
   EXPECT_FALSE(fake::messageOurPort());

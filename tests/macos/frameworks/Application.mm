@@ -65,7 +65,7 @@ Application& application() {
 
 void changeAppearance(const std::string& name) {
   application().appearance = name;
-  tellKeyValueObservers(NSApp, "effectiveAppearance");
+  notifyKeyValueObservers(NSApp, "effectiveAppearance");
 }
 
 void finishLaunching() {

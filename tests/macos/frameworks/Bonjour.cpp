@@ -23,29 +23,29 @@ struct _DNSServiceRef_t {
 namespace fake {
 namespace {
 
-void note(DNSServiceRef reference, int looks) {
-  bonjour().change([&](Bonjour::Books& books) {
-    books.looks += looks;
-    if (reference->thread != std::this_thread::get_id()) ++books.wrongThreadUses;
+void note(DNSServiceRef reference, int socketQueries) {
+  bonjour().change([&](Bonjour::State& state) {
+    state.socketQueries += socketQueries;
+    if (reference->thread != std::this_thread::get_id()) ++state.wrongThreadUses;
   });
 }
 
 }  // namespace
 
-Bonjour::Books Bonjour::books() {
-  return books_.withLock([](const Books& books) { return books; });
+Bonjour::State Bonjour::state() {
+  return state_.withLock([](const State& state) { return state; });
 }
 
-void Bonjour::change(const std::function<void(Books&)>& how) {
-  books_.withLock([&](Books& books) { how(books); });
+void Bonjour::change(const std::function<void(State&)>& how) {
+  state_.withLock([&](State& state) { how(state); });
 }
 
 void Bonjour::answer(DNSServiceErrorType error) {
-  change([&](Books& books) { write(books.living.at(0)->ends[1], &error, sizeof error); });
+  change([&](State& state) { write(state.living.at(0)->ends[1], &error, sizeof error); });
 }
 
 void Bonjour::die() {
-  change([](Books& books) { shutdown(books.living.at(0)->ends[1], SHUT_RDWR); });
+  change([](State& state) { shutdown(state.living.at(0)->ends[1], SHUT_RDWR); });
 }
 
 Bonjour& bonjour() {
@@ -61,20 +61,20 @@ DNSServiceErrorType DNSServiceRegister(DNSServiceRef* sdRef, DNSServiceFlags fla
                                        const char* name, const char* regtype, const char* domain, const char* host,
                                        uint16_t port, uint16_t txtLen, const void* txtRecord,
                                        DNSServiceRegisterReply callBack, void* context) {
-  const auto delay = fake::bonjour().books().delay;
+  const auto delay = fake::bonjour().state().delay;
   if (delay) delay();
   DNSServiceErrorType refusal = kDNSServiceErr_NoError;
-  fake::bonjour().change([&](fake::Bonjour::Books& books) {
-    books.requests.push_back({.flags = flags,
+  fake::bonjour().change([&](fake::Bonjour::State& state) {
+    state.requests.push_back({.flags = flags,
                               .interfaceIndex = interfaceIndex,
                               .name = name,
                               .type = regtype,
                               .hasDomainOrHost = domain != nullptr || host != nullptr,
                               .port = port,
                               .hasText = txtLen != 0 || txtRecord != nullptr});
-    if (books.refusals.empty()) return;
-    refusal = books.refusals.front();
-    if (books.refusals.size() > 1) books.refusals.pop_front();
+    if (state.refusals.empty()) return;
+    refusal = state.refusals.front();
+    if (state.refusals.size() > 1) state.refusals.pop_front();
   });
   if (refusal != kDNSServiceErr_NoError) {
     // The library has freed it by then, but does not take it back.
@@ -83,7 +83,7 @@ DNSServiceErrorType DNSServiceRegister(DNSServiceRef* sdRef, DNSServiceFlags fla
   }
   *sdRef = new _DNSServiceRef_t{.reply = callBack, .context = context};
   socketpair(AF_UNIX, SOCK_STREAM, 0, (*sdRef)->ends.data());
-  fake::bonjour().change([&](fake::Bonjour::Books& books) { books.living.push_back(*sdRef); });
+  fake::bonjour().change([&](fake::Bonjour::State& state) { state.living.push_back(*sdRef); });
   return kDNSServiceErr_NoError;
 }
 
@@ -102,7 +102,7 @@ DNSServiceErrorType DNSServiceProcessResult(DNSServiceRef sdRef) {
 
 void DNSServiceRefDeallocate(DNSServiceRef sdRef) {
   fake::note(sdRef, 0);
-  fake::bonjour().change([&](fake::Bonjour::Books& books) { std::erase(books.living, sdRef); });
+  fake::bonjour().change([&](fake::Bonjour::State& state) { std::erase(state.living, sdRef); });
   for (const int end : sdRef->ends) close(end);
   delete sdRef;
 }

@@ -27,19 +27,19 @@ struct BonjourRequest {
 /// Threads: any.
 class Bonjour {
  public:
-  struct Books {
+  struct State {
     std::vector<BonjourRequest> requests;
     std::deque<DNSServiceErrorType> refusals;  ///< Of the next ones; the last one stays.
     std::function<void()> delay;               ///< Takes place while a request is made.
     std::vector<DNSServiceRef> living;
-    int looks = 0;            ///< How often the library was asked for its socket.
+    int socketQueries = 0;    ///< How often the library was asked for its socket.
     int wrongThreadUses = 0;  ///< Uses on another thread than the one that made it.
   };
 
   /// A copy of how things are.
-  Books books();
+  State state();
 
-  void change(const std::function<void(Books&)>& how);
+  void change(const std::function<void(State&)>& how);
 
   /// Has the daemon answer the only request that lives.
   void answer(DNSServiceErrorType error);
@@ -48,10 +48,10 @@ class Bonjour {
   void die();
 
  private:
-  orvel::Guarded<Books> books_;
+  orvel::Guarded<State> state_;
 };
 
-/// One for all tests, which set its books anew.
+/// One for all tests, which set its state anew.
 Bonjour& bonjour();
 
 }  // namespace fake

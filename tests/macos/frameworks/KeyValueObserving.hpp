@@ -9,7 +9,7 @@
 namespace fake {
 
 /// Notifies the observers of that property that it has another value.
-void tellKeyValueObservers(NSObject* observed, const std::string& keyPath);
+void notifyKeyValueObservers(NSObject* observed, const std::string& keyPath);
 
 std::size_t keyValueObserverCount();
 

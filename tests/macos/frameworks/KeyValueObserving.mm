@@ -41,7 +41,7 @@ std::vector<Observation>& observations() {
 
 namespace fake {
 
-void tellKeyValueObservers(NSObject* observed, const std::string& keyPath) {
+void notifyKeyValueObservers(NSObject* observed, const std::string& keyPath) {
   const auto notified = observations();
   for (const Observation& each : notified) {
     if (each.observed != observed || each.keyPath != keyPath) continue;

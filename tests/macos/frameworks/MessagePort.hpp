@@ -8,9 +8,9 @@
 namespace fake {
 
 struct MessagePorts {
-  std::string takenName;         ///< The name that another program's port has; empty when none has one.
-  bool takenBehindBack = false;  ///< That port comes into being between two looks.
-  bool givesNone = false;        ///< No port can be made at all.
+  std::string takenName;            ///< The name that another program's port has; empty when none has one.
+  bool takenBetweenChecks = false;  ///< That port comes into being between two checks.
+  bool givesNone = false;           ///< No port can be made at all.
   bool givesNoSource = false;
   SInt32 answer = kCFMessagePortSuccess;
   bool answersWithData = true;

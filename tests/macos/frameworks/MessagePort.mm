@@ -12,7 +12,7 @@
   CFMessagePortCallBack callout_;
   CFMessagePortContext context_;
   bool isValid_;
-  bool isHeard_;
+  bool isServed_;
 }
 @end
 
@@ -47,14 +47,14 @@ CFRunLoopRef CFRunLoopGetMain() {
 
 void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode mode) {
   if (source == nullptr) std::abort();
-  ((__bridge PortSource*)source)->port_->isHeard_ = mode == kCFRunLoopCommonModes;
+  ((__bridge PortSource*)source)->port_->isServed_ = mode == kCFRunLoopCommonModes;
 }
 
 CFMessagePortRef CFMessagePortCreateLocal(CFAllocatorRef, CFStringRef name, CFMessagePortCallBack callout,
                                           CFMessagePortContext* context, Boolean* shouldFreeInfo) {
   fake::MessagePorts& ports = fake::messagePorts();
   const std::string text = orvel::NativeText::fromCF(name);
-  if (ports.takenBehindBack) ports.takenName = text;
+  if (ports.takenBetweenChecks) ports.takenName = text;
   if (shouldFreeInfo != nullptr) *shouldFreeInfo = ports.givesNone || ports.takenName == text;
   if (ports.givesNone || ports.takenName == text) {
     ++ports.complaints;
@@ -114,11 +114,11 @@ MessagePorts& messagePorts() {
 }
 
 std::string servedPort() {
-  return ours != nil && ours->isHeard_ ? ours->name_ : "";
+  return ours != nil && ours->isServed_ ? ours->name_ : "";
 }
 
 bool messageOurPort() {
-  if (ours == nil || !ours->isHeard_) return false;
+  if (ours == nil || !ours->isServed_) return false;
   const CFDataRef answer = ours->callout_((__bridge CFMessagePortRef)ours, 1, nullptr, ours->context_.info);
   if (answer == nullptr) return false;
   CFRelease(answer);
