@@ -30,8 +30,8 @@ class Cancellation {
   bool isCancelled_ = false;
 };
 
-/// One answer of the system's, which comes on a thread of its own: at once, late or never. It is shared by who waits
-/// and who answers, so that an answer may find that nobody waits any more.
+/// One answer of the system's, which comes on a thread of its own: at once, late or never. It is shared by
+/// the waiter and the completion handler, so that one that comes late does no harm.
 ///
 /// Threads: any.
 template <class Value>

@@ -11,8 +11,8 @@ struct CFReleaser {
   void operator()(const void* object) const { CFRelease(object); }
 };
 
-/// Owns an object of Core Foundation or of one of its kin, such as CGEventRef, that a function with Create or Copy in
-/// its name returned.
+/// Owns an object of Core Foundation, or one that is counted alike, such as a CGEventRef, which a function with Create
+/// or Copy in its name returned.
 template <class Reference>
 using CFPointer = std::unique_ptr<std::remove_pointer_t<Reference>, CFReleaser>;
 

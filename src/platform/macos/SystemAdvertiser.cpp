@@ -49,7 +49,7 @@ class BonjourRegistration {
   /// Whether the daemon has said that the service is announced.
   bool isConfirmed() const { return isConfirmed_; }
 
-  /// Can be read once the daemon has something to say, to which `process` then listens.
+  /// Becomes readable when the daemon has replied; `process` then handles the reply.
   int descriptor() const;
   void process();
 
@@ -62,7 +62,7 @@ class BonjourRegistration {
 };
 
 BonjourRegistration::BonjourRegistration(const BonjourService& service) {
-  // The library may abort the program for it.
+  // The library may abort the program for another encoding.
   if (!isValidUTF8(service.name)) {
     error_ = kDNSServiceErr_BadParam;
     return;
@@ -76,7 +76,7 @@ BonjourRegistration::BonjourRegistration(const BonjourService& service) {
         static_cast<BonjourRegistration*>(self)->answered(error);
       },
       this);
-  // What a failed call leaves behind is nobody's.
+  // A failed call leaves an invalid reference behind.
   if (error_ != kDNSServiceErr_NoError) reference_ = nullptr;
 }
 
@@ -194,7 +194,7 @@ void SystemAdvertiser::Announcer::checkRegistration() {
   }
   registration_.reset();
   ++failures_;
-  // What makes no sense now never will.
+  // An invalid request never becomes valid, so it is not sent again.
   if (error == kDNSServiceErr_BadParam) service_.reset();
 }
 

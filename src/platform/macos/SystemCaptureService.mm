@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-/// Where a stream sends its samples and its end. It knows nothing of the stream, so that neither keeps the other.
+/// The output and the delegate of a stream. It has no reference to the stream, so that neither keeps the other alive.
 /// Threads: any.
 @interface OrvelStreamOutput : NSObject <SCStreamOutput, SCStreamDelegate>
 - (instancetype)initWithOffers:(std::shared_ptr<orvel::FrameOffers>)offers;
@@ -43,18 +43,18 @@
 namespace orvel {
 namespace {
 
-/// Why the system captures nothing, in its own words; nil when it does not say why.
+/// Why the system captures nothing, in its own words. `error` is nil when it gives no reason.
 CaptureFailure failureOf(NSError* error) {
   if (error == nil) return {"The system cannot capture the screen."};
   return {NativeText::fromCF((__bridge CFStringRef)error.localizedDescription)};
 }
 
-/// The system says nothing at all.
+/// The wait for the system was cancelled.
 CaptureFailure noAnswer() {
   return {"The system does not answer."};
 }
 
-/// Within which a system ends a capture that does not hang.
+/// How long the system may take to end a capture.
 constexpr std::chrono::milliseconds stopTimeout{300};
 
 struct CaptureAnswer {

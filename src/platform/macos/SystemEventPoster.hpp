@@ -39,7 +39,7 @@ class UserActivity {
   const std::shared_ptr<Guarded<State>> state_ = std::make_shared<Guarded<State>>();
 };
 
-/// Posts input where that of the mouse and the keyboard enters the system. Every event is sent at once.
+/// Posts input at the HID event tap, where that of the mouse and the keyboard enters. Every event is sent at once.
 ///
 /// A text that is too long for one event goes out as several strokes, each released before the next is pressed.
 ///

@@ -166,10 +166,10 @@ SystemInstance::~SystemInstance() = default;
 
 bool SystemInstance::claim(ShowPanel showPanel) {
   const auto show = [showPanel = std::move(showPanel)] { showPanel({}); };
-  // Looked at first, as the system complains to the terminal about a port whose name is taken.
+  // Checked first, as the system writes a complaint to the terminal when the name of a port is taken.
   if (InstancePort::isTaken()) return false;
   port_ = InstancePort::open(show);
-  // Another one may have been faster.
+  // Another instance may have been faster.
   if (!port_ && InstancePort::isTaken()) return false;
   reopening_ = std::make_unique<ReopenRequests>(show);
   return true;
