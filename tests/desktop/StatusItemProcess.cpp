@@ -20,7 +20,7 @@ std::string wordsOf(const orvel::Rect& place) {
 
 // A program with nothing but the icon, which does what its input says and tells what happens.
 int main(int argc, char** argv) {
-  orvel::forgoSilentBus(orvel::TimeLimit(std::chrono::seconds(1)));
+  orvel::keepToolkitOffUnresponsiveBus(orvel::TimeLimit(std::chrono::seconds(1)));
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   orvel::SystemStatusItem item;

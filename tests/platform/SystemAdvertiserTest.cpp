@@ -83,7 +83,7 @@ TEST_F(SystemAdvertiserTest, TheEndTakesItBack) {
   expectOffered({});
 }
 
-TEST_F(SystemAdvertiserTest, ADaemonThatComesLateIsToldThen) {
+TEST_F(SystemAdvertiserTest, ADaemonThatStartsLateGetsTheAnnouncement) {
   startBus();
   SystemAdvertiser advertiser;
   advertiser.advertise("Desk", "_orvel._tcp", 8787);
@@ -92,7 +92,7 @@ TEST_F(SystemAdvertiserTest, ADaemonThatComesLateIsToldThen) {
   expectOffered({{"Desk", "8787"}});
 }
 
-TEST_F(SystemAdvertiserTest, ABusThatComesLateIsUsedThen) {
+TEST_F(SystemAdvertiserTest, ABusThatStartsLateIsUsedThen) {
   SystemAdvertiser advertiser;
   advertiser.advertise("Desk", "_orvel._tcp", 8787);
   expectSleep();
@@ -100,7 +100,7 @@ TEST_F(SystemAdvertiserTest, ABusThatComesLateIsUsedThen) {
   expectOffered({{"Desk", "8787"}});
 }
 
-TEST_F(SystemAdvertiserTest, ARestartedDaemonIsToldAgain) {
+TEST_F(SystemAdvertiserTest, ARestartedDaemonGetsTheAnnouncementAgain) {
   startAll();
   SystemAdvertiser advertiser;
   advertiser.advertise("Desk", "_orvel._tcp", 8787);

@@ -91,7 +91,7 @@ struct HidingCase {
 
 struct HidingTest : SystemApplicationBundlesTest, testing::WithParamInterface<HidingCase> {};
 
-TEST_P(HidingTest, AnEntryThatIsNotForPeopleHidesThoseOfItsName) {
+TEST_P(HidingTest, AnEntryThatIsNotListedHidesThoseOfItsName) {
   folders.writeEntry("system", "editor.desktop", "Name=Of the system");
   folders.writeEntry("user", "editor.desktop", GetParam().lines);
   EXPECT_EQ(installed(), Texts{});

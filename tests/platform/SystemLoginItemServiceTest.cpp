@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr uid_t nobody = 65534;
+constexpr uid_t unprivilegedUser = 65534;
 constexpr int noOtherUser = 77;
 
 struct SystemLoginItemServiceTest : testing::Test {
@@ -233,7 +233,7 @@ TEST_F(SystemLoginItemServiceTest, WhereNothingCanBeWrittenEverythingStaysAsItWa
   if (child == 0) {
     fs::permissions(root.path(), fs::perms(0755));
     fs::permissions(file.parent_path(), fs::perms(0555));
-    if (getuid() == 0 && setuid(nobody) != 0) _exit(noOtherUser);
+    if (getuid() == 0 && setuid(unprivilegedUser) != 0) _exit(noOtherUser);
     EXPECT_TRUE(service.isEnabled());
     EXPECT_FALSE(service.enter());
     EXPECT_FALSE(service.remove());
@@ -323,7 +323,7 @@ TEST_F(OwnProgramTest, IsTheWholeAppImage) {
 TEST_F(OwnProgramTest, IsTheNewOneAfterAnUpgrade) {
   const TemporaryFolder folder;
   const fs::path copy = folder.path() / "orvel";
-  fs::copy_file(OWN_PROGRAM_TELLER, copy);
+  fs::copy_file(OWN_PROGRAM_PRINTER, copy);
   ChildProcess program({.command = {copy}});
   ASSERT_TRUE(program.waitForOutput("ready\n"));
   fs::remove(copy);
@@ -334,7 +334,7 @@ TEST_F(OwnProgramTest, IsTheNewOneAfterAnUpgrade) {
 TEST_F(OwnProgramTest, MayHaveANameLikeThatOfAReplacedOne) {
   const TemporaryFolder folder;
   const fs::path copy = folder.path() / "orvel (deleted)";
-  fs::copy_file(OWN_PROGRAM_TELLER, copy);
+  fs::copy_file(OWN_PROGRAM_PRINTER, copy);
   ChildProcess program({.command = {copy}});
   program.closeInput();
   EXPECT_TRUE(program.waitForOutput("own program: " + copy.string() + "\n")) << program.output();

@@ -149,7 +149,7 @@ TEST(SystemSocketTuner, ABacklogLeavesAtThePaceOfTheConnectionLessWhatIsOnItsWay
   }
 }
 
-/// Two ends of a connection on loopback; the far one reads only when told to.
+/// Two ends of a connection on loopback; the far one reads only on request.
 class SystemSocketTunerDeliveryTest : public ::testing::Test {
  protected:
   SystemSocketTunerDeliveryTest() {
@@ -171,7 +171,7 @@ class SystemSocketTunerDeliveryTest : public ::testing::Test {
     close(far_);
   }
 
-  Delivery delivery(Seconds patience = Seconds(0)) { return SystemSocketTuner().delivery(near_, patience); }
+  Delivery delivery(Seconds timeout = Seconds(0)) { return SystemSocketTuner().delivery(near_, timeout); }
 
   Backlog backlog() { return SystemSocketTuner().backlog(near_); }
 

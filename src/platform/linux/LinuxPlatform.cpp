@@ -126,7 +126,7 @@ std::optional<std::string> missingDesktop() {
 }
 
 std::vector<std::string> prepareToolkit() {
-  forgoSilentBus(TimeLimit(silentBusTimeout));
+  keepToolkitOffUnresponsiveBus(TimeLimit(silentBusTimeout));
   // The panel's look is ours. A theme of the desktop's would bring another whole toolkit into this process.
   QGuiApplication::setDesktopSettingsAware(false);
   // X11 on Wayland, too: there only Xwayland lets a window open beside an icon.

@@ -45,21 +45,21 @@ void SocketFileWatch::stop() {
   watch_ = -1;
 }
 
-bool SocketFileWatch::takeNews() {
+bool SocketFileWatch::takeEvents() {
   alignas(inotify_event) std::array<char, 16 * (sizeof(inotify_event) + NAME_MAX + 1)> buffer;
-  bool news = false;
+  bool hasAppeared = false;
   ssize_t size = 0;
   while ((size = read(events_.number(), buffer.data(), buffer.size())) > 0) {
     for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
       const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + at);
-      news = news || isNews(event);
+      hasAppeared = hasAppeared || isRelevant(event);
       at += sizeof(inotify_event) + event.len;
     }
   }
-  return news;
+  return hasAppeared;
 }
 
-bool SocketFileWatch::isNews(const inotify_event& event) const {
+bool SocketFileWatch::isRelevant(const inotify_event& event) const {
   if ((event.mask & IN_Q_OVERFLOW) != 0) return true;
   if (event.wd != watch_) return false;
   return event.len == 0 || awaited_ == event.name;

@@ -10,13 +10,13 @@ struct inotify_event;
 
 namespace orvel {
 
-/// Tells when the socket of the system bus appears, also while its folders are missing, by the kernel's word and
-/// without looking again and again. Threads: one.
+/// Notices by inotify when the socket of the system bus appears, also while its folders are missing, and without
+/// polling. Threads: one.
 class SocketFileWatch {
  public:
   explicit SocketFileWatch(std::filesystem::path path);
 
-  /// Readable when there is something for `takeNews`; negative where the system has none to give.
+  /// Readable when there are events for `takeEvents`; negative where the system has none to give.
   int descriptor() const { return events_.number(); }
 
   /// Starts to watch, from where the path ends today.
@@ -27,12 +27,12 @@ class SocketFileWatch {
   bool isMissing() const;
 
   /// Whether the socket or a folder on the way to it has appeared since the last call. Never blocks.
-  bool takeNews();
+  bool takeEvents();
 
  private:
   /// The nearest folder that exists, and what has to appear in it.
   std::pair<std::filesystem::path, std::string> nearest() const;
-  bool isNews(const inotify_event& event) const;
+  bool isRelevant(const inotify_event& event) const;
 
   const std::filesystem::path path_;
   const OwnedDescriptor events_;

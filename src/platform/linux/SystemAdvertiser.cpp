@@ -51,7 +51,7 @@ std::string systemBusSocket() {
 
 }  // namespace
 
-/// What is to be announced, and the bell that tells the thread of a change. Threads: any.
+/// What is to be announced, and the event that wakes the thread on a change. Threads: any.
 class SystemAdvertiser::Orders {
  public:
   struct State {
@@ -61,26 +61,26 @@ class SystemAdvertiser::Orders {
 
   void announce(std::optional<Service> service) {
     state_.withLock([&](State& state) { state.service = std::move(service); });
-    ring();
+    wake();
   }
 
   void finish() {
     state_.withLock([](State& state) { state.isFinished = true; });
-    ring();
+    wake();
   }
 
   State take() {
-    bell_.clear();
+    wakeUp_.clear();
     return state_.withLock([](const State& state) { return state; });
   }
 
-  int bell() const { return bell_.number(); }
+  int wakeUp() const { return wakeUp_.number(); }
 
  private:
-  void ring() const { eventfd_write(bell_.number(), 1); }
+  void wake() const { eventfd_write(wakeUp_.number(), 1); }
 
   Guarded<State> state_;
-  const OwnedDescriptor bell_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  const OwnedDescriptor wakeUp_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 };
 
 /// Keeps the Avahi daemon informed of what is to be announced. Threads: its own one alone.
@@ -126,7 +126,7 @@ class SystemAdvertiser::Announcer {
 
 SystemAdvertiser::Announcer::Announcer(Orders& orders) : orders_(orders) {
   if (poll_ == nullptr) return;
-  watch<&Announcer::ordersCame>(orders_.bell());
+  watch<&Announcer::ordersCame>(orders_.wakeUp());
   watch<&Announcer::socketAppeared>(busSocket_.descriptor());
   watch<&Announcer::retryCame>(retryTimer_.number());
 }
@@ -167,7 +167,7 @@ void SystemAdvertiser::Announcer::ordersCame() {
 }
 
 void SystemAdvertiser::Announcer::socketAppeared() {
-  if (!busSocket_.takeNews() || client_ != nullptr || !service_) return;
+  if (!busSocket_.takeEvents() || client_ != nullptr || !service_) return;
   failures_ = 0;
   connect();
 }
@@ -206,7 +206,7 @@ void SystemAdvertiser::Announcer::disconnect() {
 
 /// Not at once, as a client may not be freed by its own callback while it is being made.
 void SystemAdvertiser::Announcer::connectLater() {
-  // A socket that is not there announces itself.
+  // The watch notices when the socket appears.
   const bool isHopeless = client_ == nullptr && busSocket_.isMissing();
   if (isHopeless || failures_ == retryDelays.size()) return;
   const auto delay = std::chrono::nanoseconds(retryDelays[failures_]).count();

@@ -13,14 +13,14 @@ namespace orvel {
 namespace {
 
 constexpr auto busName = "app.orvel.Orvel";
-constexpr std::chrono::seconds claimPatience{1};
-constexpr std::chrono::seconds showPatience{2};
+constexpr std::chrono::seconds claimTimeout{1};
+constexpr std::chrono::seconds showTimeout{2};
 
 // As the bus has them.
 constexpr std::uint32_t doNotQueue = 4;
 constexpr std::uint32_t belongsToAnother = 3;
 
-/// The proof in the environment, which is then no longer there.
+/// The activation token of the environment, which is removed from it.
 std::string takeToken() {
   std::string token;
   for (const char* name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
@@ -51,10 +51,10 @@ SystemInstance::SystemInstance() : token_(takeToken()) {}
 SystemInstance::~SystemInstance() = default;
 
 bool SystemInstance::claim(ShowPanel showPanel) {
-  const TimeLimit limit(claimPatience);
+  const TimeLimit limit(claimTimeout);
   bus_ = MessageBus::open(sessionBusAddress(), limit);
   if (!bus_) return true;
-  // Before the name is ours, so that nobody finds nobody behind it.
+  // Before the name is ours, so that no call finds the name without the object.
   object_ = std::make_unique<ApplicationObject>(*bus_, busName, std::move(showPanel));
   if (!isOwnedByAnother(*bus_, limit)) return true;
   object_ = nullptr;
@@ -63,7 +63,7 @@ bool SystemInstance::claim(ShowPanel showPanel) {
 }
 
 bool SystemInstance::showOther() {
-  const TimeLimit limit(showPatience);
+  const TimeLimit limit(showTimeout);
   const auto bus = MessageBus::open(sessionBusAddress(), limit);
   if (!bus) return false;
   return ApplicationObject::activate(*bus, busName, token_, limit, G_DBUS_CALL_FLAGS_NO_AUTO_START);

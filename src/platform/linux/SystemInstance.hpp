@@ -16,7 +16,7 @@ class ApplicationObject;
 /// Threads: the main thread. `claim` waits a second for the bus at most, `showOther` two.
 class SystemInstance final : public Instance {
  public:
-  /// Takes the desktop's proof out of the environment, so that neither the toolkit nor what is started later uses it.
+  /// Takes the activation token out of the environment, so that neither the toolkit nor what is started later uses it.
   SystemInstance();
   ~SystemInstance() override;
   SystemInstance(const SystemInstance&) = delete;

@@ -123,8 +123,8 @@ std::string runningProgram() {
   return path;
 }
 
-/// The file of the AppImage that `program` is part of. Programs that another AppImage has started inherit what it was
-/// told of itself, and are not part of it.
+/// The file of the AppImage that `program` is part of. Programs that another AppImage has started inherit its
+/// variables, and are not part of it.
 std::string imageOf(const std::string& program) {
   const std::string content = environmentVariable("APPDIR");
   std::string image = environmentVariable("APPIMAGE");

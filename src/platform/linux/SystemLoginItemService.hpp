@@ -32,7 +32,7 @@ class SystemLoginItemService final : public LoginItemService {
 };
 
 /// The absolute path by which this program can be started again. An AppImage is started as a whole; a program that was
-/// replaced by a newer one since it started is the newer one. Empty when the system does not tell. Reads the
+/// replaced by a newer one since it started is the newer one. Empty when it is unknown. Reads the
 /// environment. Threads: as the environment.
 std::string ownProgram();
 

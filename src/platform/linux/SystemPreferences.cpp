@@ -86,7 +86,7 @@ bool isDamaged(const std::string& content) {
   return !std::ranges::all_of(lines, [](const QByteArray& line) { return isWholeLine(line.trimmed()); });
 }
 
-/// Whether the file is there but cannot be opened just now, as when strangers hold all that this process may open. To
+/// Whether the file is there but cannot be opened just now, as when connections hold all that this process may open. To
 /// take its texts for missing would be to forget the pairing.
 bool lacksDescriptors(const std::string& path) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);

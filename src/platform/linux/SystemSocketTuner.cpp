@@ -23,13 +23,13 @@ constexpr double longestIdle = 32767;  // the kernel takes no more
 constexpr int established = 1;         // the state of a connection as long as neither end has ended it
 
 /// What the kernel knows of a connection, and how many bytes the peer has not acknowledged.
-struct Knowledge {
+struct ConnectionState {
   tcp_info info{};
   int waiting = 0;
 };
 
-std::optional<Knowledge> knowledgeOf(int socket) {
-  Knowledge known;
+std::optional<ConnectionState> stateOf(int socket) {
+  ConnectionState known;
   socklen_t size = sizeof known.info;
   if (getsockopt(socket, IPPROTO_TCP, TCP_INFO, &known.info, &size) != 0) return std::nullopt;
   if (ioctl(socket, SIOCOUTQ, &known.waiting) != 0) return std::nullopt;
@@ -52,22 +52,22 @@ bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
 
 // The kernel's own limit, TCP_USER_TIMEOUT, would do almost the same, but it also ends a connection whose peer answers
 // every probe and only has no room: a phone whose program is asleep.
-Delivery SystemSocketTuner::delivery(int socket, Seconds patience) {
-  const auto known = knowledgeOf(socket);
+Delivery SystemSocketTuner::delivery(int socket, Seconds timeout) {
+  const auto known = stateOf(socket);
   if (!known || known->waiting == 0) return Delivery::done;
   // Both are counted from the peer's last answer.
   const unsigned repeats = std::max(known->info.tcpi_retransmits, known->info.tcpi_probes);
   const Seconds silence = std::chrono::milliseconds(known->info.tcpi_last_ack_recv);
-  return repeats >= fewRepeats && silence > patience ? Delivery::ignored : Delivery::pending;
+  return repeats >= fewRepeats && silence > timeout ? Delivery::ignored : Delivery::pending;
 }
 
 bool SystemSocketTuner::hasHungUp(int socket) {
-  const auto known = knowledgeOf(socket);
+  const auto known = stateOf(socket);
   return !known || known->info.tcpi_state != established;
 }
 
 Backlog SystemSocketTuner::backlog(int socket) {
-  const auto known = knowledgeOf(socket);
+  const auto known = stateOf(socket);
   if (!known || known->waiting <= 0) return {};
   return backlogAt({.unacknowledged = static_cast<std::size_t>(known->waiting),
                     .bytesPerSecond = known->info.tcpi_delivery_rate,

@@ -13,11 +13,11 @@ namespace orvel {
 class SystemSocketTuner final : public SocketTuner {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override;
-  Delivery delivery(int socket, Seconds patience) override;
+  Delivery delivery(int socket, Seconds timeout) override;
   bool hasHungUp(int socket) override;
   Backlog backlog(int socket) override;
 
-  /// What the kernel tells of a connection: bytes unacknowledged, bytes a second that arrived of late (0 when it does
+  /// What the kernel reports of a connection: bytes unacknowledged, bytes a second that arrived of late (0 when it does
   /// not know yet), and the shortest way there and back (the greatest number of microseconds when it does not know).
   struct Pace {
     std::size_t unacknowledged = 0;

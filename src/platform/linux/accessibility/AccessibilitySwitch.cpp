@@ -9,7 +9,7 @@ namespace orvel {
 namespace {
 
 // The bus may first have to start the program that is asked.
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds switchTimeout{10};
 
 constexpr auto properties = "org.freedesktop.DBus.Properties";
 constexpr auto status = "org.a11y.Status";
@@ -33,7 +33,7 @@ bool isOn(const MessageBus& bus, const TimeLimit& limit, GCancellable* cancellat
 }
 
 void turnOn(const std::string& sessionBus, GCancellable* cancellation) {
-  const TimeLimit limit(patience);
+  const TimeLimit limit(switchTimeout);
   const auto bus = MessageBus::open(sessionBus, limit, cancellation);
   // Set only where it is off: the desktop may write down that it was set.
   if (!bus || isOn(*bus, limit, cancellation)) return;
@@ -48,7 +48,7 @@ AccessibilitySwitch::AccessibilitySwitch(const std::string& sessionBus) : cancel
   try {
     thread_ = std::thread([this, sessionBus] { turnOn(sessionBus, cancellation_.get()); });
   } catch (const std::system_error&) {
-    return;  // no thread to be had: programs that are on already tell their part all the same
+    return;  // no thread to be had: programs that are accessible already stay so
   }
 }
 

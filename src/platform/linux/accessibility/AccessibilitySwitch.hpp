@@ -9,8 +9,8 @@
 
 namespace orvel {
 
-/// Has the programs of this login tell of their user interfaces: some do only if accessibility was on before they
-/// started, and it is off until somebody asks for it.
+/// Switches accessibility on in this login, which is off by default: some programs expose their user interface only if
+/// it was on before they started.
 ///
 /// Threads: made and destroyed by its owner, who waits for nothing; a thread of its own ends when that is done.
 class AccessibilitySwitch {

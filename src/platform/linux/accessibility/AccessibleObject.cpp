@@ -11,7 +11,7 @@ namespace {
 constexpr auto accessible = "org.a11y.atspi.Accessible";
 constexpr auto component = "org.a11y.atspi.Component";
 constexpr auto application = "org.a11y.atspi.Application";
-constexpr auto nobody = "/org/a11y/atspi/null";
+constexpr auto nullObject = "/org/a11y/atspi/null";
 constexpr std::uint32_t showing = std::uint32_t{1} << 25;  // in the first word of the states
 constexpr std::size_t mostChildren = 256;
 
@@ -135,7 +135,7 @@ std::optional<AccessibleObject> AccessibleObject::reference(GVariant* value) con
   const char* program = nullptr;
   const char* path = nullptr;
   g_variant_get(value, "(&s&o)", &program, &path);
-  if (std::string_view(path) == nobody) return std::nullopt;
+  if (std::string_view(path) == nullObject) return std::nullopt;
   return AccessibleObject(*conversation_, program, path);
 }
 

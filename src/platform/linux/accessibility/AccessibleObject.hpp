@@ -12,7 +12,7 @@
 
 namespace orvel {
 
-/// What the places that a program tells are relative to.
+/// What the coordinates that a program reports are relative to.
 enum class CoordinateType : std::uint32_t { screen = 0, window = 1 };
 
 /// A conversation with the programs of a desktop about their user interfaces, which ends at a moment.

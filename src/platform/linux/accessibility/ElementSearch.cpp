@@ -17,7 +17,7 @@ namespace {
 constexpr int deepestNesting = 64;
 constexpr int farthestAncestor = 8;
 
-// How much the places of one window may differ between the two who tell of it, in points: some toolkits count the
+// By how many points the frame of a window may differ between its program and the desktop: some toolkits count the
 // frame that the window manager adds, some the shadow, and some neither.
 constexpr double windowTolerance = 200;
 constexpr double popUpTolerance = 64;
@@ -42,8 +42,8 @@ class MenuWalk {
     AccessibleRole role = AccessibleRole::filler;
   };
 
-  /// Starts below `start`. Parts that do not show are left out where `tellsShowing`: where the program knows which do.
-  MenuWalk(const AccessibleObject& start, bool tellsShowing);
+  /// Starts below `start`. With `skipsHidden` hidden parts are left out, for programs that report which are shown.
+  MenuWalk(const AccessibleObject& start, bool skipsHidden);
 
   /// The next element, or nothing at the end, which comes in any case.
   std::optional<Step> next();
@@ -54,13 +54,13 @@ class MenuWalk {
  private:
   void enqueueChildrenOf(const AccessibleObject& object);
 
-  const bool tellsShowing_;
+  const bool skipsHidden_;
   std::size_t steps_ = 0;
   std::deque<Step> waiting_;
   std::optional<AccessibleObject> last_;  // whose children are not asked for before they are needed
 };
 
-MenuWalk::MenuWalk(const AccessibleObject& start, bool tellsShowing) : tellsShowing_(tellsShowing), last_(start) {}
+MenuWalk::MenuWalk(const AccessibleObject& start, bool skipsHidden) : skipsHidden_(skipsHidden), last_(start) {}
 
 std::optional<MenuWalk::Step> MenuWalk::next() {
   if (const auto last = std::exchange(last_, std::nullopt)) enqueueChildrenOf(*last);
@@ -81,7 +81,7 @@ void MenuWalk::enqueueChildrenOf(const AccessibleObject& object) {
     if (++steps_ > mostSteps) return;
     const auto role = child.role();
     if (!role || isCollection(*role)) continue;
-    if (tellsShowing_ && !child.isShowing()) continue;
+    if (skipsHidden_ && !child.isShowing()) continue;
     waiting_.insert(isOfMenu(*role) ? waiting_.begin() : waiting_.end(), Step{child, *role});
   }
 }
@@ -89,7 +89,7 @@ void MenuWalk::enqueueChildrenOf(const AccessibleObject& object) {
 }  // namespace
 
 ElementSearch::ElementSearch(const AccessibleObject& program, const WindowAtPoint& window, Point point)
-    : program_(program), window_(window), point_(point), speaksOfWindows_(program.toolkit() == "GTK") {}
+    : program_(program), window_(window), point_(point), usesWindowCoordinates_(program.toolkit() == "GTK") {}
 
 std::optional<AccessibleElement> ElementSearch::find() const {
   const auto view = window_.isPopUp ? popUpView() : mainView();
@@ -102,10 +102,10 @@ AccessibleElement ElementSearch::findIn(const View& view) const {
 }
 
 std::optional<ElementSearch::View> ElementSearch::viewOf(const AccessibleObject& root, bool isWindow) const {
-  if (!speaksOfWindows_) return View{.root = root, .type = CoordinateType::screen, .origin = {}};
+  if (!usesWindowCoordinates_) return View{.root = root, .type = CoordinateType::screen, .origin = {}};
   const auto extents = root.extents(CoordinateType::window);
   if (!extents) return std::nullopt;
-  // What the window has more than its content is a border around it, or a shadow that nobody told of.
+  // What the window has more than its content is a border around it, or a shadow that is not reported.
   const Size border{window_.frame.size.width - extents->size.width, window_.frame.size.height - extents->size.height};
   // A window that keeps its edges free counts from within them, in newer releases its own place, too.
   const Point edge = isWindow ? extents->origin : Point{};
@@ -115,11 +115,11 @@ std::optional<ElementSearch::View> ElementSearch::viewOf(const AccessibleObject&
                          window_.frame.origin.y + border.height / 2 - extents->origin.y - edge.y}};
 }
 
-/// By how much a part of the program differs from the window.
-double ElementSearch::strangeness(const AccessibleObject& shown) const {
-  const auto extents = shown.extents(speaksOfWindows_ ? CoordinateType::window : CoordinateType::screen);
+/// By how much the extents of a part of the program differ from the frame of the window.
+double ElementSearch::mismatch(const AccessibleObject& shown) const {
+  const auto extents = shown.extents(usesWindowCoordinates_ ? CoordinateType::window : CoordinateType::screen);
   if (!extents) return std::numeric_limits<double>::infinity();
-  return speaksOfWindows_ ? difference(extents->size, window_.frame.size) : difference(*extents, window_.frame);
+  return usesWindowCoordinates_ ? difference(extents->size, window_.frame.size) : difference(*extents, window_.frame);
 }
 
 /// Of the program's windows the one at the point: preferably one with its title, and the most similar of these.
@@ -128,28 +128,28 @@ std::optional<ElementSearch::View> ElementSearch::mainView() const {
   bool bestHasTitle = false;
   double least = windowTolerance;
   for (const AccessibleObject& shown : program_.children()) {
-    const double strange = strangeness(shown);
-    if (strange > windowTolerance) continue;
+    const double distance = mismatch(shown);
+    if (distance > windowTolerance) continue;
     const bool hasTitle = !window_.title.empty() && shown.name() == window_.title;
-    if (hasTitle < bestHasTitle || (hasTitle == bestHasTitle && strange > least)) continue;
+    if (hasTitle < bestHasTitle || (hasTitle == bestHasTitle && distance > least)) continue;
     best = shown;
     bestHasTitle = hasTitle;
-    least = strange;
+    least = distance;
   }
   return best ? viewOf(*best, true) : std::nullopt;
 }
 
 /// A menu, or whatever else opens, that the program shows as a part of its own.
 std::optional<ElementSearch::View> ElementSearch::popUpView() const {
-  if (!speaksOfWindows_) {
+  if (!usesWindowCoordinates_) {
     for (const AccessibleObject& shown : program_.children()) {
-      if (strangeness(shown) <= popUpTolerance) return viewOf(shown, false);
+      if (mismatch(shown) <= popUpTolerance) return viewOf(shown, false);
     }
     return std::nullopt;
   }
   MenuWalk walk(program_, false);
   while (const auto step = walk.next()) {
-    if (step->role == AccessibleRole::menu && strangeness(step->object) <= popUpTolerance)
+    if (step->role == AccessibleRole::menu && mismatch(step->object) <= popUpTolerance)
       return viewOf(step->object, false);
   }
   return std::nullopt;
@@ -183,8 +183,8 @@ AccessibleObject ElementSearch::deepest(const View& view) const {
 std::optional<AccessibleObject> ElementSearch::childAt(const View& view, const AccessibleObject& object) const {
   const Point place{point_.x - view.origin.x, point_.y - view.origin.y};
   auto known = object.objectAt(place, view.type);
-  if (known || !speaksOfWindows_) return known;
-  // This toolkit finds only elements that somebody has seen before, which the children have been once listed.
+  if (known || !usesWindowCoordinates_) return known;
+  // This toolkit finds only elements that were listed before.
   const std::vector<AccessibleObject> children = object.children();
   known = object.objectAt(place, view.type);
   if (known) return known;
@@ -205,7 +205,7 @@ AccessibleObject ElementSearch::actionable(const View& view, const AccessibleObj
     if (isActionable(*role)) {
       const auto extents = candidate.extents(view.type);
       const Point place{point_.x - view.origin.x, point_.y - view.origin.y};
-      // The page of a tab may be told to be a part of the tab, and is somewhere else.
+      // The page of a tab may be reported as a part of the tab, and is somewhere else.
       return step == 0 || (extents && extents->contains(place)) ? candidate : object;
     }
     if (!isDecoration(*role)) return object;

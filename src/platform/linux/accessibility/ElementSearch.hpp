@@ -30,7 +30,7 @@ class ElementSearch {
 
   std::optional<View> viewOf(const AccessibleObject& root, bool isWindow) const;
   std::optional<View> mainView() const;
-  double strangeness(const AccessibleObject& shown) const;
+  double mismatch(const AccessibleObject& shown) const;
   std::optional<View> popUpView() const;
   std::optional<AccessibleElement> findInMenus() const;
   AccessibleElement findIn(const View& view) const;
@@ -42,7 +42,7 @@ class ElementSearch {
   const AccessibleObject program_;
   const WindowAtPoint window_;
   const Point point_;
-  const bool speaksOfWindows_;  // its places are relative to its windows, whatever one asks for
+  const bool usesWindowCoordinates_;  // its places are relative to its windows, whichever type is asked for
 };
 
 }  // namespace orvel

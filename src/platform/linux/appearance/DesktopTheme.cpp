@@ -36,7 +36,7 @@ constexpr double largestSize = 72;
 constexpr std::size_t longestFamily = 256;
 constexpr std::string_view blanks = " \t\n\r";
 
-/// Words that tell of the style, in small letters and without dashes, as they may be written either way.
+/// Words for the style, in small letters and without dashes, as they may be written either way.
 constexpr std::array<std::string_view, 46> styleWords = {
     "normal",         "roman",          "oblique",      "italic",        "smallcaps",    "allsmallcaps",
     "petitecaps",     "allpetitecaps",  "unicase",      "titlecaps",     "thin",         "ultralight",
@@ -72,7 +72,7 @@ std::optional<double> sizeIn(std::string_view word) {
   return isNumber && size >= smallestSize && size <= largestSize ? std::optional(size) : std::nullopt;
 }
 
-/// A comma ends a family, so that it may end with a word that would else tell of the style.
+/// A comma ends a family, so that it may end with a word that would otherwise stand for the style.
 std::string_view familyIn(std::string_view text) {
   const auto comma = text.find(',');
   if (comma != std::string_view::npos) return trimmed(text.substr(0, comma));

@@ -11,7 +11,7 @@ namespace orvel {
 bool isDarkTheme(std::string_view name);
 
 /// The font of a description such as "Noto Sans Bold 10.5", without its style. Nothing when that is damaged, has no
-/// size in points, or one that nobody can want. Threads: any.
+/// size in points, or one that is out of range. Threads: any.
 std::optional<DesktopFont> parseFontDescription(std::string_view text);
 
 }  // namespace orvel

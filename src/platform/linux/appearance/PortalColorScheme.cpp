@@ -39,18 +39,18 @@ QVariant unwrapped(QVariant value) {
 }  // namespace
 
 PortalColorScheme::PortalColorScheme(Task changed) : changed_(std::move(changed)) {
-  soon_.setSingleShot(true);
-  soon_.setInterval(askDelay);
-  QObject::connect(&soon_, &QTimer::timeout, [this] { ask(); });
-  QTimer::singleShot(0ms, &soon_, [this] { connect(); });
+  askTimer_.setSingleShot(true);
+  askTimer_.setInterval(askDelay);
+  QObject::connect(&askTimer_, &QTimer::timeout, [this] { ask(); });
+  QTimer::singleShot(0ms, &askTimer_, [this] { connect(); });
 }
 
 void PortalColorScheme::connect() {
   bus_.emplace(QDBusConnection::sessionBus());
   owner_ = std::make_unique<QDBusServiceWatcher>(portal, *bus_, QDBusServiceWatcher::WatchForRegistration);
-  QObject::connect(owner_.get(), &QDBusServiceWatcher::serviceRegistered, &soon_, [this] { ask(); });
+  QObject::connect(owner_.get(), &QDBusServiceWatcher::serviceRegistered, &askTimer_, [this] { ask(); });
   bus_->connect(portal, portalPath, settings, QStringLiteral("SettingChanged"), {appearance, colorScheme}, QString(),
-                &soon_, SLOT(start()));
+                &askTimer_, SLOT(start()));
   ask();
 }
 
@@ -61,7 +61,7 @@ void PortalColorScheme::ask() {
     question << appearance << colorScheme;
     question.setAutoStartService(false);
     questions_[i] = std::make_unique<QDBusPendingCallWatcher>(bus_->asyncCall(question, noTimeout));
-    QObject::connect(questions_[i].get(), &QDBusPendingCallWatcher::finished, &soon_,
+    QObject::connect(questions_[i].get(), &QDBusPendingCallWatcher::finished, &askTimer_,
                      [this](QDBusPendingCallWatcher* answer) { take(*answer); });
   }
 }
@@ -72,8 +72,8 @@ void PortalColorScheme::take(const QDBusPendingCall& answer) {
   const QVariant scheme = unwrapped(reply.arguments().constFirst());
   if (scheme.metaType() != QMetaType::fromType<unsigned>()) return;
   const unsigned wanted = scheme.toUInt();
-  const bool isSaid = wanted == preferDark || wanted == preferLight;
-  const auto known = std::exchange(isDark_, isSaid ? std::optional(wanted == preferDark) : std::nullopt);
+  const bool hasPreference = wanted == preferDark || wanted == preferLight;
+  const auto known = std::exchange(isDark_, hasPreference ? std::optional(wanted == preferDark) : std::nullopt);
   if (known != isDark_) changed_();
 }
 

@@ -32,7 +32,7 @@ class PortalColorScheme {
   void take(const QDBusPendingCall& answer);
 
   const Task changed_;
-  QTimer soon_;  // however much is signalled, it is asked once
+  QTimer askTimer_;  // merges the signals that come in a burst
   std::optional<QDBusConnection> bus_;
   std::unique_ptr<QDBusServiceWatcher> owner_;
   std::array<std::unique_ptr<QDBusPendingCallWatcher>, 2> questions_;  // one by each method

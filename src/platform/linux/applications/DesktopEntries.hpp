@@ -21,7 +21,7 @@ struct DesktopEntry {
   std::string windowClass;          ///< What it says that its windows are of.
   std::string program;              ///< The name of its executable file, without folders.
   bool isUsable = false;            ///< False for one that the user has removed, or whose program is missing.
-  bool isListed = false;            ///< For people to start, and on this desktop.
+  bool isListed = false;            ///< Listed for the user to start, on this desktop.
   bool runsInTerminal = false;
 
   /// Reads the text of an entry. Nothing when it is damaged, or not of a program.

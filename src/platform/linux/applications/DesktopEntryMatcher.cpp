@@ -20,7 +20,7 @@ std::string inSmallLetters(std::string text) {
 
 DesktopEntryMatcher::DesktopEntryMatcher(DesktopEntries& entries)
     : folders_(entries.folders()), entries_(entries.all()) {
-  // Of two that fit, the one that people see.
+  // Of two that fit, the one that is listed.
   for (const bool isListed : {true, false}) {
     for (const auto& found : entries_) {
       if (found.entry->isListed == isListed) add(found);

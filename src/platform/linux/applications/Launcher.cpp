@@ -26,7 +26,7 @@ namespace orvel {
 namespace {
 
 constexpr std::chrono::seconds longestStart{15};
-constexpr std::chrono::seconds busPatience{1};
+constexpr std::chrono::seconds busTimeout{1};
 constexpr auto busAddress = "DBUS_SESSION_BUS_ADDRESS";
 constexpr auto noBus = "disabled:";
 constexpr auto spawnFlags =
@@ -49,7 +49,7 @@ void notePid(GDesktopAppInfo*, GPid process, void* result) {
 /// The connection to the session bus that GIO shares; null without a bus. Nothing when the bus does not answer, for
 /// which GIO itself would wait without limit. It must not end this program when the bus ends.
 std::optional<GLibPointer<GDBusConnection>> openBus() try {
-  const CancelledInTime cancelled{TimeLimit(busPatience)};
+  const CancelledInTime cancelled{TimeLimit(busTimeout)};
   GLibPointer<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancelled.get(), nullptr));
   if (!bus && g_cancellable_is_cancelled(cancelled.get())) return std::nullopt;
   if (bus) g_dbus_connection_set_exit_on_close(bus.get(), false);
@@ -128,7 +128,7 @@ struct Launcher::BusStart {
       return false;
     });
     // GIO's own way would leave the reply to a main loop.
-    ApplicationObject::activate(bus, name, announced, TimeLimit(busPatience));
+    ApplicationObject::activate(bus, name, announced, TimeLimit(busTimeout));
   }
 
   /// Whether the program could not be started, or has been there and ended.
@@ -144,7 +144,7 @@ struct Launcher::BusStart {
                                  .method = "NameHasOwner",
                                  .arguments = g_variant_new("(s)", name.c_str()),
                                  .replyType = "(b)"},
-                                TimeLimit(busPatience));
+                                TimeLimit(busTimeout));
     gboolean isOwned = true;
     if (reply) g_variant_get(reply.get(), "(b)", &isOwned);
     return isOwned != 0;
@@ -217,7 +217,7 @@ std::optional<Launcher::Launched> Launcher::spawn(const std::string& path) {
   auto opened = openBus();
   if (!opened) return std::nullopt;
   const std::string busName = busNameOf(info.get(), path);
-  auto bus = busName.empty() ? std::nullopt : MessageBus::open(sessionBusAddress(), TimeLimit(busPatience));
+  auto bus = busName.empty() ? std::nullopt : MessageBus::open(sessionBusAddress(), TimeLimit(busTimeout));
   if (bus) {
     const bool isAnnounced = g_desktop_app_info_get_boolean(info.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_NOTIFY);
     auto start = std::make_shared<BusStart>(*std::move(bus), busName);

@@ -6,7 +6,7 @@
 
 namespace orvel {
 
-/// What the system knows of a running process. Empty where it has ended or belongs to somebody else.
+/// What the system knows of a running process. Empty where it has ended or belongs to another user.
 ///
 /// Threads: as any value.
 struct ProcessFacts {

@@ -11,8 +11,8 @@ namespace orvel {
 class MessageBus;
 class TimeLimit;
 
-/// What others on a message bus may ask of this program, by the interface that desktops use to start programs: to show
-/// itself. Who asks has the answer when it has been done.
+/// The object by which others on a message bus activate this program, as desktops activate programs that they start. A
+/// call is answered when it has been handled.
 ///
 /// Threads: the main thread.
 class ApplicationObject {

@@ -30,7 +30,7 @@ class Observer {
   Observer(const Observer&) = delete;
   Observer& operator=(const Observer&) = delete;
 
-  bool hear(GDBusConnection* connection, GDBusMessage* message) {
+  bool handle(GDBusConnection* connection, GDBusMessage* message) {
     const bool isDone = isGiven_ && handler_(connection, message);
     isGiven_ = true;
     return isDone;
@@ -80,13 +80,14 @@ GLibPointer<GVariant> MessageBus::call(const BusCall& call, const TimeLimit& lim
 }
 
 void MessageBus::observe(MessageHandler handler) const {
-  const auto handOn = +[](GDBusConnection* connection, GDBusMessage* message, gboolean isIncoming, gpointer observer) {
-    GLibPointer<GDBusMessage> owned(message);
-    const bool isDone = isIncoming && static_cast<Observer*>(observer)->hear(connection, message);
-    return isDone ? nullptr : owned.release();
-  };
+  const auto dispatch =
+      +[](GDBusConnection* connection, GDBusMessage* message, gboolean isIncoming, gpointer observer) {
+        GLibPointer<GDBusMessage> owned(message);
+        const bool isDone = isIncoming && static_cast<Observer*>(observer)->handle(connection, message);
+        return isDone ? nullptr : owned.release();
+      };
   auto observer = std::make_unique<Observer>(std::move(handler));
-  g_dbus_connection_add_filter(connection_.get(), handOn, observer.release(),
+  g_dbus_connection_add_filter(connection_.get(), dispatch, observer.release(),
                                [](gpointer given) { delete static_cast<Observer*>(given); });
 }
 
@@ -111,7 +112,7 @@ CancelledInTime::~CancelledInTime() {
   if (outer_ != nullptr) g_cancellable_disconnect(outer_, link_);
 }
 
-void forgoSilentBus(const TimeLimit& limit) {
+void keepToolkitOffUnresponsiveBus(const TimeLimit& limit) {
   if (MessageBus::open(sessionBusAddress(), limit)) return;
   const bool wasSet = qEnvironmentVariableIsSet(addressVariable);
   const QByteArray address = qgetenv(addressVariable);

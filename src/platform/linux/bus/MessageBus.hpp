@@ -31,8 +31,7 @@ class TimeLimit {
   std::chrono::steady_clock::time_point end_;
 };
 
-/// Cancels what waits, when it takes too long or when somebody else does not want it any more. For what has no time
-/// limit of its own.
+/// Cancels an operation when it takes too long or when its caller cancels it. For what has no time limit of its own.
 ///
 /// Threads: made and destroyed on one.
 class CancelledInTime {
@@ -98,8 +97,8 @@ class MessageBus {
   GLibPointer<GDBusConnection> connection_;
 };
 
-/// Has the toolkit do without the bus of this login when that does not answer within `limit`: it would wait for it
-/// without end, when it shows its first window or icon. Called before the application is made and other threads are.
-void forgoSilentBus(const TimeLimit& limit);
+/// Keeps the toolkit off the bus of this login when that does not answer within `limit`: the toolkit would wait for it
+/// without end when it shows its first window or icon. Called before the application is made and other threads are.
+void keepToolkitOffUnresponsiveBus(const TimeLimit& limit);
 
 }  // namespace orvel

@@ -31,7 +31,7 @@ struct ConfigurationFolders {
 ///
 /// Threads: as any value; `ofUser` reads the environment.
 struct DataFolders {
-  std::string home = {};                 ///< The user's home folder; empty when nobody knows it.
+  std::string home = {};                 ///< The user's home folder; empty when it is unknown.
   std::vector<std::string> shared = {};  ///< The user's data folder, then the system's, the one that wins first.
 
   /// Those of the environment: HOME, XDG_DATA_HOME and XDG_DATA_DIRS, or what stands for them where they are not set.

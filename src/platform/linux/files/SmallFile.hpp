@@ -9,7 +9,7 @@
 
 namespace orvel {
 
-/// What tells whether a file or folder is still what it was. Threads: as any value.
+/// Identifies a state of a file or folder: while its stamp is the same, it has not changed. Threads: as any value.
 struct FileStamp {
   dev_t device = 0;
   ino_t number = 0;

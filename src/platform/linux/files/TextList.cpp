@@ -99,7 +99,7 @@ bool appendWhole(int descriptor, std::string_view bytes) {
     if (count > 0) {
       bytes.remove_prefix(static_cast<std::size_t>(count));
     } else if (errno != EINTR) {
-      // What stays behind of it is one more line that nobody has asked for.
+      // What cannot be cut off stays as one more line, which does no harm.
       [[maybe_unused]] const int cut = ftruncate(descriptor, before.st_size);
       return false;
     }
@@ -115,7 +115,7 @@ bool endsWithinLine(int descriptor) {
          pread(descriptor, &last, 1, status.st_size - 1) == 1 && last != '\n';
 }
 
-/// False when somebody else holds the lock for half a second, as one who was stopped may.
+/// False when another process holds the lock for half a second, as one that was stopped may.
 bool lockForWriting(int descriptor) {
   for (int tries = 0; tries < mostLockTries; ++tries) {
     if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return true;
@@ -135,12 +135,12 @@ bool TextList::add(const std::string& text) {
   digest.add(std::string_view(line).substr(0, line.size() - 1));
   const Digest wanted = digest.end();
   return state_.withLock([&](State& state) {
-    if (!learn(state)) return false;
+    if (!refresh(state)) return false;
     return state.known.contains(wanted) || append(state, line, wanted);
   });
 }
 
-bool TextList::learn(State& state) const {
+bool TextList::refresh(State& state) const {
   const auto stamp = FileStamp::of(path_);
   if (!stamp && errno != ENOENT) return false;
   if (stamp == state.stamp) return true;
@@ -166,8 +166,8 @@ bool TextList::append(State& state, const std::string& line, const Digest& diges
   const OwnedDescriptor file(open(path_.c_str(), O_RDWR | O_APPEND | O_CREAT | openFlags, listMode));
   if (file.number() < 0 || !isPlainFile(file.number())) return false;
   if (!lockForWriting(file.number())) return false;
-  // Whoever held the lock may have added it.
-  if (!learn(state)) return false;
+  // The process that held the lock may have added it.
+  if (!refresh(state)) return false;
   if (state.known.contains(digest)) return true;
   fchmod(file.number(), listMode);
   if (endsWithinLine(file.number()) && !appendWhole(file.number(), "\n")) return false;

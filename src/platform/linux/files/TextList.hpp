@@ -47,7 +47,7 @@ class TextList {
     std::optional<FileStamp> stamp;  // of the file that `known` is of
   };
 
-  bool learn(State& state) const;
+  bool refresh(State& state) const;
   bool append(State& state, const std::string& line, const Digest& digest) const;
 
   const std::string path_;

@@ -28,38 +28,39 @@ StatusNotifierWatch::StatusNotifierWatch(std::function<void()> answered)
     : answered_(std::move(answered)),
       bus_(QDBusConnection::sessionBus()),
       owner_(watcher, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
-  soon_.setSingleShot(true);
-  soon_.setInterval(askInterval);
-  grace_.setSingleShot(true);
-  grace_.setInterval(hostGrace);
-  QObject::connect(&soon_, &QTimer::timeout, [this] { askNow(); });
-  QObject::connect(&grace_, &QTimer::timeout, [this] { tell(Host::absent); });
+  askTimer_.setSingleShot(true);
+  askTimer_.setInterval(askInterval);
+  graceTimer_.setSingleShot(true);
+  graceTimer_.setInterval(hostGrace);
+  QObject::connect(&askTimer_, &QTimer::timeout, [this] { askNow(); });
+  QObject::connect(&graceTimer_, &QTimer::timeout, [this] { report(Host::absent); });
   followOwner();
   followSignals();
   // At once, for until the answer there is no icon.
-  QTimer::singleShot(0ms, &soon_, [this] { askNow(); });
+  QTimer::singleShot(0ms, &askTimer_, [this] { askNow(); });
 }
 
 void StatusNotifierWatch::followOwner() {
   QObject::connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged,
                    [this](const QString&, const QString&, const QString& owner) {
-                     // What the one before leaves unanswered says nothing any more.
+                     // A question to the previous owner is void.
                      question_.reset();
                      host_ = Host::unknown;
-                     if (owner.isEmpty()) return tell(Host::absent);
+                     if (owner.isEmpty()) return report(Host::absent);
                      ask();
                    });
 }
 
 void StatusNotifierWatch::followSignals() {
   for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
-    bus_.connect(watcher, watcherObject, watcher, QString::fromLatin1(signal), &soon_, SLOT(start()));
+    bus_.connect(watcher, watcherObject, watcher, QString::fromLatin1(signal), &askTimer_, SLOT(start()));
   }
-  bus_.connect(watcher, watcherObject, propertiesInterface, QStringLiteral("PropertiesChanged"), &soon_, SLOT(start()));
+  bus_.connect(watcher, watcherObject, propertiesInterface, QStringLiteral("PropertiesChanged"), &askTimer_,
+               SLOT(start()));
 }
 
 void StatusNotifierWatch::askNow() {
-  if (!bus_.isConnected()) return tell(Host::absent);
+  if (!bus_.isConnected()) return report(Host::absent);
   QDBusMessage question =
       QDBusMessage::createMethodCall(watcher, watcherObject, propertiesInterface, QStringLiteral("Get"));
   question << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
@@ -75,20 +76,20 @@ void StatusNotifierWatch::take() {
     const bool hangs = error == QDBusError::NoReply || error == QDBusError::Timeout || error == QDBusError::TimedOut;
     // The desktop may just be starting, and slow: its answer is worth waiting for, a question at a time.
     if (hangs) ask();
-    return tell(hangs ? Host::unknown : Host::absent);
+    return report(hangs ? Host::unknown : Host::absent);
   }
-  if (reply.value().variant().toBool()) return tell(Host::present);
-  // Somebody has only begun to look after items. Who shows them will come soon, and is better than any older tray.
-  if (host_ == Host::unknown) return grace_.isActive() ? void() : grace_.start();
-  tell(Host::absent);
+  if (reply.value().variant().toBool()) return report(Host::present);
+  // There is a watcher without a host yet. The host will come soon, and is better than any older tray.
+  if (host_ == Host::unknown) return graceTimer_.isActive() ? void() : graceTimer_.start();
+  report(Host::absent);
 }
 
 StatusNotifierWatch::Host StatusNotifierWatch::host() const {
   return bus_.isConnected() ? host_ : Host::absent;
 }
 
-void StatusNotifierWatch::tell(Host host) {
-  grace_.stop();
+void StatusNotifierWatch::report(Host host) {
+  graceTimer_.stop();
   host_ = host;
   answered_();
 }

@@ -29,20 +29,20 @@ class StatusNotifierWatch {
   Host host() const;
 
   /// Asks again, soon.
-  void ask() { soon_.start(); }
+  void ask() { askTimer_.start(); }
 
  private:
   void followSignals();
   void followOwner();
   void askNow();
   void take();
-  void tell(Host host);
+  void report(Host host);
 
   const std::function<void()> answered_;
   QDBusConnection bus_;
   QDBusServiceWatcher owner_;
-  QTimer soon_;   // however much is signalled, there is one question at a time
-  QTimer grace_;  // runs while the desktop is getting ready to show items
+  QTimer askTimer_;    // merges the signals that come in a burst
+  QTimer graceTimer_;  // runs while the desktop is getting ready to show items
   std::unique_ptr<QDBusPendingCallWatcher> question_;
   Host host_ = Host::unknown;
 };

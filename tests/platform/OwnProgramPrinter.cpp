@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-/// Says that it is ready, waits for the end of its input, and tells by which path it can be started again.
+/// Says that it is ready, waits for the end of its input, and prints the path by which it can be started again.
 int main() {
   std::cout << "ready" << std::endl;
   for (std::string line; std::getline(std::cin, line);) {
