@@ -34,7 +34,7 @@ bool endsWord(std::string_view name, std::size_t end) {
 constexpr double smallestSize = 4;
 constexpr double largestSize = 72;
 constexpr std::size_t longestFamily = 256;
-constexpr std::string_view blanks = " \t\n\r";
+constexpr std::string_view wordBreaks = " \t\n\r";
 
 /// Words for the style, in small letters and without dashes, as they may be written either way.
 constexpr std::array<std::string_view, 46> styleWords = {
@@ -48,7 +48,7 @@ constexpr std::array<std::string_view, 46> styleWords = {
     "rotatedleft",    "east",           "rotatedright", "west"};
 
 std::string_view lastWordOf(std::string_view text) {
-  const auto blank = text.find_last_of(blanks);
+  const auto blank = text.find_last_of(wordBreaks);
   return blank == std::string_view::npos ? text : text.substr(blank + 1);
 }
 

@@ -25,7 +25,7 @@ const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString colorScheme = QStringLiteral("color-scheme");
 
 /// Old portals know the one method, and new ones want the other to be used.
-constexpr std::array methods = {"Read", "ReadOne"};
+constexpr std::array readMethods = {"Read", "ReadOne"};
 
 constexpr unsigned preferDark = 1;
 constexpr unsigned preferLight = 2;
@@ -55,9 +55,9 @@ void PortalColorScheme::connect() {
 }
 
 void PortalColorScheme::ask() {
-  for (std::size_t i = 0; i < methods.size(); ++i) {
+  for (std::size_t i = 0; i < readMethods.size(); ++i) {
     QDBusMessage question =
-        QDBusMessage::createMethodCall(portal, portalPath, settings, QString::fromLatin1(methods[i]));
+        QDBusMessage::createMethodCall(portal, portalPath, settings, QString::fromLatin1(readMethods[i]));
     question << appearance << colorScheme;
     question.setAutoStartService(false);
     questions_[i] = std::make_unique<QDBusPendingCallWatcher>(bus_->asyncCall(question, noTimeout));
