@@ -1,24 +1,23 @@
 #include "platform/linux/SystemPreferences.hpp"
 
-#include "platform/linux/OwnedDescriptor.hpp"
+#include "platform/linux/files/Folders.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <QByteArray>
-#include <QDir>
 #include <QFile>
 #include <QList>
 #include <QLockFile>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QStringConverter>
 #include <QStringList>
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <functional>
+#include <limits>
 #include <utility>
 
 namespace orvel {
@@ -27,6 +26,7 @@ namespace {
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t privateFolder = 0700;
 constexpr mode_t privateFile = 0600;
+constexpr std::size_t anySize = std::numeric_limits<std::size_t>::max();
 constexpr std::chrono::milliseconds lockTimeout{500};  // others of us write for a millisecond
 
 QString toQString(const std::string& text) {
@@ -34,29 +34,6 @@ QString toQString(const std::string& text) {
   QStringDecoder decode(QStringDecoder::Utf8,
                         QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
   return decode(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
-}
-
-bool isRegularFile(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-/// The content of a plain file, whatever its size. Nothing when it cannot be read, or is none: a pipe might keep a
-/// reader waiting for ever.
-std::optional<std::string> contentOf(const std::string& path) {
-  const OwnedDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-  struct stat status {};
-  if (file.number() < 0 || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-  std::string content(static_cast<std::size_t>(status.st_size), '\0');
-  std::size_t length = 0;
-  while (length < content.size()) {
-    const ssize_t count = ::read(file.number(), content.data() + length, content.size() - length);
-    if (count < 0 && errno != EINTR) return std::nullopt;
-    if (count == 0) break;
-    if (count > 0) length += static_cast<std::size_t>(count);
-  }
-  content.resize(length);
-  return content;
 }
 
 bool closesItsQuotes(const QByteArray& line) {
@@ -134,17 +111,9 @@ bool prepare(const std::string& folder, const std::string& file) {
   makeFolders(folder);
   if (!keepPrivate(folder, privateFolder)) return false;
   if (createPrivately(file)) return true;
-  if (!isRegularFile(file)) return false;
+  if (!isPlainFile(file)) return false;
   if (keepPrivate(file, privateFile) && isWritable(file)) return true;
   return unlink(file.c_str()) == 0 && createPrivately(file);
-}
-
-/// The user's configuration folder. A relative one does not count: it would be another one in every working folder.
-std::string configurationFolder() {
-  std::string folder =
-      QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)).toStdString();
-  if (folder.starts_with('/')) return folder;
-  return QFile::encodeName(QDir::homePath()).toStdString() + "/.config";
 }
 
 std::vector<std::string> textsOf(const QSettings& settings, const QString& key) {
@@ -155,7 +124,8 @@ std::vector<std::string> textsOf(const QSettings& settings, const QString& key) 
 
 }  // namespace
 
-SystemPreferences::SystemPreferences() : folder_(configurationFolder() + "/orvel"), file_(folder_ + "/orvel.conf") {}
+SystemPreferences::SystemPreferences()
+    : folder_(ConfigurationFolders::ofUser().own + "/orvel"), file_(folder_ + "/orvel.conf") {}
 
 SystemPreferences::~SystemPreferences() {
   storeUnsaved();
@@ -197,7 +167,7 @@ void SystemPreferences::refresh(State& state) const {
 }
 
 void SystemPreferences::read(State& state, const FileStamp& stamp) const {
-  const auto content = stamp.isPlainFile ? contentOf(file_) : std::nullopt;
+  const auto content = stamp.isPlainFile ? readSmallFile(file_, anySize) : std::nullopt;
   if (!content) {
     state.isReadable = false;
     state.stamp.reset();
@@ -321,7 +291,7 @@ SystemPreferences::Changes SystemPreferences::contents() const {
 bool SystemPreferences::store(const Changes& changes) {
   if (lacksDescriptors(file_)) return false;
   // A file that can be read but not written is replaced, and what it says must not go with it.
-  Changes all = isWritable(file_) || !isRegularFile(file_) ? Changes() : contents();
+  Changes all = isWritable(file_) || !isPlainFile(file_) ? Changes() : contents();
   for (const auto& [key, texts] : changes) all[key] = texts;
   if (!prepare(folder_, file_) || isLocked(file_)) return false;
   QSettings settings(QFile::decodeName(file_.c_str()), QSettings::IniFormat);

@@ -195,7 +195,7 @@ std::optional<DesktopEntries::Found> DesktopEntries::find(std::string_view ident
 
 std::optional<std::string> DesktopEntries::locate(const std::string& folder, std::string_view name, int depth) const {
   std::string path = folder + "/" + std::string(name) + std::string(DesktopEntry::suffix);
-  if (const auto stamp = FileStamp::of(path); stamp && stamp->isPlainFile) return path;
+  if (isPlainFile(path)) return path;
   if (depth == deepestFolder) return std::nullopt;
   // Each dash may stand for the slash of a folder below.
   for (auto dash = name.find('-'); dash != std::string_view::npos; dash = name.find('-', dash + 1)) {

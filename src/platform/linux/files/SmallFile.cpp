@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 
 namespace orvel {
@@ -17,16 +18,18 @@ bool isSmallFile(const struct stat& status, std::size_t limit) {
   return S_ISREG(status.st_mode) && static_cast<std::uint64_t>(status.st_size) <= limit;
 }
 
-std::string readUpTo(int descriptor, std::size_t limit) {
-  std::string content(limit, '\0');
+/// Reads to the end or the limit. False when that fails; `content` is then what was read before.
+bool readUpTo(int descriptor, std::size_t limit, std::string& content) {
+  content.resize(limit);
   std::size_t length = 0;
-  while (length < limit) {
-    const ssize_t count = read(descriptor, content.data() + length, limit - length);
-    if (count <= 0) break;
-    length += static_cast<std::size_t>(count);
+  ssize_t count = 1;
+  while (length < limit && count != 0) {
+    count = read(descriptor, content.data() + length, limit - length);
+    if (count > 0) length += static_cast<std::size_t>(count);
+    if (count < 0 && errno != EINTR) break;
   }
   content.resize(length);
-  return content;
+  return count >= 0;
 }
 
 }  // namespace
@@ -42,6 +45,11 @@ std::optional<FileStamp> FileStamp::of(const std::string& path) {
                    .isPlainFile = S_ISREG(status.st_mode)};
 }
 
+bool isPlainFile(const std::string& path) {
+  const auto stamp = FileStamp::of(path);
+  return stamp && stamp->isPlainFile;
+}
+
 bool FileStamp::isSettled() const {
   return std::time(nullptr) > seconds + settlingTime;
 }
@@ -52,12 +60,16 @@ std::optional<std::string> readSmallFile(const std::string& path, std::size_t li
   // It may have become something else meanwhile, so opening must not wait, and what was opened is looked at again.
   const OwnedDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   if (file.number() < 0 || fstat(file.number(), &status) != 0 || !isSmallFile(status, limit)) return std::nullopt;
-  return readUpTo(file.number(), static_cast<std::size_t>(status.st_size));
+  std::string content;
+  if (!readUpTo(file.number(), static_cast<std::size_t>(status.st_size), content)) return std::nullopt;
+  return content;
 }
 
 std::string readBeginning(const std::string& path, std::size_t limit) {
   const OwnedDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-  return file.number() < 0 ? std::string() : readUpTo(file.number(), limit);
+  std::string content;
+  if (file.number() >= 0) readUpTo(file.number(), limit, content);
+  return content;
 }
 
 }  // namespace orvel

@@ -27,6 +27,9 @@ struct FileStamp {
   friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
+/// Whether there is a file that is no folder, pipe or device, also by way of a link. Threads: any.
+bool isPlainFile(const std::string& path);
+
 /// The content of a file. Nothing when it cannot be read, is larger than `limit` bytes, or is no plain file: opening a
 /// pipe or a device could wait forever, or set something off. Threads: any.
 std::optional<std::string> readSmallFile(const std::string& path, std::size_t limit);

@@ -40,7 +40,7 @@ std::string lineOf(const std::string& text) {
   return line += '\n';
 }
 
-bool isPlainFile(int descriptor) {
+bool refersToPlainFile(int descriptor) {
   struct stat status {};
   return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
@@ -147,7 +147,7 @@ bool TextList::refresh(State& state) const {
   state = {};
   if (!stamp) return true;
   const OwnedDescriptor file(open(path_.c_str(), O_RDONLY | openFlags));
-  if (file.number() < 0 || !isPlainFile(file.number())) return false;
+  if (file.number() < 0 || !refersToPlainFile(file.number())) return false;
   LineDigest<std::tuple_size_v<Digest>> digest;
   const bool isRead = readPieces(file.number(), [&](std::string_view piece) {
     for (auto end = piece.find('\n'); end != std::string_view::npos; end = piece.find('\n')) {
@@ -164,7 +164,7 @@ bool TextList::refresh(State& state) const {
 
 bool TextList::append(State& state, const std::string& line, const Digest& digest) const {
   const OwnedDescriptor file(open(path_.c_str(), O_RDWR | O_APPEND | O_CREAT | openFlags, listMode));
-  if (file.number() < 0 || !isPlainFile(file.number())) return false;
+  if (file.number() < 0 || !refersToPlainFile(file.number())) return false;
   if (!lockForWriting(file.number())) return false;
   // The process that held the lock may have added it.
   if (!refresh(state)) return false;

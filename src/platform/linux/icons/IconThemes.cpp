@@ -67,17 +67,12 @@ std::string indexOf(const std::string& themeFolder) {
   return pathIn(themeFolder, "index.theme");
 }
 
-bool isFile(const std::string& path) {
-  const auto stamp = FileStamp::of(path);
-  return stamp && stamp->isPlainFile;
-}
-
 std::optional<std::string> iconIn(const std::string& folder, const std::string& icon,
                                   const IconThemes::Choice& choice) {
   for (const std::string_view suffix : suffixes) {
     std::string path = pathIn(folder, icon);
     path += suffix;
-    if (isFile(path) && choice(path)) return path;
+    if (isPlainFile(path) && choice(path)) return path;
   }
   return std::nullopt;
 }
@@ -178,7 +173,7 @@ std::vector<std::string> IconThemes::allThemes() const {
   for (const std::string& base : bases_) {
     std::error_code error;
     for (std::filesystem::directory_iterator item(base, error), end; !error && item != end; item.increment(error)) {
-      if (names.size() < mostThemes && isFile(indexOf(item->path().string()))) {
+      if (names.size() < mostThemes && isPlainFile(indexOf(item->path().string()))) {
         names.insert(item->path().filename().string());
       }
     }
