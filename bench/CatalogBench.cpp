@@ -9,7 +9,10 @@
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/Folders.hpp"
+#include "platform/linux/x11/X11ActivationTokens.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ThemeSettings.hpp"
+#include "platform/linux/x11/X11Windows.hpp"
 
 #include <gio/gio.h>
 
@@ -123,7 +126,10 @@ Verdict measure() {
   const DataFolders folders = DataFolders::ofUser();
   DesktopEntries entries(folders.shared);
   SystemApplicationBundles bundles(entries);
-  SystemWorkspace workspace(*connection, entries, folders, {RLIM_INFINITY, RLIM_INFINITY});
+  X11Windows windows(*connection);
+  X11ActivationTokens tokens(*connection);
+  X11ThemeSettings theme(*connection);
+  SystemWorkspace workspace(windows, tokens, theme, entries, folders, {RLIM_INFINITY, RLIM_INFINITY});
   AppCatalog catalog(workspace, bundles);
 
   const auto begun = std::chrono::steady_clock::now();

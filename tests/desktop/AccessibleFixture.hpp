@@ -38,7 +38,7 @@ struct AccessibleFixture : testing::Test {
   SessionBus bus{desktop};
   WindowManager windowManager{desktop};
   LeafSet leaves{desktop};
-  SystemAccessibilityTree tree{leaves.connection(), bus.address()};
+  SystemAccessibilityTree tree{leaves.findWindow(), bus.address()};
 };
 
 }  // namespace orvel

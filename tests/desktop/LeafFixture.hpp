@@ -6,10 +6,14 @@
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/Folders.hpp"
+#include "platform/linux/x11/WindowSearch.hpp"
+#include "platform/linux/x11/X11ActivationTokens.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Displays.hpp"
 #include "platform/linux/x11/X11EventPoster.hpp"
+#include "platform/linux/x11/X11ThemeSettings.hpp"
 #include "platform/linux/x11/X11TrustCheck.hpp"
+#include "platform/linux/x11/X11Windows.hpp"
 
 #include <gtest/gtest.h>
 
@@ -31,13 +35,16 @@ class LeafSet {
                              [this](const xcb_generic_event_t& event) {
                                displays.handle(event);
                                events.handle(event);
-                               workspace.handle(event);
+                               windows.handle(event);
                              },
                          .ended = [this] { ended_.set_value(); }});
   }
   ~LeafSet() { connection_->stopListening(); }
 
   X11Connection& connection() { return *connection_; }
+  FindWindowAt findWindow() {
+    return [this](Point position) { return findWindowAt(*connection_, position); };
+  }
 
   /// Whether the end of the server is told of in time.
   bool waitForEnd() { return ended_.get_future().wait_for(patience) == std::future_status::ready; }
@@ -52,7 +59,10 @@ class LeafSet {
   X11Displays displays{*connection_};
   X11EventPoster events{*connection_, displays};
   X11TrustCheck trust{*connection_};
-  SystemWorkspace workspace{*connection_, desktopEntries_, dataFolders_, {RLIM_INFINITY, RLIM_INFINITY}};
+  X11Windows windows{*connection_};
+  X11ActivationTokens tokens{*connection_};
+  X11ThemeSettings theme{*connection_};
+  SystemWorkspace workspace{windows, tokens, theme, desktopEntries_, dataFolders_, {RLIM_INFINITY, RLIM_INFINITY}};
 };
 
 /// A desktop, the leaves on it, and a program that sees what they do.

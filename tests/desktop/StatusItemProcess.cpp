@@ -1,12 +1,16 @@
 #include "desktop/windows/WindowSpeech.hpp"
 #include "platform/linux/SystemStatusItem.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
+#include "platform/linux/x11/X11Tray.hpp"
 
 #include <QApplication>
 #include <QSocketNotifier>
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -23,7 +27,8 @@ int main(int argc, char** argv) {
   orvel::keepToolkitOffUnresponsiveBus(orvel::TimeLimit(std::chrono::seconds(1)));
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  orvel::SystemStatusItem item;
+  orvel::SystemStatusItem item(
+      [](std::function<void()> changed) { return std::make_unique<orvel::X11Tray>(std::move(changed)); });
   item.show(orvel::Symbol::cursorArrow, {.activated = [] { orvel::say("activated"); }, .decided = {}});
 
   orvel::WindowCommands commands;

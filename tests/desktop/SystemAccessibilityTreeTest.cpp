@@ -1,5 +1,5 @@
 #include "desktop/AccessibleFixture.hpp"
-#include "platform/linux/x11/WindowAtPoint.hpp"
+#include "platform/linux/accessibility/WindowAtPoint.hpp"
 
 #include <xcb/shape.h>
 
@@ -262,7 +262,7 @@ TEST_F(SystemAccessibilityTreeTest, AShadowIsNoPartOfAWindow) {
         xcb_intern_atom_reply(server, xcb_intern_atom(server, false, name.size(), name.data()), nullptr)};
     xcb_change_property(server, XCB_PROP_MODE_REPLACE, window, atom->atom, XCB_ATOM_CARDINAL, 32, shadow.size(),
                         shadow.data());
-    const auto found = WindowAtPoint::find(leaves.connection(), {150, 150});
+    const auto found = findWindowAt(leaves.connection(), {150, 150});
     return found ? found->frame : Rect{};
   };
   EXPECT_EQ(frameWith({10, 12, 7, 13}), (Rect{{110, 107}, {178, 130}}));
@@ -304,7 +304,7 @@ TEST_F(SystemAccessibilityTreeTest, NonsenseIsSurvivedAndSoonGivenUp) {
   for (const std::string mode : {"cycle", "absurd", "endless", "wrong", "slow"}) {
     WidgetWindow window(bus, "hostile", {mode});
     const Point inside{60, 80};
-    ASSERT_TRUE(eventually([&] { return WindowAtPoint::find(leaves.connection(), inside).has_value(); })) << mode;
+    ASSERT_TRUE(eventually([&] { return findWindowAt(leaves.connection(), inside).has_value(); })) << mode;
     const auto start = std::chrono::steady_clock::now();
     const std::string role = roleAt(inside);
     EXPECT_LT(std::chrono::steady_clock::now() - start, Milliseconds(500)) << mode;
@@ -327,7 +327,7 @@ TEST_F(SystemAccessibilityTreeTest, ItComesBackWithTheBus) {
 TEST_F(SystemAccessibilityTreeTest, ABusThatHangsCostsAFractionOfASecond) {
   WidgetWindow window(bus, "gtk3");
   const Point check = window.place("check").centre();
-  SystemAccessibilityTree late(leaves.connection(), bus.address());
+  SystemAccessibilityTree late(leaves.findWindow(), bus.address());
   bus.signal(SIGSTOP);
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(late.elementAt(check));
@@ -339,9 +339,9 @@ TEST_F(SystemAccessibilityTreeTest, ABusThatHangsCostsAFractionOfASecond) {
 TEST_F(SystemAccessibilityTreeTest, WithoutABusThereIsNothing) {
   WidgetWindow window(bus, "gtk3");
   const Point check = window.place("check").centre();
-  EXPECT_FALSE(SystemAccessibilityTree(leaves.connection(), "").elementAt(check));
-  EXPECT_FALSE(SystemAccessibilityTree(leaves.connection(), "unix:path=/nonexistent").elementAt(check));
-  EXPECT_FALSE(SystemAccessibilityTree(leaves.connection(), "what:ever").elementAt(check));
+  EXPECT_FALSE(SystemAccessibilityTree(leaves.findWindow(), "").elementAt(check));
+  EXPECT_FALSE(SystemAccessibilityTree(leaves.findWindow(), "unix:path=/nonexistent").elementAt(check));
+  EXPECT_FALSE(SystemAccessibilityTree(leaves.findWindow(), "what:ever").elementAt(check));
 }
 
 }  // namespace

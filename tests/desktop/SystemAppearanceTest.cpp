@@ -6,6 +6,7 @@
 #include "desktop/VirtualDesktop.hpp"
 #include "platform/linux/SystemAppearance.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ThemeSettings.hpp"
 
 #include <gio/gio.h>
 #include <gtest/gtest.h>
@@ -89,10 +90,11 @@ struct SystemAppearanceTest : testing::Test {
   /// Makes the leaf and has it follow the desktop.
   void open() {
     connection = X11Connection::open(desktop.display());
-    appearance.emplace(*connection);
+    settings.emplace(*connection);
+    appearance.emplace(*settings);
     appearance->observe([this] { ++changes; });
     connection->listen(
-        {.event = [this](const xcb_generic_event_t& event) { appearance->handle(event); }, .ended = [] {}});
+        {.event = [this](const xcb_generic_event_t& event) { settings->handle(event); }, .ended = [] {}});
   }
 
   static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = patience) {
@@ -120,6 +122,7 @@ struct SystemAppearanceTest : testing::Test {
   VirtualDesktop desktop;
   SessionBus bus{desktop};
   std::unique_ptr<X11Connection> connection;
+  std::optional<X11ThemeSettings> settings;
   std::optional<SystemAppearance> appearance;
   int changes = 0;
 };
@@ -258,6 +261,7 @@ TEST_F(SystemAppearanceTest, ABusThatHangsHoldsNobodyUp) {
   EXPECT_EQ(appearance->isDark(), std::nullopt);
   connection->stopListening();
   appearance.reset();
+  settings.reset();
   connection = nullptr;
   open();
   EXPECT_GT(deadline.left(), Milliseconds(0));
@@ -269,7 +273,8 @@ TEST_F(SystemAppearanceTest, AMissingBusIsHarmless) {
   for (const char* address : {"", "disabled:", "unix:path=/nowhere"}) {
     setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
     const auto server = X11Connection::open(desktop.display());
-    EXPECT_EQ(SystemAppearance(*server).isDark(), std::nullopt) << address;
+    X11ThemeSettings theme(*server);
+    EXPECT_EQ(SystemAppearance(theme).isDark(), std::nullopt) << address;
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Guarded.hpp"
 #include "platform/Platform.hpp"
+#include "platform/linux/Backend.hpp"
 #include "platform/linux/SystemAccessibilityTree.hpp"
 #include "platform/linux/SystemActivity.hpp"
 #include "platform/linux/SystemAdvertiser.hpp"
@@ -16,31 +17,21 @@
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/Folders.hpp"
-#include "platform/linux/x11/ToolkitConnection.hpp"
-#include "platform/linux/x11/X11CaptureService.hpp"
-#include "platform/linux/x11/X11Connection.hpp"
-#include "platform/linux/x11/X11Displays.hpp"
-#include "platform/linux/x11/X11EventPoster.hpp"
-#include "platform/linux/x11/X11Foreground.hpp"
-#include "platform/linux/x11/X11PressWatch.hpp"
-#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
-#include "platform/linux/x11/X11TrustCheck.hpp"
 
 #include <sys/resource.h>
 
 #include <functional>
 #include <memory>
-#include <string>
 
 namespace orvel {
 
-/// The leaves of a Linux desktop with X11.
+/// The leaves of a Linux desktop: those of the backend, and those that need no display server.
 ///
 /// Threads: any, but made and destroyed by its owner, never by the handler of `observeEnd`.
 class LinuxPlatform final : public Platform {
  public:
-  /// The connection is one to `display`. Programs that it starts get `openFiles` as their limit of open files.
-  LinuxPlatform(std::unique_ptr<X11Connection> connection, const std::string& display, const rlimit& openFiles);
+  /// Programs that it starts get `openFiles` as their limit of open files.
+  LinuxPlatform(std::unique_ptr<Backend> backend, const rlimit& openFiles);
   ~LinuxPlatform() override;
 
   /// Starts to follow the desktop. Called once. False when the system has no thread to give.
@@ -51,24 +42,24 @@ class LinuxPlatform final : public Platform {
   Advertiser& advertiser() override { return advertiser_; }
   Appearance& appearance() override { return appearance_; }
   ApplicationBundles& bundles() override { return bundles_; }
-  CaptureService& capture() override { return capture_; }
-  Displays& displays() override { return displays_; }
+  CaptureService& capture() override { return backend_->capture(); }
+  Displays& displays() override { return backend_->displays(); }
   JPEGEncoder& encoder() override { return encoder_; }
-  EventPoster& events() override { return events_; }
-  Foreground& foreground() override { return foreground_; }
+  EventPoster& events() override { return backend_->events(); }
+  Foreground& foreground() override { return backend_->foreground(); }
   LoginItemService& loginItem() override { return loginItem_; }
   Machine& machine() override { return machine_; }
   Preferences& preferences() override { return preferences_; }
-  PressWatch& presses() override { return presses_; }
-  ScreenRecordingAccess& screenRecording() override { return screenRecording_; }
+  PressWatch& presses() override { return backend_->presses(); }
+  ScreenRecordingAccess& screenRecording() override { return backend_->screenRecording(); }
   SocketTuner& socketTuner() override { return socketTuner_; }
   StatusItem& statusItem() override { return statusItem_; }
-  TrustCheck& trust() override { return trust_; }
+  TrustCheck& trust() override { return backend_->trust(); }
   Workspace& workspace() override { return workspace_; }
 
   void observeEnd(std::function<void()> handler) override;
-  void stopTyping() override { events_.stopTyping(); }
-  void giveUp() override;
+  void stopTyping() override { backend_->stopTyping(); }
+  void giveUp() override { backend_->disconnect(); }
 
  private:
   struct End {
@@ -78,7 +69,7 @@ class LinuxPlatform final : public Platform {
 
   void end();
 
-  const std::unique_ptr<X11Connection> connection_;
+  const std::unique_ptr<Backend> backend_;
   const DataFolders dataFolders_ = DataFolders::ofUser();
   DesktopEntries desktopEntries_{dataFolders_.shared};
   SystemAccessibilityTree accessibility_;
@@ -86,20 +77,12 @@ class LinuxPlatform final : public Platform {
   SystemAdvertiser advertiser_;
   SystemAppearance appearance_;
   SystemApplicationBundles bundles_;
-  X11CaptureService capture_;
-  X11Displays displays_;
   SystemJPEGEncoder encoder_;
-  X11EventPoster events_;
-  X11Foreground foreground_;
   SystemLoginItemService loginItem_;
   SystemMachine machine_;
   SystemPreferences preferences_;
-  X11PressWatch presses_;
-  X11ScreenRecordingAccess screenRecording_;
   SystemSocketTuner socketTuner_;
   SystemStatusItem statusItem_;
-  const ToolkitConnection toolkit_;
-  X11TrustCheck trust_;
   SystemWorkspace workspace_;
   Guarded<End> end_;
 };

@@ -1,9 +1,9 @@
 #include "platform/linux/SystemAccessibilityTree.hpp"
 
 #include "platform/linux/accessibility/ElementSearch.hpp"
-#include "platform/linux/x11/WindowAtPoint.hpp"
 
 #include <chrono>
+#include <utility>
 
 namespace orvel {
 namespace {
@@ -28,11 +28,11 @@ std::string accessibilityBusAddress(const std::string& sessionBus, const TimeLim
 
 }  // namespace
 
-SystemAccessibilityTree::SystemAccessibilityTree(X11Connection& connection, const std::string& sessionBus)
-    : connection_(connection), sessionBus_(sessionBus), switch_(sessionBus) {}
+SystemAccessibilityTree::SystemAccessibilityTree(FindWindowAt findWindow, const std::string& sessionBus)
+    : findWindow_(std::move(findWindow)), sessionBus_(sessionBus), switch_(sessionBus) {}
 
 std::optional<AccessibleElement> SystemAccessibilityTree::elementAt(Point position) {
-  const auto window = WindowAtPoint::find(connection_, position);
+  const auto window = findWindow_(position);
   const TimeLimit limit(searchTimeout);
   if (!window || !connect(limit)) return std::nullopt;
   const AccessibleConversation conversation{.bus = *bus_, .limit = limit};

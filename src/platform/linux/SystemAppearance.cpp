@@ -8,10 +8,12 @@
 
 namespace orvel {
 
-SystemAppearance::SystemAppearance(const X11Connection& connection)
-    : settings_(connection), told_(read()), change_(std::make_shared<MainThreadCall>([this] {
+SystemAppearance::SystemAppearance(ThemeSettings& settings)
+    : settings_(settings), theme_(settings.read()), change_(std::make_shared<MainThreadCall>([this] {
         if (changed_) changed_();
-      })) {}
+      })) {
+  settings_.observe([this] { readAgain(); });
+}
 
 SystemAppearance::~SystemAppearance() {
   change_->cancel();
@@ -19,12 +21,12 @@ SystemAppearance::~SystemAppearance() {
 
 std::optional<bool> SystemAppearance::isDark() const {
   if (const auto said = portal_ ? portal_->isDark() : std::nullopt) return said;
-  const std::string theme = told_.withLock([](const Told& told) { return told.theme; });
-  return theme.empty() ? std::nullopt : std::optional(isDarkTheme(theme));
+  const std::string name = theme_.withLock([](const DesktopTheme& theme) { return theme.name; });
+  return name.empty() ? std::nullopt : std::optional(isDarkTheme(name));
 }
 
 std::optional<DesktopFont> SystemAppearance::font() const {
-  return parseFontDescription(told_.withLock([](const Told& told) { return told.font; }));
+  return parseFontDescription(theme_.withLock([](const DesktopTheme& theme) { return theme.font; }));
 }
 
 void SystemAppearance::observe(std::function<void()> changed) {
@@ -32,16 +34,10 @@ void SystemAppearance::observe(std::function<void()> changed) {
   portal_ = std::make_unique<PortalColorScheme>([this] { changed_(); });
 }
 
-void SystemAppearance::handle(const xcb_generic_event_t& event) {
-  if (!settings_.tellsOfChange(event)) return;
-  const Told now = read();
-  const Told before = told_.withLock([&](Told& told) { return std::exchange(told, now); });
-  if (now != before) change_->ask();
-}
-
-SystemAppearance::Told SystemAppearance::read() {
-  auto settings = settings_.read();
-  return {.theme = std::move(settings["Net/ThemeName"]), .font = std::move(settings["Gtk/FontName"])};
+void SystemAppearance::readAgain() {
+  const DesktopTheme now = settings_.read();
+  const DesktopTheme before = theme_.withLock([&](DesktopTheme& theme) { return std::exchange(theme, now); });
+  if (now.name != before.name || now.font != before.font) change_->ask();
 }
 
 }  // namespace orvel

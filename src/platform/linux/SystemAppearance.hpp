@@ -1,10 +1,8 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/x11/XSettingsWatch.hpp"
+#include "platform/linux/appearance/ThemeSettings.hpp"
 #include "ui/Appearance.hpp"
-
-#include <xcb/xcb.h>
 
 #include <functional>
 #include <memory>
@@ -15,15 +13,15 @@ namespace orvel {
 
 class MainThreadCall;
 class PortalColorScheme;
-class X11Connection;
 
-/// What the settings portal says of light and dark, or else the name of the theme that the desktop tells all programs
-/// by the X server, as it tells them its font.
+/// What the settings portal says of light and dark, or else the name of the theme that the desktop publishes, as it
+/// does its font.
 ///
-/// Threads: the main thread, which waits for nobody once this is made; `handle` is called on that of the connection.
+/// Threads: the main thread, which waits for nobody once this is made.
 class SystemAppearance final : public Appearance {
  public:
-  explicit SystemAppearance(const X11Connection& connection);
+  /// The settings must not call their observer any more when this goes.
+  explicit SystemAppearance(ThemeSettings& settings);
   ~SystemAppearance() override;
   SystemAppearance(const SystemAppearance&) = delete;
   SystemAppearance& operator=(const SystemAppearance&) = delete;
@@ -32,21 +30,11 @@ class SystemAppearance final : public Appearance {
   std::optional<DesktopFont> font() const override;
   void observe(std::function<void()> changed) override;
 
-  /// Takes an event of the server, and looks again when it tells of other settings.
-  void handle(const xcb_generic_event_t& event);
-
  private:
-  struct Told {
-    std::string theme;
-    std::string font;
+  void readAgain();
 
-    friend bool operator==(const Told&, const Told&) = default;
-  };
-
-  Told read();
-
-  XSettingsWatch settings_;
-  Guarded<Told> told_;
+  ThemeSettings& settings_;
+  Guarded<DesktopTheme> theme_;
   std::function<void()> changed_;
   const std::shared_ptr<MainThreadCall> change_;
   std::unique_ptr<PortalColorScheme> portal_;  // once somebody wants to know

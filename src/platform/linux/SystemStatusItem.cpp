@@ -1,8 +1,8 @@
 #include "platform/linux/SystemStatusItem.hpp"
 
 #include "platform/linux/tray/EmbeddedIcon.hpp"
+#include "platform/linux/tray/EmbeddingTray.hpp"
 #include "platform/linux/tray/StatusNotifierWatch.hpp"
-#include "platform/linux/x11/TraySelection.hpp"
 #include "ui/SymbolImage.hpp"
 
 #include <QApplication>
@@ -28,7 +28,7 @@ QIcon iconOf(Symbol symbol) {
 
 }  // namespace
 
-SystemStatusItem::SystemStatusItem() = default;
+SystemStatusItem::SystemStatusItem(MakeTray makeTray) : makeTray_(std::move(makeTray)) {}
 
 SystemStatusItem::~SystemStatusItem() = default;
 
@@ -37,12 +37,12 @@ void SystemStatusItem::show(Symbol symbol, Handlers handlers) {
   handlers_ = std::move(handlers);
   trayChanged_.setSingleShot(true);
   QObject::connect(&trayChanged_, &QTimer::timeout, [this] { followTray(); });
-  selection_ = std::make_unique<TraySelection>([this] { trayChanged_.start(0); });
+  tray_ = makeTray_([this] { trayChanged_.start(0); });
   statusNotifiers_ = std::make_unique<StatusNotifierWatch>([this] { lookForPlace(); });
 }
 
 void SystemStatusItem::followTray() {
-  if (!selection_->isOwned()) {
+  if (!hasTray()) {
     embedded_.reset();  // what a tray leaves behind would lie on the bare screen
   } else if (isEmbedded_) {
     embed();
@@ -55,8 +55,12 @@ void SystemStatusItem::lookForPlace() {
   if (item_) return;  // the toolkit brings it back by itself
   const auto host = statusNotifiers_->host();
   if (!isEmbedded_ && host == StatusNotifierWatch::Host::present) makeItem();
-  if (!isEmbedded_ && host == StatusNotifierWatch::Host::absent && selection_->isOwned()) embed();
+  if (!isEmbedded_ && host == StatusNotifierWatch::Host::absent && hasTray()) embed();
   decide();
+}
+
+bool SystemStatusItem::hasTray() const {
+  return tray_ && tray_->isOwned();
 }
 
 void SystemStatusItem::decide() {
@@ -72,8 +76,8 @@ void SystemStatusItem::makeItem() {
 
 void SystemStatusItem::embed() {
   isEmbedded_ = true;
-  if (embedded_ && embedded_->tray() == selection_->ownership()) return;
-  embedded_ = std::make_unique<EmbeddedIcon>(*selection_, iconOf(symbol_), [this] { click(); });
+  if (embedded_ && embedded_->tray() == tray_->ownership()) return;
+  embedded_ = std::make_unique<EmbeddedIcon>(*tray_, iconOf(symbol_), [this] { click(); });
   embedded_->setToolTip(name);
 }
 
@@ -93,7 +97,7 @@ void SystemStatusItem::setSymbol(Symbol symbol) {
 
 bool SystemStatusItem::isShown() const {
   if (item_) return statusNotifiers_->host() == StatusNotifierWatch::Host::present;
-  return embedded_ && selection_->isOwned();
+  return embedded_ && hasTray();
 }
 
 std::optional<Rect> SystemStatusItem::place() const {

@@ -4,6 +4,7 @@
 
 #include <QTimer>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -13,7 +14,7 @@ namespace orvel {
 
 class EmbeddedIcon;
 class StatusNotifierWatch;
-class TraySelection;
+class EmbeddingTray;
 
 /// The icon in the desktop's tray: a status notifier item where the desktop shows such, else a window embedded in the
 /// tray. Which of them is decided once, when there is a first place for it.
@@ -21,7 +22,10 @@ class TraySelection;
 /// Threads: the main thread, with a QApplication around it.
 class SystemStatusItem final : public StatusItem {
  public:
-  SystemStatusItem();
+  /// Follows the tray into which windows can be embedded, as a backend does; may return null.
+  using MakeTray = std::function<std::unique_ptr<EmbeddingTray>(std::function<void()> changed)>;
+
+  explicit SystemStatusItem(MakeTray makeTray);
   ~SystemStatusItem() override;
 
   void show(Symbol symbol, Handlers handlers) override;
@@ -37,6 +41,7 @@ class SystemStatusItem final : public StatusItem {
   void makeItem();
   void embed();
   void decide();
+  bool hasTray() const;
   void click();
 
   Symbol symbol_ = Symbol::cursorArrow;
@@ -45,7 +50,8 @@ class SystemStatusItem final : public StatusItem {
   bool isEmbedded_ = false;  // it is, or comes back when a tray does
   std::unique_ptr<QSystemTrayIcon> item_;
   std::unique_ptr<EmbeddedIcon> embedded_;
-  std::unique_ptr<TraySelection> selection_;
+  const MakeTray makeTray_;
+  std::unique_ptr<EmbeddingTray> tray_;  // null where windows cannot be embedded
   QTimer trayChanged_;
   std::unique_ptr<StatusNotifierWatch> statusNotifiers_;
 };

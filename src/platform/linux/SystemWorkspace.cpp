@@ -2,9 +2,7 @@
 
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/icons/IconImage.hpp"
-#include "platform/linux/x11/X11Connection.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -14,36 +12,26 @@ namespace {
 constexpr double largestIcon = 1024;
 constexpr int mostDrawings = 16;  // of one icon, until one shows something
 
-/// In the order of the stack, the lowest first. Those that it does not name are left out, unless it names none of them.
-std::vector<xcb_window_t> inOrder(const std::vector<xcb_window_t>& windows, std::vector<xcb_window_t> stack) {
-  std::erase_if(
-      stack, [&](xcb_window_t window) { return std::find(windows.begin(), windows.end(), window) == windows.end(); });
-  return stack.empty() ? windows : stack;
-}
-
 }  // namespace
 
-SystemWorkspace::SystemWorkspace(X11Connection& connection, DesktopEntries& entries, const DataFolders& folders,
-                                 const rlimit& openFiles)
-    : root_(connection.root()),
-      atoms_(connection),
+SystemWorkspace::SystemWorkspace(DesktopWindows& windows, ActivationTokens& tokens, ThemeSettings& theme,
+                                 DesktopEntries& entries, const DataFolders& folders, const rlimit& openFiles)
+    : windows_(windows),
       entries_(entries),
-      windows_(connection, atoms_),
-      commands_(connection, atoms_),
-      programs_(windows_, entries),
-      time_(connection),
-      notice_(connection, atoms_),
-      launcher_(time_, notice_, openFiles),
-      themeChoice_(connection),
+      programs_(windows, entries),
+      launcher_(tokens, openFiles),
+      themeChoice_(theme),
       themes_(folders) {}
 
 void SystemWorkspace::observeActivation(std::function<void()> handler) {
-  handler_.withLock([&](std::function<void()>& observer) { observer = std::move(handler); });
+  windows_.observeActivation(std::move(handler));
 }
 
 std::optional<std::vector<RunningApplication>> SystemWorkspace::runningApplications() {
   std::vector<RunningApplication> applications;
-  for (WindowedProgram& program : programs_.read()) {
+  auto programs = programs_.read();
+  if (!programs) return std::nullopt;
+  for (WindowedProgram& program : *programs) {
     if (program.location) launcher_.hasStarted(*program.location);
     applications.push_back({.instance = program.instance,
                             .identifier = std::move(program.identifier),
@@ -75,24 +63,11 @@ std::optional<std::vector<std::uint8_t>> SystemWorkspace::icon(const std::string
 }
 
 void SystemWorkspace::activate(const RunningApplication& application) {
-  const auto windows = inOrder(windowsOf(application), windows_.stacking());
-  if (windows.empty()) return;
-  const xcb_window_t top = windows.back();
-  const auto time = time_.now();
-  // Some window managers would leave the user where he is, and some would bring the window over.
-  const auto desktop = windows_.desktopOf(top);
-  if (desktop && desktop != windows_.currentDesktop()) commands_.showDesktop(*desktop, time);
-  for (const xcb_window_t window : windows) commands_.raise(window);
-  commands_.activate(top, time);
-  commands_.flush();
+  windows_.activate(windowsOf(application));
 }
 
 void SystemWorkspace::terminate(const RunningApplication& application) {
-  const auto time = time_.now();
-  for (const xcb_window_t window : windowsOf(application)) {
-    if (windows_.canBeAskedToClose(window)) commands_.close(window, time);
-  }
-  commands_.flush();
+  windows_.close(windowsOf(application));
 }
 
 void SystemWorkspace::open(const std::string& path) {
@@ -100,21 +75,15 @@ void SystemWorkspace::open(const std::string& path) {
   if (entry && entry->isUsable) launcher_.launch(path);
 }
 
-std::vector<xcb_window_t> SystemWorkspace::windowsOf(const RunningApplication& application) const {
-  for (WindowedProgram& program : programs_.read()) {
+std::vector<WindowID> SystemWorkspace::windowsOf(const RunningApplication& application) const {
+  auto programs = programs_.read();
+  if (!programs) return {};
+  for (WindowedProgram& program : *programs) {
     if (program.instance == application.instance && program.identifier == application.identifier) {
       return std::move(program.windows);
     }
   }
   return {};
-}
-
-void SystemWorkspace::handle(const xcb_generic_event_t& event) {
-  if ((event.response_type & x11EventTypeMask) != XCB_PROPERTY_NOTIFY) return;
-  const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-  if (change.window != root_ || change.atom != atoms_.activeWindow) return;
-  const auto handler = handler_.withLock([](const std::function<void()>& observer) { return observer; });
-  if (handler) handler();
 }
 
 }  // namespace orvel

@@ -2,7 +2,7 @@
 
 #include "input/AccessibilityTree.hpp"
 #include "platform/linux/accessibility/AccessibleObject.hpp"
-#include "platform/linux/x11/WindowAtPoint.hpp"
+#include "platform/linux/accessibility/WindowAtPoint.hpp"
 
 #include <optional>
 

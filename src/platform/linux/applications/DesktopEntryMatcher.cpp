@@ -1,7 +1,7 @@
 #include "platform/linux/applications/DesktopEntryMatcher.hpp"
 
+#include "platform/linux/applications/DesktopWindows.hpp"
 #include "platform/linux/applications/ProcessFacts.hpp"
-#include "platform/linux/x11/WindowList.hpp"
 
 #include <glib.h>
 

@@ -3,6 +3,7 @@
 #include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/OwnedDescriptor.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
+#include "platform/linux/applications/DesktopWindows.hpp"
 #include "platform/linux/applications/ProcessFacts.hpp"
 #include "platform/linux/bus/ApplicationObject.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
@@ -155,8 +156,7 @@ struct Launcher::BusStart {
   const std::shared_ptr<std::atomic<bool>> isAnswered = std::make_shared<std::atomic<bool>>(false);
 };
 
-Launcher::Launcher(const ServerTime& time, const StartupNotice& notice, const rlimit& openFiles)
-    : time_(time), notice_(notice), openFiles_(openFiles) {
+Launcher::Launcher(ActivationTokens& tokens, const rlimit& openFiles) : tokens_(tokens), openFiles_(openFiles) {
   // GIO would start one.
   if (sessionBusAddress().empty()) setenv(busAddress, noBus, 1);
 }
@@ -211,7 +211,7 @@ std::optional<Launcher::Launched> Launcher::spawn(const std::string& path) {
   if (!info || g_desktop_app_info_get_is_hidden(info.get())) return std::nullopt;
   std::string announced;
   const AnnounceLaunch announceIt = [&] {
-    announced = announce(g_app_info_get_name(G_APP_INFO(info.get())), path);
+    announced = tokens_.issue(g_app_info_get_name(G_APP_INFO(info.get())), path);
     return announced;
   };
   auto opened = openBus();
@@ -230,20 +230,9 @@ std::optional<Launcher::Launched> Launcher::spawn(const std::string& path) {
   rlimit openFiles = openFiles_;
   const bool isLaunched = g_desktop_app_info_launch_uris_as_manager(
       info.get(), nullptr, context.get(), spawnFlags, startAfresh, &openFiles, notePid, &process, nullptr);
-  if (!isLaunched && !announced.empty()) notice_.end(announced);
+  if (!isLaunched && !announced.empty()) tokens_.revoke(announced);
   if (!isLaunched) return std::nullopt;
   return Launched{.process = std::make_shared<const Process>(process)};
-}
-
-std::string Launcher::announce(const std::string& name, const std::string& path) {
-  const auto time = time_.now();
-  if (time == XCB_CURRENT_TIME) return {};
-  const auto count = announcements_.withLock([](std::uint64_t& announcements) { return ++announcements; });
-  // The form in which programs and window managers look for the time.
-  std::string identifier =
-      "orvel-" + std::to_string(getpid()) + "-" + std::to_string(count) + "_TIME" + std::to_string(time);
-  notice_.begin(identifier, name, path);
-  return identifier;
 }
 
 }  // namespace orvel

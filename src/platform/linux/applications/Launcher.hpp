@@ -1,13 +1,10 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/x11/ServerTime.hpp"
-#include "platform/linux/x11/StartupNotice.hpp"
 
 #include <sys/resource.h>
 
 #include <chrono>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,15 +12,17 @@
 
 namespace orvel {
 
+class ActivationTokens;
+
 /// Starts programs by their desktop entries, as the desktop itself would: each has a session of its own and nothing of
 /// what this program has changed for itself, and lives on when this program ends.
 ///
-/// Threads: any. A launch waits for the file system, the X server and the session bus.
+/// Threads: any. A launch waits for the file system, the desktop and the session bus.
 class Launcher {
  public:
   /// Programs get `openFiles` as their limit of open files. Without a session bus it changes the environment of this
   /// program, so that none is started: make it before other threads read that.
-  Launcher(const ServerTime& time, const StartupNotice& notice, const rlimit& openFiles);
+  Launcher(ActivationTokens& tokens, const rlimit& openFiles);
 
   /// Starts the program of the entry at `path`. No effect when it cannot be started, when the session bus does not
   /// answer, or while it still starts: for up to 15 s without a window, as long as its process or one that this has
@@ -52,14 +51,11 @@ class Launcher {
 
   bool reserve(const std::string& path);
   std::optional<Launched> spawn(const std::string& path);
-  std::string announce(const std::string& name, const std::string& path);
   static bool isOver(const Start& start);
 
-  const ServerTime& time_;
-  const StartupNotice& notice_;
+  ActivationTokens& tokens_;
   const rlimit openFiles_;
   Guarded<Starts> starts_;
-  Guarded<std::uint64_t> announcements_;
 };
 
 }  // namespace orvel

@@ -42,7 +42,7 @@ class Grouping {
   /// themselves.
   const ManagedWindow& mainWindowOf(const ManagedWindow& window) const {
     const ManagedWindow* main = &window;
-    for (int i = 0; i < longestParentChain && main->owner != XCB_WINDOW_NONE; ++i) {
+    for (int i = 0; i < longestParentChain && main->owner != 0; ++i) {
       const auto owner = byID_.find(main->owner);
       if (owner == byID_.end() || owner->second->process != window.process) break;
       main = owner->second;
@@ -72,7 +72,7 @@ class Grouping {
   }
 
   const DesktopEntryMatcher matcher_;
-  std::unordered_map<xcb_window_t, const ManagedWindow*> byID_;
+  std::unordered_map<WindowID, const ManagedWindow*> byID_;
   std::unordered_map<pid_t, ProcessFacts> facts_;
   std::map<std::pair<std::uint64_t, std::string>, std::size_t> places_;
   std::vector<WindowedProgram> programs_;
@@ -80,11 +80,12 @@ class Grouping {
 
 }  // namespace
 
-std::vector<WindowedProgram> ProgramList::read() const {
+std::optional<std::vector<WindowedProgram>> ProgramList::read() const {
   const auto windows = windows_.read();
-  if (windows.empty()) return {};
-  Grouping grouping(windows, entries_);
-  for (const ManagedWindow& window : windows) grouping.add(window);
+  if (!windows) return std::nullopt;
+  if (windows->empty()) return std::vector<WindowedProgram>();
+  Grouping grouping(*windows, entries_);
+  for (const ManagedWindow& window : *windows) grouping.add(window);
   return std::move(grouping).programs();
 }
 

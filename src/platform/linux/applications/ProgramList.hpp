@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/WindowList.hpp"
+#include "platform/linux/applications/DesktopWindows.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -18,22 +18,22 @@ struct WindowedProgram {
   std::optional<std::string> name;      ///< In the user's language.
   std::optional<std::string> location;  ///< The path of its desktop entry.
   bool isRegular = false;               ///< Has a window of its own that people switch to.
-  std::vector<xcb_window_t> windows;    ///< Those for people, in the window manager's order. Never empty.
+  std::vector<WindowID> windows;        ///< Those for people, in the desktop's order. Never empty.
 };
 
-/// The programs whose windows the window manager looks after. A process that shows windows of several programs, as an
+/// The programs whose windows the desktop manages. A process that shows windows of several programs, as an
 /// office suite does, is several.
 ///
-/// Threads: any; `read` waits for the server and for the file system.
+/// Threads: any; `read` waits for the desktop and for the file system.
 class ProgramList {
  public:
-  ProgramList(const WindowList& windows, DesktopEntries& entries) : windows_(windows), entries_(entries) {}
+  ProgramList(DesktopWindows& windows, DesktopEntries& entries) : windows_(windows), entries_(entries) {}
 
-  /// In the window manager's order of their first windows.
-  std::vector<WindowedProgram> read() const;
+  /// In the desktop's order of their first windows. Nothing where it does not report windows.
+  std::optional<std::vector<WindowedProgram>> read() const;
 
  private:
-  const WindowList& windows_;
+  DesktopWindows& windows_;
   DesktopEntries& entries_;
 };
 

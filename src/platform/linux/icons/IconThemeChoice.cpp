@@ -1,9 +1,9 @@
 #include "platform/linux/icons/IconThemeChoice.hpp"
 
 #include "platform/linux/GLibPointer.hpp"
+#include "platform/linux/appearance/ThemeSettings.hpp"
 #include "platform/linux/files/Folders.hpp"
 #include "platform/linux/files/SmallFile.hpp"
-#include "platform/linux/x11/XSettings.hpp"
 
 #include <cstddef>
 
@@ -22,8 +22,8 @@ std::string valueIn(const std::string& path, const char* group, const char* key)
 
 }  // namespace
 
-IconThemeChoice::IconThemeChoice(const X11Connection& connection)
-    : connection_(connection),
+IconThemeChoice::IconThemeChoice(ThemeSettings& settings)
+    : settings_(settings),
       configuration_(ConfigurationFolders::ofUser().own),
       isKDE_(environmentVariable("XDG_CURRENT_DESKTOP").find("KDE") != std::string::npos) {}
 
@@ -31,8 +31,7 @@ std::string IconThemeChoice::name() const {
   if (isKDE_) {
     if (auto name = valueIn(configuration_ + "/kdeglobals", "Icons", "Theme"); !name.empty()) return name;
   }
-  auto told = readXSettings(connection_);
-  if (const auto name = told.find("Net/IconThemeName"); name != told.end()) return name->second;
+  if (auto name = settings_.read().iconTheme; !name.empty()) return name;
   return valueIn(configuration_ + "/gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name");
 }
 

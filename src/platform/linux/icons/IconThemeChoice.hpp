@@ -4,21 +4,21 @@
 
 namespace orvel {
 
-class X11Connection;
+class ThemeSettings;
 
 /// The icon theme that the user has chosen.
 ///
-/// Threads: any; it is made by its owner. `name` waits for the file system and for the X server.
+/// Threads: any; it is made by its owner. `name` waits for the file system and for the desktop.
 class IconThemeChoice {
  public:
-  explicit IconThemeChoice(const X11Connection& connection);
+  explicit IconThemeChoice(ThemeSettings& settings);
 
   /// Its name: what KDE says on its own desktop, what the desktop tells all programs, or what GTK's own file says.
   /// Empty when nobody has chosen any.
   std::string name() const;
 
  private:
-  const X11Connection& connection_;
+  ThemeSettings& settings_;
   const std::string configuration_;  // the user's folder of it
   const bool isKDE_;
 };

@@ -2,6 +2,7 @@
 
 #include <linux/input-event-codes.h>
 
+#include <algorithm>
 #include <array>
 
 namespace orvel::KeyPositions {
@@ -49,11 +50,32 @@ constexpr std::array<std::uint8_t, 0x80> keys = {
     KEY_RIGHT,      KEY_DOWN,       KEY_UP,         none,            // 0x7c
 };
 
+/// Where a media key of a Mac is.
+struct Place {
+  std::int64_t keyType;
+  std::uint8_t key;  // the kernel's
+};
+
+constexpr std::array places = {
+    Place{0, KEY_VOLUMEUP},     Place{1, KEY_VOLUMEDOWN}, Place{2, KEY_BRIGHTNESSUP}, Place{3, KEY_BRIGHTNESSDOWN},
+    Place{7, KEY_MUTE},         Place{16, KEY_PLAYPAUSE}, Place{17, KEY_NEXTSONG},    Place{18, KEY_PREVIOUSSONG},
+    Place{19, KEY_FASTFORWARD}, Place{20, KEY_REWIND},
+};
+
 }  // namespace
 
 std::optional<std::uint8_t> keyCodeOf(std::uint16_t virtualKeyCode) {
   if (virtualKeyCode >= keys.size() || keys[virtualKeyCode] == none) return std::nullopt;
   return static_cast<std::uint8_t>(keys[virtualKeyCode] + firstKeyCode);
+}
+
+std::optional<KeyChange> changeOf(const SystemDefinedEvent& event) {
+  const auto place = std::ranges::find(places, event.data1 >> auxiliaryKey::typeShift, &Place::keyType);
+  const std::int64_t state = event.data1 & auxiliaryKey::stateMask;
+  const bool isKnown = state == auxiliaryKey::down || state == auxiliaryKey::up;
+  if (event.subtype != auxiliaryKey::subtype || place == places.end() || !isKnown) return std::nullopt;
+  return KeyChange{.keyCode = static_cast<std::uint8_t>(place->key + firstKeyCode),
+                   .down = state == auxiliaryKey::down};
 }
 
 }  // namespace orvel::KeyPositions

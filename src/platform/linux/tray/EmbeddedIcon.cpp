@@ -1,6 +1,6 @@
 #include "platform/linux/tray/EmbeddedIcon.hpp"
 
-#include "platform/linux/x11/TraySelection.hpp"
+#include "platform/linux/tray/EmbeddingTray.hpp"
 
 #include <QBitmap>
 #include <QMouseEvent>
@@ -18,7 +18,7 @@ constexpr Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::Byp
 
 }  // namespace
 
-EmbeddedIcon::EmbeddedIcon(const TraySelection& tray, QIcon icon, std::function<void()> clicked)
+EmbeddedIcon::EmbeddedIcon(const EmbeddingTray& tray, QIcon icon, std::function<void()> clicked)
     : QWidget(nullptr, flags), tray_(tray.ownership()), icon_(std::move(icon)), clicked_(std::move(clicked)) {
   setAttribute(Qt::WA_QuitOnClose, false);
   setAttribute(Qt::WA_AlwaysShowToolTips);

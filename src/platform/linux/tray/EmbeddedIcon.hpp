@@ -7,9 +7,9 @@
 
 namespace orvel {
 
-class TraySelection;
+class EmbeddingTray;
 
-/// An icon in a window that a tray of the X server takes into its own, by the older of the trays' protocols. The
+/// An icon in a window that a tray takes into its own, by the older of the trays' protocols. The
 /// toolkit has such a thing, but newer releases of it use the message bus alone as soon as somebody there looks after
 /// items, also when nobody shows them.
 ///
@@ -18,7 +18,7 @@ class EmbeddedIcon final : public QWidget {
  public:
   /// Asks the tray that there is now to take it, which it leaves only by going. `clicked` is called for every press of
   /// a button on it, twice for a double click.
-  EmbeddedIcon(const TraySelection& tray, QIcon icon, std::function<void()> clicked);
+  EmbeddedIcon(const EmbeddingTray& tray, QIcon icon, std::function<void()> clicked);
 
   /// The ownership of the tray that was asked.
   std::uint32_t tray() const { return tray_; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/applications/DesktopWindows.hpp"
 #include "platform/linux/x11/X11Atoms.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
@@ -7,22 +8,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace orvel {
-
-/// What a window that the window manager looks after says of itself.
-struct ManagedWindow {
-  xcb_window_t id = XCB_WINDOW_NONE;
-  xcb_window_t owner = XCB_WINDOW_NONE;  ///< The window that this one serves, as a dialog does; else none.
-  pid_t process = 0;                     ///< 0 when nobody knows it.
-  std::string instanceName;              ///< The first of the two words of its class.
-  std::string className;
-  std::string gtkApplicationID;
-  bool isForPeople = false;  ///< A window to work in: no panel, menu or the like.
-  bool isInTaskbar = false;
-};
 
 /// The windows that the window manager looks after, asked for in a few round trips however many they are.
 ///

@@ -1,7 +1,6 @@
 #include "platform/linux/x11/X11EventPoster.hpp"
 
 #include "platform/linux/keyboard/KeyPositions.hpp"
-#include "platform/linux/keyboard/MediaKeys.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Displays.hpp"
 
@@ -180,7 +179,7 @@ bool X11EventPoster::post(const KeyEvent& event) {
 }
 
 bool X11EventPoster::post(const SystemDefinedEvent& event) {
-  const auto change = MediaKeys::changeOf(event);
+  const auto change = KeyPositions::changeOf(event);
   if (!change || !canPost()) return false;
   state_.withLock([&](State& state) {
     if (change->down) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/x11/StartupNotice.hpp"
 #include "platform/linux/x11/WindowCommands.hpp"
+#include "platform/linux/x11/X11ActivationTokens.hpp"
 #include "platform/linux/x11/X11Atoms.hpp"
 #include "ui/Foreground.hpp"
 

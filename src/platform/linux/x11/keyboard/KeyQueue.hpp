@@ -1,18 +1,12 @@
 #pragma once
 
+#include "platform/linux/keyboard/KeyPositions.hpp"
+
 #include <bitset>
 #include <cstdint>
 #include <vector>
 
 namespace orvel {
-
-/// One press or release of a key by its X key code.
-struct KeyChange {
-  std::uint8_t keyCode = 0;
-  bool down = false;
-
-  friend bool operator==(const KeyChange&, const KeyChange&) = default;
-};
 
 /// The way of the keys to the server, which all phones share. Threads: any.
 class KeyQueue {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/linux/tray/EmbeddingTray.hpp"
+
 #include <QAbstractNativeEventFilter>
 #include <QByteArray>
 #include <QtGlobal>
@@ -13,27 +15,21 @@ namespace orvel {
 /// Follows whether the X server has a tray into which windows can be embedded, the older of the trays' protocols.
 ///
 /// Threads: the main thread, which waits for the server while this is made, and where that is said.
-class TraySelection final : public QAbstractNativeEventFilter {
+class X11Tray final : public EmbeddingTray, private QAbstractNativeEventFilter {
  public:
   /// `changed` is called when such a tray comes, and when it goes. It must not do more than to take note.
-  explicit TraySelection(std::function<void()> changed);
+  explicit X11Tray(std::function<void()> changed);
 
-  /// Whether there is one now.
-  bool isOwned() const { return owner_ != 0; }
+  bool isOwned() const override { return owner_ != 0; }
 
-  /// Another number whenever the tray comes, goes or is replaced. Its window does not say so: the server may name the
-  /// window of a new tray as it named the old one's.
-  std::uint32_t ownership() const { return ownership_; }
+  /// The tray's window does not say so: the server may name the window of a new tray as it named the old one's.
+  std::uint32_t ownership() const override { return ownership_; }
 
-  /// Whether windows within it can be translucent. Waits for the server.
-  bool isTranslucent() const;
-
-  /// Asks it to take a window of ours into its own.
-  void requestDock(std::uint32_t window) const;
-
-  bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+  bool isTranslucent() const override;
+  void requestDock(std::uint32_t window) const override;
 
  private:
+  bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
   void follow(std::uint32_t owner);
 
   const std::function<void()> changed_;

@@ -1,4 +1,7 @@
-#include "platform/linux/x11/WindowAtPoint.hpp"
+#include "platform/linux/x11/WindowSearch.hpp"
+
+
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <xcb/res.h>
 #include <xcb/shape.h>
@@ -52,7 +55,7 @@ class WindowSearch {
     return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
   }
 
-  /// The window without the shadow that its program draws around it, and tells of.
+  /// The window without the shadow that its program draws around it, and reports.
   Rect frameWithoutShadow(const Seen& seen) const {
     const auto reply = property(seen.window, atom("_GTK_FRAME_EXTENTS"), 4);
     if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) != 16) return seen.frame;
@@ -154,7 +157,7 @@ class WindowSearch {
 
 }  // namespace
 
-std::optional<WindowAtPoint> WindowAtPoint::find(const X11Connection& connection, Point position) {
+std::optional<WindowAtPoint> findWindowAt(const X11Connection& connection, Point position) {
   const WindowSearch search(connection, position);
   const auto seen = search.find();
   if (!seen) return std::nullopt;

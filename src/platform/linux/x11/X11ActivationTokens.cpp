@@ -1,6 +1,8 @@
-#include "platform/linux/x11/StartupNotice.hpp"
+#include "platform/linux/x11/X11ActivationTokens.hpp"
 
 #include "platform/linux/x11/X11Connection.hpp"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -19,18 +21,18 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-void StartupNotice::begin(const std::string& identifier, const std::string& name, const std::string& entryPath) const {
-  broadcast("new: ID=" + quoted(identifier) + " NAME=" + quoted(name) + " SCREEN=" + std::to_string(screenNumber()) +
+void StartupNotice::begin(const std::string& token, const std::string& name, const std::string& entryPath) const {
+  broadcast("new: ID=" + quoted(token) + " NAME=" + quoted(name) + " SCREEN=" + std::to_string(screenNumber()) +
             " APPLICATION_ID=" + quoted(entryPath));
 }
 
-void StartupNotice::end(const std::string& identifier) const {
-  broadcast("remove: ID=" + quoted(identifier));
+void StartupNotice::end(const std::string& token) const {
+  broadcast("remove: ID=" + quoted(token));
 }
 
 void StartupNotice::broadcast(const std::string& text) const {
   xcb_connection_t* connection = connection_.get();
-  // Who sends tells the parts of one text from those of others.
+  // The window that sends distinguishes the parts of one text from those of others.
   const xcb_window_t sender = xcb_generate_id(connection);
   xcb_create_window(connection, XCB_COPY_FROM_PARENT, sender, connection_.root(), 0, 0, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
@@ -58,6 +60,20 @@ int StartupNotice::screenNumber() const {
   auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_.get()));
   for (; screens.rem > 0 && screens.data->root != connection_.root(); xcb_screen_next(&screens)) ++number;
   return number;
+}
+
+X11ActivationTokens::X11ActivationTokens(const X11Connection& connection)
+    : atoms_(connection), time_(connection), notice_(connection, atoms_) {}
+
+std::string X11ActivationTokens::issue(const std::string& name, const std::string& entryPath) {
+  const auto time = time_.now();
+  if (time == XCB_CURRENT_TIME) return {};
+  const auto count = issued_.withLock([](std::uint64_t& issued) { return ++issued; });
+  // The form in which programs and window managers look for the time.
+  std::string token =
+      "orvel-" + std::to_string(getpid()) + "-" + std::to_string(count) + "_TIME" + std::to_string(time);
+  notice_.begin(token, name, entryPath);
+  return token;
 }
 
 }  // namespace orvel

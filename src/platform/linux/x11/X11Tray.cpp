@@ -1,4 +1,4 @@
-#include "platform/linux/x11/TraySelection.hpp"
+#include "platform/linux/x11/X11Tray.hpp"
 
 #include "platform/linux/x11/X11Connection.hpp"
 
@@ -36,7 +36,7 @@ std::uint8_t depthOf(xcb_connection_t* connection, xcb_visualid_t visual) {
 
 }  // namespace
 
-TraySelection::TraySelection(std::function<void()> changed) : changed_(std::move(changed)) {
+X11Tray::X11Tray(std::function<void()> changed) : changed_(std::move(changed)) {
   const auto* toolkit = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (toolkit == nullptr) return;
   connection_ = toolkit->connection();
@@ -48,7 +48,7 @@ TraySelection::TraySelection(std::function<void()> changed) : changed_(std::move
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
-void TraySelection::follow(std::uint32_t owner) {
+void X11Tray::follow(std::uint32_t owner) {
   if (owner != owner_) ++ownership_;
   owner_ = owner;
   if (owner == XCB_WINDOW_NONE) return;
@@ -58,7 +58,7 @@ void TraySelection::follow(std::uint32_t owner) {
   xcb_flush(connection_);
 }
 
-bool TraySelection::isTranslucent() const {
+bool X11Tray::isTranslucent() const {
   if (!isOwned()) return false;
   const auto asked = xcb_get_property(connection_, false, owner_, atomOf(connection_, "_NET_SYSTEM_TRAY_VISUAL"),
                                       XCB_ATOM_VISUALID, 0, 1);
@@ -69,7 +69,7 @@ bool TraySelection::isTranslucent() const {
          translucentDepth;
 }
 
-void TraySelection::requestDock(std::uint32_t window) const {
+void X11Tray::requestDock(std::uint32_t window) const {
   if (!isOwned()) return;
   xcb_client_message_event_t request{};
   request.response_type = XCB_CLIENT_MESSAGE;
@@ -83,7 +83,7 @@ void TraySelection::requestDock(std::uint32_t window) const {
   xcb_flush(connection_);
 }
 
-bool TraySelection::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+bool X11Tray::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
   if (eventType != "xcb_generic_event_t") return false;
   const auto type = static_cast<const xcb_generic_event_t*>(message)->response_type & x11EventTypeMask;
   if (type == XCB_CLIENT_MESSAGE) {
