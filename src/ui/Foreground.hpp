@@ -7,6 +7,15 @@
 
 namespace orvel {
 
+/// A window of the toolkit. Threads: the main thread.
+class ToolkitWindow {
+ public:
+  virtual ~ToolkitWindow() = default;
+
+  /// What the windowing system knows it by, where it has such a thing: the window of X11, the NSView of a Mac.
+  virtual std::uintptr_t nativeHandle() const = 0;
+};
+
 /// The desktop's foreground, into which a user's wish brings a window of ours. Threads: the main thread.
 class Foreground {
  public:
@@ -16,19 +25,19 @@ class Foreground {
   /// Called before there is a window. Without effect where the desktop lists windows and no programs.
   virtual void becomeAccessory() = 0;
 
-  /// Keeps a window of the toolkit, which was not shown yet, out of the desktop's list of running programs.
-  virtual void keepOutOfList(std::uintptr_t window) = 0;
+  /// Keeps a window, which was not shown yet, out of the desktop's list of running programs.
+  virtual void keepOutOfList(const ToolkitWindow& window) = 0;
 
-  /// Gives a window of the toolkit, which is shown, the keyboard. `token` is the desktop's proof that the user wished
-  /// it; empty when the wish reached us directly, by a click on our icon.
-  virtual void bring(std::uintptr_t window, const std::string& token) = 0;
+  /// Gives a window, which is shown, the keyboard. The activation token shows the desktop that the user wished it; it
+  /// is empty when the wish reached us directly, by a click on our icon.
+  virtual void bring(const ToolkitWindow& window, const std::string& activationToken) = 0;
 
   /// How long after `bring` the desktop may still take the keyboard back by itself and give it again. Zero where it
   /// gives the keyboard for good.
   virtual Seconds settlingTime() const = 0;
 
-  /// Tells the desktop that the start which it had given `token` to is over, though no window came of it.
-  virtual void finishStart(const std::string& token) = 0;
+  /// The start for which the desktop gave the activation token is over, though no window came of it.
+  virtual void finishStart(const std::string& activationToken) = 0;
 };
 
 }  // namespace orvel

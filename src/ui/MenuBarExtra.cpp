@@ -88,7 +88,7 @@ void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
       new PanelWindow(kind, parts_.host, parts_.loginItem, parts_.appearance,
                       {.dismissed = [this] { dismissPanel(); }, .deactivated = [this] { panelDeactivated(); }}));
   panel_->place(icon);
-  if (kind == PanelWindow::Kind::besideIcon) parts_.foreground.keepOutOfList(panel_->winId());
+  if (kind == PanelWindow::Kind::besideIcon) parts_.foreground.keepOutOfList(*panel_);
   panel_->open();
   if (kind == PanelWindow::Kind::besideIcon) parts_.presses.begin([this] { dismissPanelUnlessPointedAt(); });
   bringPanel(token);
@@ -96,7 +96,7 @@ void MenuBarExtra::openPanelAt(const Rect& icon, const std::string& token) {
 
 void MenuBarExtra::bringPanel(const std::string& token) {
   broughtAt_ = parts_.clock.now();
-  parts_.foreground.bring(panel_->winId(), token);
+  parts_.foreground.bring(*panel_, token);
 }
 
 void MenuBarExtra::panelDeactivated() {

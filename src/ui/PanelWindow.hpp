@@ -1,11 +1,13 @@
 #pragma once
 
 #include "base/Geometry.hpp"
+#include "ui/Foreground.hpp"
 #include "ui/PanelModel.hpp"
 
 #include <QColor>
 #include <QDialog>
 #include <QTimer>
+#include <cstdint>
 #include <functional>
 
 class QScrollArea;
@@ -20,7 +22,7 @@ class PanelView;
 /// of the login's list changes without telling.
 ///
 /// Threads: the main thread.
-class PanelWindow final : public QDialog {
+class PanelWindow final : public QDialog, public ToolkitWindow {
  public:
   enum class Kind { besideIcon, normal };
 
@@ -33,6 +35,7 @@ class PanelWindow final : public QDialog {
   PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance, Handlers handlers);
 
   Kind kind() const { return kind_; }
+  std::uintptr_t nativeHandle() const override { return winId(); }
 
   /// Makes it as large as what it shows, and puts it beside the icon. Called before its native window is made, which
   /// would not know of its place otherwise.

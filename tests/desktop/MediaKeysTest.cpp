@@ -35,7 +35,7 @@ struct MediaKeysTest : LeafFixture {
   xcb_keysym_t keysymOf(int keyCode) {
     xcb_connection_t* server = leaves.connection().get();
     const auto asked = xcb_get_keyboard_mapping(server, static_cast<xcb_keycode_t>(keyCode), 1);
-    const X11Answer<xcb_get_keyboard_mapping_reply_t> reply{xcb_get_keyboard_mapping_reply(server, asked, nullptr)};
+    const XCBPointer<xcb_get_keyboard_mapping_reply_t> reply{xcb_get_keyboard_mapping_reply(server, asked, nullptr)};
     return reply ? *xcb_get_keyboard_mapping_keysyms(reply.get()) : xcb_keysym_t{XKB_KEY_NoSymbol};
   }
 

@@ -258,7 +258,7 @@ TEST_F(SystemAccessibilityTreeTest, AShadowIsNoPartOfAWindow) {
   xcb_map_window(server, window);
   const auto frameWith = [&](std::array<std::uint32_t, 4> shadow) {
     constexpr std::string_view name = "_GTK_FRAME_EXTENTS";
-    const X11Answer<xcb_intern_atom_reply_t> atom{
+    const XCBPointer<xcb_intern_atom_reply_t> atom{
         xcb_intern_atom_reply(server, xcb_intern_atom(server, false, name.size(), name.data()), nullptr)};
     xcb_change_property(server, XCB_PROP_MODE_REPLACE, window, atom->atom, XCB_ATOM_CARDINAL, 32, shadow.size(),
                         shadow.data());

@@ -5,7 +5,7 @@
 #include "desktop/LeafFixture.hpp"
 #include "desktop/TypingProgram.hpp"
 #include "input/KeyboardDriver.hpp"
-#include "platform/linux/x11/XKB.hpp"
+#include "platform/linux/x11/keyboard/KeyboardMap.hpp"
 
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>
@@ -76,7 +76,7 @@ struct TypingFixture : testing::Test {
 
   bool isControlLocked() {
     xcb_connection_t* server = leaves.connection().get();
-    const X11Answer<xcb_xkb_get_state_reply_t> state{
+    const XCBPointer<xcb_xkb_get_state_reply_t> state{
         xcb_xkb_get_state_reply(server, xcb_xkb_get_state(server, XCB_XKB_ID_USE_CORE_KBD), nullptr)};
     return state && (state->lockedMods & XCB_MOD_MASK_CONTROL) != 0;
   }
@@ -84,7 +84,7 @@ struct TypingFixture : testing::Test {
   bool isCapsLocked() {
     xcb_connection_t* server = leaves.connection().get();
     const auto asked = xcb_query_pointer(server, leaves.connection().root());
-    const X11Answer<xcb_query_pointer_reply_t> reply{xcb_query_pointer_reply(server, asked, nullptr)};
+    const XCBPointer<xcb_query_pointer_reply_t> reply{xcb_query_pointer_reply(server, asked, nullptr)};
     return reply && (reply->mask & XCB_MOD_MASK_LOCK) != 0;
   }
 
@@ -94,7 +94,7 @@ struct TypingFixture : testing::Test {
     const auto* setup = xcb_get_setup(server);
     const auto first = setup->min_keycode;
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - first + 1);
-    const X11Answer<xcb_get_keyboard_mapping_reply_t> reply{
+    const XCBPointer<xcb_get_keyboard_mapping_reply_t> reply{
         xcb_get_keyboard_mapping_reply(server, xcb_get_keyboard_mapping(server, first, count), nullptr)};
     if (!reply) return {};
     const auto* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
@@ -105,8 +105,8 @@ struct TypingFixture : testing::Test {
   std::uint32_t rootProperty(const std::string& property) {
     xcb_connection_t* server = leaves.connection().get();
     const auto asked = xcb_intern_atom(server, false, static_cast<std::uint16_t>(property.size()), property.data());
-    const X11Answer<xcb_intern_atom_reply_t> atom{xcb_intern_atom_reply(server, asked, nullptr)};
-    const X11Answer<xcb_get_property_reply_t> value{xcb_get_property_reply(
+    const XCBPointer<xcb_intern_atom_reply_t> atom{xcb_intern_atom_reply(server, asked, nullptr)};
+    const XCBPointer<xcb_get_property_reply_t> value{xcb_get_property_reply(
         server, xcb_get_property(server, false, leaves.connection().root(), atom->atom, XCB_ATOM_ANY, 0, 1), nullptr)};
     const bool isThere = value && xcb_get_property_value_length(value.get()) >= int{sizeof(std::uint32_t)};
     return isThere ? *static_cast<const std::uint32_t*>(xcb_get_property_value(value.get())) : 0;

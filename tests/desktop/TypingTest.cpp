@@ -289,7 +289,7 @@ TEST_F(TypingTest, AServerThatHangsHoldsItUpUntilItIsPartedFrom) {
   std::this_thread::sleep_for(lull);
   desktop.signalServer(SIGSTOP);
   EXPECT_EQ(typing.wait_for(lull), std::future_status::timeout);
-  leaves.connection().breakOff();
+  leaves.connection().shutDown();
   EXPECT_EQ(typing.wait_for(patience), std::future_status::ready);
   desktop.killServer();
 }

@@ -472,7 +472,7 @@ TEST_F(X11CaptureServiceTest, WhoWaitsForAServerThatHangsCanGiveUp) {
   const StoppedServer stopped(desktop);
   auto found = std::async(std::launch::async, [&] { return service.shareableContent(); });
   EXPECT_EQ(found.wait_for(lull), std::future_status::timeout);
-  connection->breakOff();
+  connection->shutDown();
   service.giveUp();
   ASSERT_EQ(found.wait_for(patience), std::future_status::ready);
   EXPECT_EQ(std::get<CaptureFailure>(found.get()).description, "The desktop does not answer.");

@@ -62,14 +62,14 @@ class Toolkit {
   }
 
   xcb_window_t focus() {
-    const X11Answer<xcb_get_input_focus_reply_t> reply{
+    const XCBPointer<xcb_get_input_focus_reply_t> reply{
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr)};
     return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
   }
 
   /// The lowest first.
   std::vector<xcb_window_t> stack() {
-    const X11Answer<xcb_query_tree_reply_t> tree{
+    const XCBPointer<xcb_query_tree_reply_t> tree{
         xcb_query_tree_reply(connection_, xcb_query_tree(connection_, root()), nullptr)};
     const auto* first = xcb_query_tree_children(tree.get());
     return {first, first + xcb_query_tree_children_length(tree.get())};
@@ -77,7 +77,7 @@ class Toolkit {
 
   std::string text(xcb_window_t window, const std::string& property) {
     const auto asked = xcb_get_property(connection_, 0, window, atom(property), XCB_ATOM_ANY, 0, 1000);
-    const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_, asked, nullptr)};
+    const XCBPointer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_, asked, nullptr)};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
   }
 
@@ -86,7 +86,7 @@ class Toolkit {
     catchUp();
     const xcb_atom_t begin = atom("_NET_STARTUP_INFO_BEGIN");
     const xcb_atom_t more = atom("_NET_STARTUP_INFO");
-    while (const X11Answer<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+    while (const XCBPointer<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
       const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(*event);
       const bool isNotice = (event->response_type & x11EventTypeMask) == XCB_CLIENT_MESSAGE &&
                             (message.type == begin || message.type == more);
@@ -104,7 +104,7 @@ class Toolkit {
 
   xcb_atom_t atom(const std::string& name) {
     const auto asked = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection_, asked, nullptr)};
+    const XCBPointer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection_, asked, nullptr)};
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
   }
 
@@ -123,7 +123,19 @@ class Leaf {
   Leaf(const Leaf&) = delete;
   Leaf& operator=(const Leaf&) = delete;
 
+  void bring(xcb_window_t window, const std::string& token) { foreground.bring(Panel(window), token); }
+
  private:
+  class Panel final : public ToolkitWindow {
+   public:
+    explicit Panel(xcb_window_t window) : window_(window) {}
+
+    std::uintptr_t nativeHandle() const override { return window_; }
+
+   private:
+    const xcb_window_t window_;
+  };
+
   const std::unique_ptr<X11Connection> connection_;
 
  public:
@@ -177,7 +189,7 @@ TEST_F(X11ForegroundTest, AWindowBehindAnotherComesToTheFront) {
   ASSERT_TRUE(hasKeyboard(panel));
   const auto other = openOther();
   ASSERT_TRUE(isOnTop(other));
-  leaf.foreground.bring(panel, "");
+  leaf.bring(panel, "");
   EXPECT_TRUE(hasKeyboard(panel));
   EXPECT_TRUE(isOnTop(panel));
   EXPECT_TRUE(eventually([&] { return manager.activeWindow() == panel; }));
@@ -191,7 +203,7 @@ TEST_F(X11ForegroundTest, AWindowThatWasShownWithoutTheKeyboardGetsIt) {
   toolkit.show(panel);
   ASSERT_FALSE(hasKeyboard(panel, lull));
   ASSERT_EQ(toolkit.focus(), other);
-  leaf.foreground.bring(panel, "");
+  leaf.bring(panel, "");
   EXPECT_TRUE(hasKeyboard(panel));
   EXPECT_TRUE(isOnTop(panel));
 }
@@ -200,7 +212,7 @@ TEST_F(X11ForegroundTest, AWindowThatIsShownLaterIsBroughtThen) {
   openOther();
   const auto panel = toolkit.makeWindow();
   toolkit.wantNoFocus(panel);
-  leaf.foreground.bring(panel, "late_TIME1");
+  leaf.bring(panel, "late_TIME1");
   std::this_thread::sleep_for(lull);
   EXPECT_EQ(toolkit.notices(), "") << "its start is not over";
   toolkit.show(panel);
@@ -215,7 +227,7 @@ TEST_F(X11ForegroundTest, AMinimisedWindowIsShown) {
   manager.minimise(panel);
   ASSERT_TRUE(eventually([&] { return manager.isMinimised(panel); }));
   openOther();
-  leaf.foreground.bring(panel, "");
+  leaf.bring(panel, "");
   EXPECT_TRUE(hasKeyboard(panel));
   EXPECT_FALSE(manager.isMinimised(panel));
 }
@@ -223,7 +235,7 @@ TEST_F(X11ForegroundTest, AMinimisedWindowIsShown) {
 TEST_F(X11ForegroundTest, AWindowThatIsNotManagedGetsTheKeyboardToo) {
   openOther();
   const auto panel = toolkit.makeWindow(true);
-  leaf.foreground.bring(panel, "");
+  leaf.bring(panel, "");
   toolkit.show(panel);
   EXPECT_TRUE(hasKeyboard(panel));
 }
@@ -232,7 +244,7 @@ TEST_F(X11ForegroundTest, TheTokenIsOnTheWindowAndItsStartIsOver) {
   const auto panel = toolkit.makeWindow();
   toolkit.show(panel);
   const std::string token = "orvel \"quoted\" \\ ü_TIME17";
-  leaf.foreground.bring(panel, token);
+  leaf.bring(panel, token);
   EXPECT_TRUE(isToldToBeOver("orvel \\\"quoted\\\" \\\\ ü_TIME17")) << toolkit.notices();
   EXPECT_EQ(toolkit.text(panel, "_NET_STARTUP_ID"), token);
 }
@@ -249,23 +261,23 @@ TEST_F(X11ForegroundTest, TheLastWishCounts) {
   const auto never = toolkit.makeWindow();
   const auto panel = toolkit.makeWindow();
   toolkit.show(panel);
-  leaf.foreground.bring(never, "first_TIME1");
-  leaf.foreground.bring(panel, "second_TIME2");
+  leaf.bring(never, "first_TIME1");
+  leaf.bring(panel, "second_TIME2");
   EXPECT_TRUE(hasKeyboard(panel));
   EXPECT_TRUE(isToldToBeOver("first_TIME1"));
   EXPECT_TRUE(isToldToBeOver("second_TIME2"));
   toolkit.show(never);
   ASSERT_TRUE(hasKeyboard(never)) << "as the window manager does with new ones";
-  leaf.foreground.bring(panel, "");
+  leaf.bring(panel, "");
   EXPECT_TRUE(hasKeyboard(panel)) << "once more";
 }
 
 TEST_F(X11ForegroundTest, AWindowThatHasGoneIsHarmless) {
-  leaf.foreground.bring(12345, "gone_TIME1");
+  leaf.bring(12345, "gone_TIME1");
   const auto panel = toolkit.makeWindow();
   toolkit.show(panel);
   openOther();
-  leaf.foreground.bring(panel, "");
+  leaf.bring(panel, "");
   EXPECT_TRUE(hasKeyboard(panel));
   EXPECT_TRUE(isToldToBeOver("gone_TIME1"));
 }
@@ -277,7 +289,7 @@ TEST_F(X11ForegroundTest, AServerThatHangsHoldsNobodyUp) {
   {
     const StoppedServer stopped(desktop);
     const Deadline deadline(Milliseconds(500));
-    leaf.foreground.bring(panel, "");
+    leaf.bring(panel, "");
     leaf.foreground.finishStart("token");
     EXPECT_GT(deadline.left(), Milliseconds(0));
   }
@@ -290,7 +302,7 @@ TEST_F(X11ForegroundTest, WhenTheWindowManagerHasGoneTheServerGivesTheKeyboard) 
   toolkit.wantNoFocus(panel);
   manager.kill();
   toolkit.show(panel);
-  leaf.foreground.bring(panel, "token");
+  leaf.bring(panel, "token");
   EXPECT_TRUE(hasKeyboard(panel));
 }
 
@@ -302,11 +314,11 @@ TEST_F(ForegroundWithoutManagerTest, TheWindowComesOnTopAndGetsTheKeyboard) {
   const auto panel = toolkit.makeWindow();
   const auto other = toolkit.makeWindow();
   toolkit.show(other);
-  leaf.foreground.bring(panel, "token");
+  leaf.bring(panel, "token");
   toolkit.show(panel);
   EXPECT_TRUE(hasKeyboard(panel));
   EXPECT_TRUE(isToldToBeOver("token"));
-  leaf.foreground.bring(other, "");
+  leaf.bring(other, "");
   EXPECT_TRUE(hasKeyboard(other));
   const auto stack = toolkit.stack();
   EXPECT_LT(std::find(stack.begin(), stack.end(), panel), std::find(stack.begin(), stack.end(), other));

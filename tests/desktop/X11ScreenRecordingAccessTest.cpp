@@ -29,7 +29,7 @@ TEST(X11ScreenRecordingAccessTest, AServerThatHasGoneGrantsNothing) {
   VirtualDesktop desktop;
   const auto connection = X11Connection::open(desktop.display());
   X11ScreenRecordingAccess access(*connection);
-  connection->breakOff();
+  connection->shutDown();
   xcb_bell(connection->get(), 0);
   xcb_flush(connection->get());
   EXPECT_FALSE(access.isGranted());

@@ -1,5 +1,5 @@
 #include "desktop/LeafFixture.hpp"
-#include "platform/linux/x11/Xwayland.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
 
 #include <string>
 #include <vector>

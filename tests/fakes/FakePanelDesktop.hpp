@@ -50,8 +50,8 @@ class FakeForeground final : public Foreground {
     if (whenAccessory) whenAccessory();
     ++becameAccessory;
   }
-  void keepOutOfList(std::uintptr_t) override { ++keptOut; }
-  void bring(std::uintptr_t, const std::string& token) override { brought.push_back(token); }
+  void keepOutOfList(const ToolkitWindow&) override { ++keptOut; }
+  void bring(const ToolkitWindow&, const std::string& token) override { brought.push_back(token); }
   Seconds settlingTime() const override { return settles; }
   void finishStart(const std::string& token) override { finished.push_back(token); }
 

@@ -12,6 +12,17 @@ namespace {
 
 using testing::ElementsAre;
 
+/// The toolkit's panel, which is a view.
+class ViewHandle final : public ToolkitWindow {
+ public:
+  explicit ViewHandle(FakeView* view) : view_(view) {}
+
+  std::uintptr_t nativeHandle() const override { return reinterpret_cast<std::uintptr_t>((__bridge void*)view_); }
+
+ private:
+  FakeView* const view_;
+};
+
 class ForegroundTest : public MacTest {
  protected:
   void SetUp() override {
@@ -29,7 +40,7 @@ class ForegroundTest : public MacTest {
     MacTest::TearDown();
   }
 
-  std::uintptr_t view() const { return reinterpret_cast<std::uintptr_t>((__bridge void*)view_); }
+  ViewHandle view() const { return ViewHandle(view_); }
 
   SystemForeground foreground_;
   FakeWindow* window_ = nil;

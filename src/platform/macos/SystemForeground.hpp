@@ -8,8 +8,8 @@ namespace orvel {
 class SystemForeground final : public Foreground {
  public:
   void becomeAccessory() override;
-  void keepOutOfList(std::uintptr_t window) override;
-  void bring(std::uintptr_t window, const std::string& token) override;
+  void keepOutOfList(const ToolkitWindow& window) override;
+  void bring(const ToolkitWindow& window, const std::string& activationToken) override;
   /// An activation may bounce: the program that was active before is made active once more, and then this one again or
   /// not at all.
   Seconds settlingTime() const override { return Seconds(0.5); }

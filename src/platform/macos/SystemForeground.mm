@@ -7,8 +7,8 @@
 namespace orvel {
 namespace {
 
-NSWindow* windowOf(std::uintptr_t window) {
-  return ((__bridge NSView*)std::bit_cast<void*>(window)).window;
+NSWindow* windowOf(const ToolkitWindow& window) {
+  return ((__bridge NSView*)std::bit_cast<void*>(window.nativeHandle())).window;
 }
 
 }  // namespace
@@ -17,7 +17,7 @@ void SystemForeground::becomeAccessory() {
   [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
 }
 
-void SystemForeground::keepOutOfList(std::uintptr_t window) {
+void SystemForeground::keepOutOfList(const ToolkitWindow& window) {
   NSWindow* const panel = windowOf(window);
   // Set as a whole, since some parts exclude others and the toolkit has set one. Where the user is, even beside another
   // program's full screen, and nothing that Mission Control or the keys for windows lead to. The toolkit has put it
@@ -28,7 +28,7 @@ void SystemForeground::keepOutOfList(std::uintptr_t window) {
   panel.hidesOnDeactivate = NO;
 }
 
-void SystemForeground::bring(std::uintptr_t window, const std::string&) {
+void SystemForeground::bring(const ToolkitWindow& window, const std::string&) {
   // The newer call, from macOS 14 on, is a mere request: the system refuses it when nothing was clicked in this
   // program, as when another start of it asks for the panel, and the panel would stay without the keyboard.
   [NSApp activateIgnoringOtherApps:YES];

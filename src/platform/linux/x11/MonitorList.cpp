@@ -22,8 +22,7 @@ std::optional<std::uint8_t> firstRandREvent(const X11Connection& connection) {
 /// The server speaks the newest RandR only to those who have named it.
 bool agreeOnMonitors(const X11Connection& connection) {
   const auto asked = xcb_randr_query_version(connection.get(), XCB_RANDR_MAJOR_VERSION, XCB_RANDR_MINOR_VERSION);
-  const X11Answer<xcb_randr_query_version_reply_t> version{
-      xcb_randr_query_version_reply(connection.get(), asked, nullptr)};
+  const auto version = awaitReply(connection, xcb_randr_query_version_reply, asked);
   return version && std::pair(version->major_version, version->minor_version) >= firstWithMonitors;
 }
 
@@ -56,9 +55,9 @@ std::optional<MonitorList::Layout> MonitorList::ask() const {
   const auto geometryAsked = xcb_get_geometry(connection_.get(), connection_.root());
   xcb_randr_get_monitors_cookie_t monitorsAsked = {};
   if (knowsMonitors_) monitorsAsked = xcb_randr_get_monitors(connection_.get(), connection_.root(), true);
-  const X11Answer<xcb_get_geometry_reply_t> geometry{xcb_get_geometry_reply(connection_.get(), geometryAsked, nullptr)};
-  X11Answer<xcb_randr_get_monitors_reply_t> monitors;
-  if (knowsMonitors_) monitors.reset(xcb_randr_get_monitors_reply(connection_.get(), monitorsAsked, nullptr));
+  const auto geometry = awaitReply(connection_, xcb_get_geometry_reply, geometryAsked);
+  XCBPointer<xcb_randr_get_monitors_reply_t> monitors;
+  if (knowsMonitors_) monitors = awaitReply(connection_, xcb_randr_get_monitors_reply, monitorsAsked);
   if (!geometry || (knowsMonitors_ && !monitors)) return std::nullopt;
 
   const Size screen{static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
@@ -66,9 +65,9 @@ std::optional<MonitorList::Layout> MonitorList::ask() const {
   return Layout{.monitors = monitorsOf(*monitors), .screen = screen};
 }
 
-bool MonitorList::tellsOfChange(const xcb_generic_event_t& event) const {
+bool MonitorList::isChange(const xcb_generic_event_t& event) const {
   const std::uint8_t type = event.response_type & x11EventTypeMask;
-  // Monitors that the user cuts out of the screen are told of as a new geometry of the root window.
+  // Monitors that the user cuts out of the screen come as a new geometry of the root window.
   if (type == XCB_CONFIGURE_NOTIFY) {
     return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == connection_.root();
   }

@@ -30,7 +30,7 @@ class MonitorList {
   std::optional<Layout> ask() const;
 
   /// Whether the event says that it may be different now.
-  bool tellsOfChange(const xcb_generic_event_t& event) const;
+  bool isChange(const xcb_generic_event_t& event) const;
 
  private:
   const X11Connection& connection_;

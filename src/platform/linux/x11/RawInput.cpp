@@ -17,8 +17,7 @@ std::optional<std::uint8_t> rawInputOpcode(const X11Connection& connection) {
   const auto* input = connection.extension(xcb_input_id);
   if (input == nullptr) return std::nullopt;
   const auto asked = xcb_input_xi_query_version(connection.get(), neededVersion.first, neededVersion.second);
-  const X11Answer<xcb_input_xi_query_version_reply_t> version{
-      xcb_input_xi_query_version_reply(connection.get(), asked, nullptr)};
+  const auto version = awaitReply(connection, xcb_input_xi_query_version_reply, asked);
   if (!version || std::pair(version->major_version, version->minor_version) < neededVersion) return std::nullopt;
   return input->major_opcode;
 }

@@ -3,9 +3,15 @@
 #include <xcb/sync.h>
 #include <xcb/xcb.h>
 
+#include <string_view>
+
 namespace orvel {
 
 class X11Connection;
+
+/// A counter that the X server keeps under that name, such as its clock. None when it has no such counter. Waits for
+/// the server. Threads: any.
+xcb_sync_counter_t systemCounter(const X11Connection& connection, std::string_view name);
 
 /// The clock by which the X server dates its events. Window managers measure by it who was there first.
 ///

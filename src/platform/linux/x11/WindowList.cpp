@@ -16,32 +16,21 @@ constexpr std::uint32_t longestText = 128;
 
 constexpr std::uint32_t onAllDesktops = 0xffffffff;
 
-using Cookie = xcb_get_property_cookie_t;
-using Property = X11Answer<xcb_get_property_reply_t>;
+/// Says that the user wants it, not a program of its own accord.
+constexpr std::uint32_t fromUser = 2;
 
+using Cookie = xcb_get_property_cookie_t;
 Cookie ask(const X11Connection& connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length) {
   return xcb_get_property(connection.get(), false, window, name, XCB_ATOM_ANY, 0, length);
 }
 
-Property await(const X11Connection& connection, Cookie asked) {
-  return Property(xcb_get_property_reply(connection.get(), asked, nullptr));
+PropertyReply await(const X11Connection& connection, Cookie asked) {
+  return awaitReply(connection, xcb_get_property_reply, asked);
 }
 
-std::vector<std::uint32_t> numbersIn(const Property& property) {
-  if (!property || property->format != 32) return {};
-  const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(property.get()));
-  return {first, first + xcb_get_property_value_length(property.get()) / 4};
-}
-
-std::uint32_t firstNumberIn(const Property& property) {
+std::uint32_t firstNumberIn(const PropertyReply& property) {
   const auto numbers = numbersIn(property);
   return numbers.empty() ? 0 : numbers.front();
-}
-
-std::string textIn(const Property& property) {
-  if (!property || property->format != 8) return {};
-  return {static_cast<const char*>(xcb_get_property_value(property.get())),
-          static_cast<std::size_t>(xcb_get_property_value_length(property.get()))};
 }
 
 bool contains(const std::vector<xcb_atom_t>& atoms, xcb_atom_t atom) {
@@ -131,11 +120,10 @@ bool WindowList::isForPeople(const std::vector<xcb_atom_t>& types) const {
 }
 
 pid_t WindowList::processOf(const Asked& asked) const {
-  const auto told = firstNumberIn(await(connection_, asked.process));
-  if (!canNameClients_) return static_cast<pid_t>(told);
-  const X11Answer<xcb_res_query_client_ids_reply_t> reply{
-      xcb_res_query_client_ids_reply(connection_.get(), asked.client, nullptr)};
-  if (!reply) return static_cast<pid_t>(told);
+  const auto claimed = firstNumberIn(await(connection_, asked.process));
+  if (!canNameClients_) return static_cast<pid_t>(claimed);
+  const auto reply = awaitReply(connection_, xcb_res_query_client_ids_reply, asked.client);
+  if (!reply) return static_cast<pid_t>(claimed);
   // What the server knows itself is better than what a program says, which may live in a namespace of its own, or on
   // another computer.
   const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
@@ -144,11 +132,11 @@ pid_t WindowList::processOf(const Asked& asked) const {
 }
 
 std::vector<xcb_window_t> WindowList::stacking() const {
-  return numbersIn(await(connection_, ask(connection_, connection_.root(), atoms_.clientListStacking, mostWindows)));
+  return numbersIn(readProperty(connection_.get(), connection_.root(), atoms_.clientListStacking, mostWindows));
 }
 
 bool WindowList::canBeAskedToClose(xcb_window_t window) const {
-  const auto protocols = numbersIn(await(connection_, ask(connection_, window, atoms_.protocols, mostAtoms)));
+  const auto protocols = numbersIn(readProperty(connection_.get(), window, atoms_.protocols, mostAtoms));
   return contains(protocols, atoms_.deleteWindow);
 }
 
@@ -162,8 +150,37 @@ std::optional<std::uint32_t> WindowList::currentDesktop() const {
 }
 
 std::optional<std::uint32_t> WindowList::number(xcb_window_t window, xcb_atom_t name) const {
-  const auto numbers = numbersIn(await(connection_, ask(connection_, window, name, 1)));
+  const auto numbers = numbersIn(readProperty(connection_.get(), window, name, 1));
   return numbers.empty() ? std::nullopt : std::optional(numbers.front());
+}
+
+void WindowCommands::activate(xcb_window_t window, xcb_timestamp_t time) const {
+  send(window, atoms_.activeWindow, {fromUser, time});
+}
+
+void WindowCommands::raise(xcb_window_t window) const {
+  send(window, atoms_.restackWindow, {fromUser, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE});
+}
+
+void WindowCommands::close(xcb_window_t window, xcb_timestamp_t time) const {
+  send(window, atoms_.closeWindow, {time, fromUser});
+}
+
+void WindowCommands::showDesktop(std::uint32_t desktop, xcb_timestamp_t time) const {
+  send(connection_.root(), atoms_.currentDesktop, {desktop, time});
+}
+
+void WindowCommands::flush() const {
+  xcb_flush(connection_.get());
+}
+
+void WindowCommands::send(xcb_window_t window, xcb_atom_t type, const Words& words) const {
+  xcb_client_message_event_t message{
+      .response_type = XCB_CLIENT_MESSAGE, .format = 32, .sequence = 0, .window = window, .type = type, .data = {}};
+  std::copy(words.begin(), words.end(), message.data.data32);
+  xcb_send_event(connection_.get(), false, connection_.root(),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&message));
 }
 
 }  // namespace orvel

@@ -1,7 +1,6 @@
 #include "platform/linux/x11/WindowSearch.hpp"
 
-
-#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 
 #include <xcb/res.h>
 #include <xcb/shape.h>
@@ -47,8 +46,8 @@ class WindowSearch {
   pid_t processOf(xcb_window_t window) const {
     if (connection_.extension(xcb_res_id) == nullptr) return 0;
     const xcb_res_client_id_spec_t wanted{.client = window, .mask = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const X11Answer<xcb_res_query_client_ids_reply_t> reply{xcb_res_query_client_ids_reply(
-        connection_.get(), xcb_res_query_client_ids(connection_.get(), 1, &wanted), nullptr)};
+    const auto reply = awaitReply(connection_, xcb_res_query_client_ids_reply,
+                                  xcb_res_query_client_ids(connection_.get(), 1, &wanted));
     if (!reply) return 0;
     const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
     if (ids.rem == 0 || xcb_res_client_id_value_value_length(ids.data) == 0) return 0;
@@ -57,9 +56,8 @@ class WindowSearch {
 
   /// The window without the shadow that its program draws around it, and reports.
   Rect frameWithoutShadow(const Seen& seen) const {
-    const auto reply = property(seen.window, atom("_GTK_FRAME_EXTENTS"), 4);
-    if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) != 16) return seen.frame;
-    const auto* sides = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    const auto sides = numbersIn(property(seen.window, atom("_GTK_FRAME_EXTENTS"), 4));
+    if (sides.size() != 4) return seen.frame;
     const double left = sides[0];
     const double right = sides[1];
     const double top = sides[2];
@@ -71,10 +69,7 @@ class WindowSearch {
   }
 
   std::string titleOf(xcb_window_t window) const {
-    const auto reply = property(window, atom("_NET_WM_NAME"), longestTitle);
-    if (!reply || reply->format != 8) return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+    return textIn(property(window, atom("_NET_WM_NAME"), longestTitle));
   }
 
  private:
@@ -86,8 +81,7 @@ class WindowSearch {
 
   /// The topmost child that takes the clicks at the position. All are asked about in one round trip.
   std::optional<Seen> childAt(const Seen& parent) const {
-    const X11Answer<xcb_query_tree_reply_t> tree{
-        xcb_query_tree_reply(connection_.get(), xcb_query_tree(connection_.get(), parent.window), nullptr)};
+    const auto tree = awaitReply(connection_, xcb_query_tree_reply, xcb_query_tree(connection_.get(), parent.window));
     if (!tree) return std::nullopt;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
     std::vector<Asked> asked;
@@ -105,10 +99,8 @@ class WindowSearch {
   }
 
   std::optional<Seen> collect(const Asked& asked, Point parentOrigin) const {
-    const X11Answer<xcb_get_window_attributes_reply_t> attributes{
-        xcb_get_window_attributes_reply(connection_.get(), asked.attributes, nullptr)};
-    const X11Answer<xcb_get_geometry_reply_t> geometry{
-        xcb_get_geometry_reply(connection_.get(), asked.geometry, nullptr)};
+    const auto attributes = awaitReply(connection_, xcb_get_window_attributes_reply, asked.attributes);
+    const auto geometry = awaitReply(connection_, xcb_get_geometry_reply, asked.geometry);
     if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return std::nullopt;
     const Rect frame{
         {parentOrigin.x + geometry->x + geometry->border_width, parentOrigin.y + geometry->y + geometry->border_width},
@@ -120,8 +112,8 @@ class WindowSearch {
   /// A window may let clicks through to what lies behind it.
   bool takesClicks(const Seen& seen) const {
     if (!knowsShapes_) return true;
-    const X11Answer<xcb_shape_get_rectangles_reply_t> reply{xcb_shape_get_rectangles_reply(
-        connection_.get(), xcb_shape_get_rectangles(connection_.get(), seen.window, XCB_SHAPE_SK_INPUT), nullptr)};
+    const auto reply = awaitReply(connection_, xcb_shape_get_rectangles_reply,
+                                  xcb_shape_get_rectangles(connection_.get(), seen.window, XCB_SHAPE_SK_INPUT));
     if (!reply) return false;
     const xcb_rectangle_t* first = xcb_shape_get_rectangles_rectangles(reply.get());
     return std::any_of(first, first + xcb_shape_get_rectangles_rectangles_length(reply.get()),
@@ -137,17 +129,11 @@ class WindowSearch {
     return reply && reply->type != XCB_ATOM_NONE;
   }
 
-  X11Answer<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name, std::uint32_t length) const {
-    return X11Answer<xcb_get_property_reply_t>(xcb_get_property_reply(
-        connection_.get(), xcb_get_property(connection_.get(), false, window, name, XCB_ATOM_ANY, 0, length), nullptr));
+  PropertyReply property(xcb_window_t window, xcb_atom_t name, std::uint32_t length) const {
+    return readProperty(connection_.get(), window, name, length);
   }
 
-  xcb_atom_t atom(std::string_view name) const {
-    const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(
-        connection_.get(),
-        xcb_intern_atom(connection_.get(), false, static_cast<std::uint16_t>(name.size()), name.data()), nullptr)};
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-  }
+  xcb_atom_t atom(std::string_view name) const { return namedAtom(connection_.get(), name); }
 
   const X11Connection& connection_;
   const Point position_;

@@ -81,7 +81,7 @@ void X11Backend::stopListening() {
 }
 
 void X11Backend::disconnect() {
-  connection_->breakOff();
+  connection_->shutDown();
   capture_.giveUp();
   disconnectToolkit();
 }

@@ -15,7 +15,7 @@ CaptureFailure silence() {
 
 bool answers(const X11Connection& connection) {
   const auto asked = xcb_get_input_focus(connection.get());
-  return X11Answer<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(connection.get(), asked, nullptr)) != nullptr;
+  return awaitReply(connection, xcb_get_input_focus_reply, asked) != nullptr;
 }
 
 /// The displays of an X server, as they were when this was made. The connection is for the stream that is started, and
@@ -68,7 +68,7 @@ void X11CaptureService::giveUp() {
     state.hasGivenUp = true;
     return state.newest.lock();
   });
-  if (newest) newest->breakOff();
+  if (newest) newest->shutDown();
 }
 
 }  // namespace orvel

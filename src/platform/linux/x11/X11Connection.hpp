@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <semaphore>
+#include <span>
 #include <string>
 #include <thread>
 
@@ -18,9 +19,17 @@ struct FreeMemory {
   void operator()(void* memory) const noexcept { std::free(memory); }
 };
 
-/// A reply or an event, which comes in memory of its own.
+/// Owns a reply, an event or an error, each of which the library allocates.
 template <class Content>
-using X11Answer = std::unique_ptr<Content, FreeMemory>;
+using XCBPointer = std::unique_ptr<Content, FreeMemory>;
+
+/// Waits for the reply to a request, which `fetch`, a function of the library, takes in: for `xcb_get_geometry` it is
+/// `xcb_get_geometry_reply`. Null when the server refused the request or has gone. Threads: any.
+template <class Reply, class Cookie>
+XCBPointer<Reply> awaitReply(xcb_connection_t* connection,
+                             Reply* (*fetch)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) {
+  return XCBPointer<Reply>(fetch(connection, cookie, nullptr));
+}
 
 /// The part of an event's response type that tells its kind; the rest tells who sent it.
 inline constexpr std::uint8_t x11EventTypeMask = 0x7f;
@@ -45,15 +54,15 @@ class X11Connection {
   X11Connection(const X11Connection&) = delete;
   X11Connection& operator=(const X11Connection&) = delete;
 
-  /// Starts to hand on what the server says. Called once. False when the system has no thread to give.
+  /// Starts to dispatch what the server says. Called once. False when the system has no thread to give.
   bool listen(Handlers handlers);
 
   /// Waits until the server has taken all that was sent, unless it hangs; no handler runs after that. Not called by a
   /// handler. Harmless the second time.
   void stopListening();
 
-  /// Parts from the server at once: whoever waits for an answer gets none. Threads: any.
-  void breakOff() const;
+  /// Disconnects from the server at once: whoever waits for a reply gets none. Threads: any.
+  void shutDown() const;
 
   /// False once the server has gone.
   bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
@@ -61,7 +70,10 @@ class X11Connection {
   /// What the server has of an extension, or null. Asks the server only the first time.
   const xcb_query_extension_reply_t* extension(xcb_extension_t& name) const;
 
-  /// Whether the server is Xwayland, see there. Asks the server only the first time.
+  /// Whether the server is Xwayland, a guest on a Wayland desktop. It has X windows only: input that is posted there
+  /// moves a pointer that nobody sees and clicks on whatever X window lies under it, and its screen shows nothing of
+  /// the desktop. Sends no input to find out, at which some desktops would ask their user. Asks the server only the
+  /// first time.
   bool isXwayland() const;
 
   xcb_connection_t* get() const { return connection_; }
@@ -69,9 +81,9 @@ class X11Connection {
 
  private:
   X11Connection(xcb_connection_t* connection, xcb_window_t root);
-  void handOn(const Handlers& handlers) const;
-  void sendFarewell() const;
-  bool isFarewell(const xcb_generic_event_t& event) const;
+  void dispatch(const Handlers& handlers) const;
+  void sendStopMessage() const;
+  bool isStopMessage(const xcb_generic_event_t& event) const;
 
   xcb_connection_t* const connection_;
   const xcb_window_t root_;
@@ -82,5 +94,31 @@ class X11Connection {
   std::binary_semaphore threadEnded_{0};
   std::thread thread_;
 };
+
+template <class Reply, class Cookie>
+XCBPointer<Reply> awaitReply(const X11Connection& connection,
+                             Reply* (*fetch)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) {
+  return awaitReply(connection.get(), fetch, cookie);
+}
+
+/// While it lives, the server serves no other program: what was read stays true. Never held for longer than a few
+/// milliseconds, and never while another program is waited for, which could not answer. Threads: any; for
+/// the server, all threads of the connection are one.
+class ServerGrab {
+ public:
+  explicit ServerGrab(const X11Connection& connection) : connection_(connection) { xcb_grab_server(connection_.get()); }
+  ~ServerGrab() {
+    xcb_ungrab_server(connection_.get());
+    xcb_flush(connection_.get());
+  }
+  ServerGrab(const ServerGrab&) = delete;
+  ServerGrab& operator=(const ServerGrab&) = delete;
+
+ private:
+  const X11Connection& connection_;
+};
+
+/// Whether outputs of these names are those of Xwayland, or there is none, as without a monitor on Wayland.
+bool areXwaylandOutputs(std::span<const std::string> names);
 
 }  // namespace orvel

@@ -18,7 +18,7 @@ Size X11Displays::screenSize() const {
 }
 
 void X11Displays::handle(const xcb_generic_event_t& event) {
-  if (monitors_.tellsOfChange(event)) refresh();
+  if (monitors_.isChange(event)) refresh();
 }
 
 void X11Displays::refresh() {

@@ -100,8 +100,7 @@ std::int16_t within(std::int16_t pixel, double length) {
 /// The keys that the server itself repeats while they are held: all but modifiers and locks.
 std::bitset<256> askRepeatingKeys(const X11Connection& connection) {
   const auto asked = xcb_get_keyboard_control(connection.get());
-  const X11Answer<xcb_get_keyboard_control_reply_t> reply{
-      xcb_get_keyboard_control_reply(connection.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection, xcb_get_keyboard_control_reply, asked);
   std::bitset<256> keys;
   if (!reply) return keys;
   for (std::size_t key = 0; key < keys.size(); ++key) keys[key] = reply->auto_repeats[key / 8] >> key % 8 & 1;
@@ -207,7 +206,7 @@ std::optional<Point> X11EventPoster::pointerLocation() {
   if (unflushed) return toPoint(*unflushed);
 
   const auto asked = xcb_query_pointer(connection_.get(), connection_.root());
-  const X11Answer<xcb_query_pointer_reply_t> reply{xcb_query_pointer_reply(connection_.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection_, xcb_query_pointer_reply, asked);
   if (!reply || !reply->same_screen) return std::nullopt;
   const Position reported{reply->root_x, reply->root_y};
   state_.withLock([&](State& state) {

@@ -2,7 +2,6 @@
 
 #include "base/Guarded.hpp"
 #include "input/EventPoster.hpp"
-#include "platform/linux/x11/keyboard/KeyQueue.hpp"
 #include "platform/linux/x11/keyboard/Typist.hpp"
 
 #include <array>
@@ -23,7 +22,7 @@ class X11Connection;
 /// lifted from the press of a key to its release, or until they are pressed anew. Wheels turn in notches; what is left
 /// of one is kept, whichever phone turns next.
 ///
-/// On Xwayland nothing is ever posted, nor sent to find out whether it could be: see `isXwayland`.
+/// On Xwayland nothing is ever posted, nor sent to find out whether it could be: see `X11Connection::isXwayland`.
 ///
 /// Threads: any. Only `pointerLocation` and text wait for the server. `handle` is for the thread of the connection.
 class X11EventPoster final : public EventPoster, private KeyQueue {

@@ -1,6 +1,5 @@
 #include "platform/linux/x11/X11Foreground.hpp"
 
-#include "platform/linux/x11/WindowNumbers.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <QGuiApplication>
@@ -38,29 +37,29 @@ X11Foreground::X11Foreground(const X11Connection& connection)
       notice_(connection, atoms_),
       clock_(makeClock(connection)) {}
 
-void X11Foreground::keepOutOfList(std::uintptr_t window) {
+void X11Foreground::keepOutOfList(const ToolkitWindow& window) {
   // By the toolkit's connection, as the server may not have heard of the window by it yet.
   const auto* toolkit = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (toolkit == nullptr) return;
   const std::array states{atoms_.windowStateSkipTaskbar, atoms_.windowStateSkipPager};
-  xcb_change_property(toolkit->connection(), XCB_PROP_MODE_APPEND, static_cast<xcb_window_t>(window),
+  xcb_change_property(toolkit->connection(), XCB_PROP_MODE_APPEND, static_cast<xcb_window_t>(window.nativeHandle()),
                       atoms_.windowState, XCB_ATOM_ATOM, 32, states.size(), states.data());
 }
 
-void X11Foreground::bring(std::uintptr_t window, const std::string& token) {
-  const Wish wish{static_cast<xcb_window_t>(window), token};
+void X11Foreground::bring(const ToolkitWindow& window, const std::string& activationToken) {
+  const Wish wish{static_cast<xcb_window_t>(window.nativeHandle()), activationToken};
   const auto former = wish_.withLock([&](std::optional<Wish>& current) { return std::exchange(current, wish); });
   if (former) finishStart(former->token);
-  if (!token.empty()) {
+  if (!activationToken.empty()) {
     xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, wish.window, atoms_.startupID, atoms_.utf8Text, 8,
-                        static_cast<std::uint32_t>(token.size()), token.data());
+                        static_cast<std::uint32_t>(activationToken.size()), activationToken.data());
   }
   xcb_change_window_attributes(connection_.get(), wish.window, XCB_CW_EVENT_MASK, &stateChanges);
   askForTime();
 }
 
-void X11Foreground::finishStart(const std::string& token) {
-  if (!token.empty()) notice_.end(token);
+void X11Foreground::finishStart(const std::string& activationToken) {
+  if (!activationToken.empty()) notice_.end(activationToken);
 }
 
 void X11Foreground::handle(const xcb_generic_event_t& event) {
@@ -69,7 +68,7 @@ void X11Foreground::handle(const xcb_generic_event_t& event) {
     const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
     if (change.window == clock_) return bringAt(change.time);
   }
-  if (tellsOfChange(event)) askForTime();
+  if (mayBeShownNow(event)) askForTime();
 }
 
 /// The server tells the time of a change, if only that of nothing to nothing: nobody has to wait for an answer.
@@ -80,7 +79,7 @@ void X11Foreground::askForTime() const {
 }
 
 /// Whether the window that is to be brought may have been shown now.
-bool X11Foreground::tellsOfChange(const xcb_generic_event_t& event) const {
+bool X11Foreground::mayBeShownNow(const xcb_generic_event_t& event) const {
   xcb_window_t window = XCB_WINDOW_NONE;
   switch (event.response_type & x11EventTypeMask) {
     case XCB_PROPERTY_NOTIFY: {
@@ -114,23 +113,26 @@ void X11Foreground::bringAt(xcb_timestamp_t time) {
 /// How the window can be brought at this moment.
 X11Foreground::Way X11Foreground::wayFor(xcb_window_t window) const {
   const auto asked = xcb_get_window_attributes(connection_.get(), window);
-  const X11Answer<xcb_get_window_attributes_reply_t> attributes{
-      xcb_get_window_attributes_reply(connection_.get(), asked, nullptr)};
+  const auto attributes = awaitReply(connection_, xcb_get_window_attributes_reply, asked);
   if (!attributes) return Way::none;
   if (attributes->override_redirect || !canWindowManagerActivate()) {
     return attributes->map_state == XCB_MAP_STATE_VIEWABLE ? Way::byServer : Way::none;
   }
-  const auto state = readNumbers(connection_, window, atoms_.windowManagement);
+  const auto state = numbersOf(window, atoms_.windowManagement);
   return state.empty() || state.front() == withdrawn ? Way::none : Way::byWindowManager;
 }
 
-bool X11Foreground::canWindowManagerActivate() const {
-  const auto manager = readNumbers(connection_, connection_.root(), atoms_.supportingWindowManager);
-  // One that has gone has left its word behind, but not the window that says it is there.
-  if (manager.empty() || readNumbers(connection_, manager.front(), atoms_.supportingWindowManager) != manager)
-    return false;
+std::vector<std::uint32_t> X11Foreground::numbersOf(xcb_window_t window, xcb_atom_t name) const {
+  constexpr std::uint32_t mostNumbers = 512;
+  return numbersIn(readProperty(connection_.get(), window, name, mostNumbers));
+}
 
-  const auto supported = readNumbers(connection_, connection_.root(), atoms_.supported);
+bool X11Foreground::canWindowManagerActivate() const {
+  const auto manager = numbersOf(connection_.root(), atoms_.supportingWindowManager);
+  // One that has gone has left its word behind, but not the window that says it is there.
+  if (manager.empty() || numbersOf(manager.front(), atoms_.supportingWindowManager) != manager) return false;
+
+  const auto supported = numbersOf(connection_.root(), atoms_.supported);
   return std::find(supported.begin(), supported.end(), atoms_.activeWindow) != supported.end();
 }
 

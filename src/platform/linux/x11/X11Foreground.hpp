@@ -1,15 +1,16 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/x11/WindowCommands.hpp"
+#include "platform/linux/x11/WindowList.hpp"
 #include "platform/linux/x11/X11ActivationTokens.hpp"
-#include "platform/linux/x11/X11Atoms.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 #include "ui/Foreground.hpp"
 
 #include <xcb/xcb.h>
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orvel {
 
@@ -26,10 +27,10 @@ class X11Foreground final : public Foreground {
 
   /// Desktops here list windows.
   void becomeAccessory() override {}
-  void keepOutOfList(std::uintptr_t window) override;
-  void bring(std::uintptr_t window, const std::string& token) override;
+  void keepOutOfList(const ToolkitWindow& window) override;
+  void bring(const ToolkitWindow& window, const std::string& activationToken) override;
   Seconds settlingTime() const override { return {}; }
-  void finishStart(const std::string& token) override;
+  void finishStart(const std::string& activationToken) override;
 
   /// Takes an event of the server, and brings the window when that is possible now.
   void handle(const xcb_generic_event_t& event);
@@ -45,9 +46,10 @@ class X11Foreground final : public Foreground {
   enum class Way { none, byWindowManager, byServer };
 
   void askForTime() const;
-  bool tellsOfChange(const xcb_generic_event_t& event) const;
+  bool mayBeShownNow(const xcb_generic_event_t& event) const;
   void bringAt(xcb_timestamp_t time);
   Way wayFor(xcb_window_t window) const;
+  std::vector<std::uint32_t> numbersOf(xcb_window_t window, xcb_atom_t name) const;
   bool canWindowManagerActivate() const;
 
   const X11Connection& connection_;

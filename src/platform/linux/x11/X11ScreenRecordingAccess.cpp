@@ -10,7 +10,7 @@ namespace {
 bool showsPixels(const X11Connection& connection) {
   const auto asked =
       xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection.root(), 0, 0, 1, 1, ~std::uint32_t{0});
-  return X11Answer<xcb_get_image_reply_t>(xcb_get_image_reply(connection.get(), asked, nullptr)) != nullptr;
+  return awaitReply(connection, xcb_get_image_reply, asked) != nullptr;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "platform/linux/x11/X11ThemeSettings.hpp"
 
-#include "platform/linux/x11/NamedAtom.hpp"
-#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 
 #include <cstddef>
 #include <string_view>
@@ -62,12 +61,9 @@ class Reader {
 };
 
 std::map<std::string, std::string> textsOf(const X11Connection& connection, xcb_window_t manager) {
-  const auto settings = namedAtom(connection, "_XSETTINGS_SETTINGS");
-  const auto asked = xcb_get_property(connection.get(), false, manager, settings, XCB_ATOM_ANY, 0, longestSettings);
-  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection.get(), asked, nullptr)};
-  if (!reply || reply->format != 8) return {};
-  return parseXSettings({static_cast<const std::uint8_t*>(xcb_get_property_value(reply.get())),
-                         static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))});
+  const auto settings = namedAtom(connection.get(), "_XSETTINGS_SETTINGS");
+  const std::string bytes = textIn(readProperty(connection.get(), manager, settings, longestSettings));
+  return parseXSettings({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
 }
 
 }  // namespace
@@ -97,13 +93,12 @@ std::map<std::string, std::string> parseXSettings(std::span<const std::uint8_t> 
 
 X11ThemeSettings::X11ThemeSettings(const X11Connection& connection)
     : connection_(connection),
-      selection_(namedAtom(connection, selectionName)),
-      announcement_(namedAtom(connection, "MANAGER")) {}
+      selection_(namedAtom(connection.get(), selectionName)),
+      announcement_(namedAtom(connection.get(), "MANAGER")) {}
 
 DesktopTheme X11ThemeSettings::read() {
   const auto asked = xcb_get_selection_owner(connection_.get(), selection_);
-  const X11Answer<xcb_get_selection_owner_reply_t> reply{
-      xcb_get_selection_owner_reply(connection_.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection_, xcb_get_selection_owner_reply, asked);
   const xcb_window_t manager = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
   manager_ = manager;
   if (manager == XCB_WINDOW_NONE) return {};

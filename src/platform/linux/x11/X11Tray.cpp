@@ -1,6 +1,6 @@
 #include "platform/linux/x11/X11Tray.hpp"
 
-#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -16,12 +16,6 @@ constexpr std::string_view selectionName = "_NET_SYSTEM_TRAY_S0";
 
 constexpr std::uint32_t requestToDock = 0;
 constexpr std::uint8_t translucentDepth = 32;
-
-xcb_atom_t atomOf(xcb_connection_t* connection, std::string_view name) {
-  const auto asked = xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.data());
-  const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection, asked, nullptr)};
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
 
 /// The number of bits of a visual's pixels; 0 for one that is not there.
 std::uint8_t depthOf(xcb_connection_t* connection, xcb_visualid_t visual) {
@@ -40,10 +34,10 @@ X11Tray::X11Tray(std::function<void()> changed) : changed_(std::move(changed)) {
   const auto* toolkit = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (toolkit == nullptr) return;
   connection_ = toolkit->connection();
-  selection_ = atomOf(connection_, selectionName);
-  manager_ = atomOf(connection_, "MANAGER");
+  selection_ = namedAtom(connection_, selectionName);
+  manager_ = namedAtom(connection_, "MANAGER");
   const auto asked = xcb_get_selection_owner(connection_, selection_);
-  const X11Answer<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(connection_, asked, nullptr)};
+  const auto reply = awaitReply(connection_, xcb_get_selection_owner_reply, asked);
   if (reply) follow(reply->owner);
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
@@ -60,13 +54,9 @@ void X11Tray::follow(std::uint32_t owner) {
 
 bool X11Tray::isTranslucent() const {
   if (!isOwned()) return false;
-  const auto asked = xcb_get_property(connection_, false, owner_, atomOf(connection_, "_NET_SYSTEM_TRAY_VISUAL"),
-                                      XCB_ATOM_VISUALID, 0, 1);
-  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_, asked, nullptr)};
-  if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) != sizeof(xcb_visualid_t))
-    return false;
-  return depthOf(connection_, *static_cast<const xcb_visualid_t*>(xcb_get_property_value(reply.get()))) ==
-         translucentDepth;
+  const auto name = namedAtom(connection_, "_NET_SYSTEM_TRAY_VISUAL");
+  const auto visual = numbersIn(readProperty(connection_, owner_, name, 1));
+  return visual.size() == 1 && depthOf(connection_, visual.front()) == translucentDepth;
 }
 
 void X11Tray::requestDock(std::uint32_t window) const {
@@ -75,7 +65,7 @@ void X11Tray::requestDock(std::uint32_t window) const {
   request.response_type = XCB_CLIENT_MESSAGE;
   request.format = 32;
   request.window = owner_;
-  request.type = atomOf(connection_, "_NET_SYSTEM_TRAY_OPCODE");
+  request.type = namedAtom(connection_, "_NET_SYSTEM_TRAY_OPCODE");
   request.data.data32[0] = XCB_CURRENT_TIME;
   request.data.data32[1] = requestToDock;
   request.data.data32[2] = window;

@@ -65,7 +65,7 @@ bool isLocal(const X11Connection& connection) {
 bool canShareMemory(const X11Connection& connection) {
   if (!isLocal(connection) || connection.extension(xcb_shm_id) == nullptr) return false;
   const auto asked = xcb_shm_query_version(connection.get());
-  const X11Answer<xcb_shm_query_version_reply_t> version{xcb_shm_query_version_reply(connection.get(), asked, nullptr)};
+  const auto version = awaitReply(connection, xcb_shm_query_version_reply, asked);
   return version && std::pair<std::uint32_t, std::uint32_t>(version->major_version, version->minor_version) >=
                         firstWithDescriptors;
 }
@@ -145,7 +145,7 @@ bool ScreenImage::SharedMemory::attach(int descriptor) {
   if (copy < 0) return false;
   const auto asked = xcb_shm_attach_fd_checked(connection_.get(), segment_, copy, false);
   isAttached_ =
-      X11Answer<xcb_generic_error_t>(xcb_request_check(connection_.get(), asked)) == nullptr && connection_.isAlive();
+      XCBPointer<xcb_generic_error_t>(xcb_request_check(connection_.get(), asked)) == nullptr && connection_.isAlive();
   return isAttached_;
 }
 
@@ -180,14 +180,14 @@ bool ScreenImage::fetchShared(const Rows& rows) {
       xcb_shm_get_image(connection_.get(), connection_.root(), coordinate(area_.x), coordinate(area_.y + rows.begin),
                         length(area_.width), length(rows.end - rows.begin), allPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP,
                         shared_->segment(), static_cast<std::uint32_t>(offset));
-  return X11Answer<xcb_shm_get_image_reply_t>(xcb_shm_get_image_reply(connection_.get(), asked, nullptr)) != nullptr;
+  return awaitReply(connection_, xcb_shm_get_image_reply, asked) != nullptr;
 }
 
 bool ScreenImage::fetchCopy(const Rows& rows) {
   const auto asked =
       xcb_get_image(connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection_.root(), coordinate(area_.x),
                     coordinate(area_.y + rows.begin), length(area_.width), length(rows.end - rows.begin), allPlanes);
-  const X11Answer<xcb_get_image_reply_t> reply{xcb_get_image_reply(connection_.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection_, xcb_get_image_reply, asked);
   const auto size = fetchedBytesPerRow_ * static_cast<std::size_t>(rows.end - rows.begin);
   if (!reply || static_cast<std::size_t>(xcb_get_image_data_length(reply.get())) < size) return false;
   std::memcpy(fetched_ + fetchedBytesPerRow_ * static_cast<std::size_t>(rows.begin), xcb_get_image_data(reply.get()),

@@ -150,7 +150,7 @@ ScreenStream::~ScreenStream() {
   wakeUp_.call();
   if (!thread_.joinable()) return;
   // What is broken off may leave a descriptor behind that was just to be sent.
-  if (!threadEnded_.try_acquire_for(streamShutdownTimeout)) connection_->breakOff();
+  if (!threadEnded_.try_acquire_for(streamShutdownTimeout)) connection_->shutDown();
   thread_.join();
 }
 

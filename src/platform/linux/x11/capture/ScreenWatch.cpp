@@ -1,7 +1,7 @@
 #include "platform/linux/x11/capture/ScreenWatch.hpp"
 
 #include "platform/linux/x11/RawInput.hpp"
-#include "platform/linux/x11/SystemCounter.hpp"
+#include "platform/linux/x11/ServerTime.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <xcb/damage.h>
@@ -23,8 +23,7 @@ constexpr const char* pointerIdleTime = "DEVICEIDLETIME 2";
 std::uint32_t agreeOnFixes(const X11Connection& connection) {
   if (connection.extension(xcb_xfixes_id) == nullptr) return 0;
   const auto asked = xcb_xfixes_query_version(connection.get(), XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
-  const X11Answer<xcb_xfixes_query_version_reply_t> version{
-      xcb_xfixes_query_version_reply(connection.get(), asked, nullptr)};
+  const auto version = awaitReply(connection, xcb_xfixes_query_version_reply, asked);
   return version ? version->major_version : 0;
 }
 
@@ -74,8 +73,7 @@ std::unique_ptr<ScreenWatch::DamageWatch> ScreenWatch::DamageWatch::start(const 
   const auto* damage = connection.extension(xcb_damage_id);
   if (damage == nullptr || agreeOnFixes(connection) < firstFixesWithRegions) return nullptr;
   const auto asked = xcb_damage_query_version(connection.get(), XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION);
-  const X11Answer<xcb_damage_query_version_reply_t> version{
-      xcb_damage_query_version_reply(connection.get(), asked, nullptr)};
+  const auto version = awaitReply(connection, xcb_damage_query_version_reply, asked);
   if (!version) return nullptr;
   return std::unique_ptr<DamageWatch>(new DamageWatch(connection, damage->first_event));
 }
@@ -99,8 +97,7 @@ PixelRect ScreenWatch::DamageWatch::take(const PixelRect& area) {
   // A region may have thousands of parts, its extents have one.
   xcb_xfixes_region_extents(connection_.get(), drawn_, drawn_);
   const auto asked = xcb_xfixes_fetch_region(connection_.get(), drawn_);
-  const X11Answer<xcb_xfixes_fetch_region_reply_t> reply{
-      xcb_xfixes_fetch_region_reply(connection_.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection_, xcb_xfixes_fetch_region_reply, asked);
   if (!reply) return {};
   return {reply->extents.x, reply->extents.y, reply->extents.width, reply->extents.height};
 }
@@ -148,7 +145,7 @@ const Cursor& ScreenWatch::CursorWatch::ask() {
 
 void ScreenWatch::CursorWatch::askPlace() {
   const auto asked = xcb_query_pointer(connection_.get(), connection_.root());
-  const X11Answer<xcb_query_pointer_reply_t> pointer{xcb_query_pointer_reply(connection_.get(), asked, nullptr)};
+  const auto pointer = awaitReply(connection_, xcb_query_pointer_reply, asked);
   if (!pointer) return;
   cursor_.x = pointer->root_x;
   cursor_.y = pointer->root_y;
@@ -158,8 +155,7 @@ void ScreenWatch::CursorWatch::askPlace() {
 
 void ScreenWatch::CursorWatch::askShape() {
   const auto asked = xcb_xfixes_get_cursor_image(connection_.get());
-  const X11Answer<xcb_xfixes_get_cursor_image_reply_t> image{
-      xcb_xfixes_get_cursor_image_reply(connection_.get(), asked, nullptr)};
+  const auto image = awaitReply(connection_, xcb_xfixes_get_cursor_image_reply, asked);
   shapeIsKnown_ = true;
   shape_.reset();
   if (!image) return;
@@ -253,11 +249,11 @@ void ScreenWatch::followPointer(bool wanted) {
 }
 
 void ScreenWatch::takeEvents() {
-  while (const X11Answer<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) take(*event);
+  while (const XCBPointer<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) take(*event);
 }
 
 void ScreenWatch::take(const xcb_generic_event_t& event) {
-  if (monitors_.tellsOfChange(event)) layoutHasChanged_ = true;
+  if (monitors_.isChange(event)) layoutHasChanged_ = true;
   if (damage_ && damage_->isDamage(event)) isDamaged_ = true;
   if (cursor_ && cursor_->isChangeOfShape(event)) {
     cursor_->shapeHasChanged();

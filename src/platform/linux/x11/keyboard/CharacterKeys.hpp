@@ -1,14 +1,22 @@
 #pragma once
 
-#include "platform/linux/x11/keyboard/Chord.hpp"
+#include "platform/linux/keyboard/KeyPositions.hpp"
 #include "platform/linux/x11/keyboard/KeyboardMap.hpp"
 
 #include <bitset>
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 namespace orvel {
+
+/// A key, and the modifier keys that are held down with it for a character. Threads: as any value.
+struct Chord {
+  std::uint8_t keyCode = 0;
+  std::uint8_t shiftKey = 0;  ///< 0 when it is not needed.
+  std::uint8_t levelKey = 0;  ///< The one for the third level, often AltGr; 0 when it is not needed.
+};
 
 /// Which keys write which characters, as the keyboard stands: its layout, Caps Lock, what is held down.
 ///
@@ -35,5 +43,8 @@ class CharacterKeys {
   const std::uint8_t levelKey_;
   std::unordered_map<char32_t, Chord> chords_;
 };
+
+/// The changes of keys that play the chords, while the keys in `released` are up; these are down before and after.
+std::vector<KeyChange> changesFor(const std::vector<Chord>& chords, const std::vector<std::uint8_t>& released);
 
 }  // namespace orvel

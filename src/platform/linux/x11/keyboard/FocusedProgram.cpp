@@ -1,11 +1,8 @@
 #include "platform/linux/x11/keyboard/FocusedProgram.hpp"
 
-#include "platform/linux/x11/NamedAtom.hpp"
-#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 
 #include <algorithm>
-#include <span>
-#include <string_view>
 #include <thread>
 
 namespace orvel {
@@ -23,8 +20,8 @@ constexpr std::uint8_t wideFormat = 32;
 
 FocusedProgram::FocusedProgram(const X11Connection& connection)
     : connection_(connection),
-      protocols_(namedAtom(connection, "WM_PROTOCOLS")),
-      ping_(namedAtom(connection, "_NET_WM_PING")) {}
+      protocols_(namedAtom(connection.get(), "WM_PROTOCOLS")),
+      ping_(namedAtom(connection.get(), "_NET_WM_PING")) {}
 
 bool FocusedProgram::answers(xcb_window_t window) {
   return answeringWindow(window).has_value();
@@ -70,17 +67,14 @@ std::optional<xcb_window_t> FocusedProgram::findAnsweringWindow(xcb_window_t win
   for (int depth = 0; depth < deepestWindow && window > XCB_INPUT_FOCUS_POINTER_ROOT; ++depth) {
     const auto asked = xcb_query_tree(connection_.get(), window);
     if (answersPing(window)) return window;
-    const X11Answer<xcb_query_tree_reply_t> family{xcb_query_tree_reply(connection_.get(), asked, nullptr)};
+    const auto family = awaitReply(connection_, xcb_query_tree_reply, asked);
     window = family ? family->parent : xcb_window_t{XCB_NONE};
   }
   return std::nullopt;
 }
 
 bool FocusedProgram::answersPing(xcb_window_t window) const {
-  const auto asked = xcb_get_property(connection_.get(), false, window, protocols_, XCB_ATOM_ATOM, 0, mostProtocols);
-  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_.get(), asked, nullptr)};
-  if (!reply || reply->format != wideFormat) return false;
-  const std::span protocols(static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get())), reply->value_len);
+  const auto protocols = numbersIn(readProperty(connection_.get(), window, protocols_, mostProtocols));
   return std::ranges::find(protocols, ping_) != protocols.end();
 }
 
@@ -120,8 +114,7 @@ bool FocusedProgram::waitForAnswer() {
 void FocusedProgram::hearAnswers(bool heard) {
   if (isHearing_ == heard) return;
   const auto asked = xcb_get_window_attributes(connection_.get(), connection_.root());
-  const X11Answer<xcb_get_window_attributes_reply_t> reply{
-      xcb_get_window_attributes_reply(connection_.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection_, xcb_get_window_attributes_reply, asked);
   if (!reply) return;
   // A program has one selection per window: what the others of us listen to must stay in it.
   const std::uint32_t others = reply->your_event_mask & ~std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};

@@ -27,15 +27,14 @@ struct BoundKey {
 bool startXKB(const X11Connection& connection) {
   if (connection.extension(xcb_xkb_id) == nullptr) return false;
   const auto asked = xcb_xkb_use_extension(connection.get(), XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION);
-  const X11Answer<xcb_xkb_use_extension_reply_t> reply{xcb_xkb_use_extension_reply(connection.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection, xcb_xkb_use_extension_reply, asked);
   return reply && reply->supported;
 }
 
 xcb_xkb_device_spec_t findTypingDevice(const X11Connection& connection) {
   if (connection.extension(xcb_input_id) == nullptr) return coreKeyboard;
   const auto asked = xcb_input_xi_query_device(connection.get(), XCB_INPUT_DEVICE_ALL);
-  const X11Answer<xcb_input_xi_query_device_reply_t> reply{
-      xcb_input_xi_query_device_reply(connection.get(), asked, nullptr)};
+  const auto reply = awaitReply(connection, xcb_input_xi_query_device_reply, asked);
   if (!reply) return coreKeyboard;
   auto device = xcb_input_xi_query_device_infos_iterator(reply.get());
   for (; device.rem > 0; xcb_input_xi_device_info_next(&device)) {
@@ -57,9 +56,9 @@ std::optional<Keyboard::Reading> Keyboard::read() const {
   const auto downAsked = xcb_query_keymap(connection_.get());
   const auto focusAsked = xcb_get_input_focus(connection_.get());
   auto map = takeMap(mapAsked);
-  const X11Answer<xcb_xkb_get_state_reply_t> state{xcb_xkb_get_state_reply(connection_.get(), stateAsked, nullptr)};
-  const X11Answer<xcb_query_keymap_reply_t> down{xcb_query_keymap_reply(connection_.get(), downAsked, nullptr)};
-  const X11Answer<xcb_get_input_focus_reply_t> focus{xcb_get_input_focus_reply(connection_.get(), focusAsked, nullptr)};
+  const auto state = awaitReply(connection_, xcb_xkb_get_state_reply, stateAsked);
+  const auto down = awaitReply(connection_, xcb_query_keymap_reply, downAsked);
+  const auto focus = awaitReply(connection_, xcb_get_input_focus_reply, focusAsked);
   if (!map || !state || !down || !focus) return std::nullopt;
   Reading reading{.map = *std::move(map),
                   .group = state->group,
@@ -84,7 +83,7 @@ xcb_xkb_get_map_cookie_t Keyboard::askMap() const {
 }
 
 std::optional<KeyboardMap> Keyboard::takeMap(xcb_xkb_get_map_cookie_t asked) const {
-  X11Answer<xcb_xkb_get_map_reply_t> reply{xcb_xkb_get_map_reply(connection_.get(), asked, nullptr)};
+  auto reply = awaitReply(connection_, xcb_xkb_get_map_reply, asked);
   if (!reply) return std::nullopt;
   return KeyboardMap(std::move(reply));
 }

@@ -46,7 +46,7 @@ std::span<const std::byte> contentOf(const xcb_xkb_get_map_reply_t& reply) {
 
 }  // namespace
 
-KeyboardMap::KeyboardMap(X11Answer<xcb_xkb_get_map_reply_t> reply) : reply_(std::move(reply)) {
+KeyboardMap::KeyboardMap(XCBPointer<xcb_xkb_get_map_reply_t> reply) : reply_(std::move(reply)) {
   xcb_xkb_get_map_map_t parts = {};
   xcb_xkb_get_map_map_unpack(xcb_xkb_get_map_map(reply_.get()), reply_->nTypes, reply_->nKeySyms, reply_->nKeyActions,
                              reply_->totalActions, reply_->totalKeyBehaviors, reply_->virtualMods,

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "platform/linux/x11/X11Connection.hpp"
-#include "platform/linux/x11/XKB.hpp"
 
 #include <xkbcommon/xkbcommon.h>
+
+// The header names fields by a keyword of C++.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
 
 #include <array>
 #include <cstdint>
@@ -11,12 +15,12 @@
 
 namespace orvel {
 
-/// What the keys of a keyboard mean, as the server told it at one moment.
+/// What the keys of a keyboard mean, as the server had it at one moment.
 ///
 /// Threads: any, for it does not change.
 class KeyboardMap {
  public:
-  /// The parts of the map that `KeyboardMap` needs to be told of.
+  /// The parts of the map that `KeyboardMap` needs.
   static constexpr std::uint16_t neededParts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS |
                                                XCB_XKB_MAP_PART_MODIFIER_MAP | XCB_XKB_MAP_PART_KEY_ACTIONS;
 
@@ -29,7 +33,7 @@ class KeyboardMap {
   /// A set of modifiers, a bit each, as the server numbers them.
   using Modifiers = std::uint8_t;
 
-  explicit KeyboardMap(X11Answer<xcb_xkb_get_map_reply_t> reply);
+  explicit KeyboardMap(XCBPointer<xcb_xkb_get_map_reply_t> reply);
 
   /// What programs take the key for while that group and these modifiers are in force.
   xkb_keysym_t keysym(std::uint8_t keyCode, std::uint8_t group, Modifiers modifiers) const;
@@ -63,7 +67,7 @@ class KeyboardMap {
   void readModifiers(const xcb_xkb_get_map_map_t& parts);
   static Meaning meaningOf(const xcb_xkb_key_type_t& type, Modifiers modifiers);
 
-  X11Answer<xcb_xkb_get_map_reply_t> reply_;
+  XCBPointer<xcb_xkb_get_map_reply_t> reply_;
   std::vector<const xcb_xkb_key_type_t*> types_;             // in the reply
   std::array<const xcb_xkb_key_sym_map_t*, 256> symbols_{};  // in the reply; by key code, null where there is no key
   std::array<Modifiers, 256> modifiers_{};                   // by key code

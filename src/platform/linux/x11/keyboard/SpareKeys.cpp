@@ -1,8 +1,7 @@
 #include "platform/linux/x11/keyboard/SpareKeys.hpp"
 
-#include "platform/linux/x11/NamedAtom.hpp"
-#include "platform/linux/x11/ServerGrab.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -29,7 +28,7 @@ xcb_window_t showSign(const X11Connection& connection, xcb_atom_t name) {
 SpareKeys::SpareKeys(const X11Connection& connection, const Keyboard& keyboard)
     : connection_(connection),
       keyboard_(keyboard),
-      notesName_(namedAtom(connection, notesPropertyName)),
+      notesName_(namedAtom(connection.get(), notesPropertyName)),
       sign_(showSign(connection, notesName_)) {}
 
 void SpareKeys::undoLeftovers() const {
@@ -108,13 +107,9 @@ void SpareKeys::unbindAll(const KeyboardMap& map) {
 }
 
 std::vector<SpareKeys::Note> SpareKeys::readNotes() const {
-  const auto asked =
-      xcb_get_property(connection_.get(), false, connection_.root(), notesName_, XCB_ATOM_CARDINAL, 0, mostNoteFields);
-  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_.get(), asked, nullptr)};
+  const auto fields = numbersIn(readProperty(connection_.get(), connection_.root(), notesName_, mostNoteFields));
   std::vector<Note> notes;
-  if (!reply || reply->format != wordFormat) return notes;
-  const auto* fields = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-  for (std::uint32_t i = 0; i + noteFields <= reply->value_len; i += noteFields) {
+  for (std::size_t i = 0; i + noteFields <= fields.size(); i += noteFields) {
     notes.push_back({.writer = fields[i], .keyCode = fields[i + 1], .meaning = {fields[i + 2], fields[i + 3]}});
   }
   return notes;
@@ -139,9 +134,7 @@ void SpareKeys::noteBindings() const {
 }
 
 bool SpareKeys::isAlive(xcb_window_t writer) const {
-  const auto asked = xcb_get_property(connection_.get(), false, writer, notesName_, XCB_ATOM_WINDOW, 0, 1);
-  const X11Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_.get(), asked, nullptr)};
-  return reply && reply->value_len == 1;
+  return numbersIn(readProperty(connection_.get(), writer, notesName_, 1)).size() == 1;
 }
 
 }  // namespace orvel

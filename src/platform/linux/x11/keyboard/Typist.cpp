@@ -1,6 +1,5 @@
 #include "platform/linux/x11/keyboard/Typist.hpp"
 
-#include "platform/linux/x11/ServerGrab.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/keyboard/CharacterKeys.hpp"
 

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "platform/linux/x11/keyboard/Chord.hpp"
+#include "platform/linux/keyboard/KeyPositions.hpp"
+#include "platform/linux/x11/keyboard/CharacterKeys.hpp"
 #include "platform/linux/x11/keyboard/FocusedProgram.hpp"
-#include "platform/linux/x11/keyboard/KeyQueue.hpp"
 #include "platform/linux/x11/keyboard/Keyboard.hpp"
 #include "platform/linux/x11/keyboard/SpareKeys.hpp"
 
 #include <atomic>
+#include <bitset>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -19,8 +20,24 @@
 
 namespace orvel {
 
-class CharacterKeys;
 class X11Connection;
+
+/// The way of the keys to the server, which all phones share. Threads: any.
+class KeyQueue {
+ public:
+  struct Held {
+    std::bitset<256> keys;      ///< Down by our doing, by X key code.
+    std::uint64_t version = 0;  ///< Another one after each key that went this way.
+  };
+
+  virtual ~KeyQueue() = default;
+
+  virtual Held held() = 0;
+
+  /// Queues the changes with nothing in between. They leave all keys as they were. False, and nothing is queued, when
+  /// other keys went this way since `version`.
+  virtual bool queueInOneGo(const std::vector<KeyChange>& changes, std::uint64_t version) = 0;
+};
 
 /// Types text into the program that has the keyboard, by the keys of the layout of the moment, and by spare keys for
 /// what that layout lacks.

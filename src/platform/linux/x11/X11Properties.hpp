@@ -1,10 +1,15 @@
 #pragma once
 
+#include "platform/linux/x11/X11Connection.hpp"
+
 #include <xcb/xcb.h>
 
-namespace orvel {
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
 
-class X11Connection;
+namespace orvel {
 
 /// The server's numbers for the names that window managers and programs speak of. All 0 when the server has gone.
 ///
@@ -39,5 +44,21 @@ struct X11Atoms {
   xcb_atom_t windowTypeDock = XCB_ATOM_NONE;
   xcb_atom_t windowTypeNormal = XCB_ATOM_NONE;
 };
+
+/// The number of one name. Waits for the server. None when it has gone. Threads: any.
+xcb_atom_t namedAtom(xcb_connection_t* connection, std::string_view name);
+
+/// What a window's property holds; null when the window or the server has gone.
+using PropertyReply = XCBPointer<xcb_get_property_reply_t>;
+
+/// Asks for a property of whatever type, and waits for the server: at most `length` units of four bytes of it, what is
+/// longer is cut off. Threads: any.
+PropertyReply readProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length);
+
+/// Its numbers; none when it holds something else, or there is none.
+std::vector<std::uint32_t> numbersIn(const PropertyReply& property);
+
+/// Its bytes; none when it holds something else, or there is none.
+std::string textIn(const PropertyReply& property);
 
 }  // namespace orvel

@@ -1,11 +1,7 @@
-#include "platform/linux/x11/X11Atoms.hpp"
-
-#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Properties.hpp"
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <string_view>
 #include <utility>
 
 namespace orvel {
@@ -42,18 +38,42 @@ constexpr std::array names = {
     NamedAtom{&X11Atoms::windowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL"},
 };
 
+xcb_intern_atom_cookie_t askForAtom(xcb_connection_t* connection, std::string_view name) {
+  return xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.data());
+}
+
 }  // namespace
 
 X11Atoms::X11Atoms(const X11Connection& connection) {
   std::array<xcb_intern_atom_cookie_t, names.size()> asked{};
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const std::string_view name = names[i].second;
-    asked[i] = xcb_intern_atom(connection.get(), false, static_cast<std::uint16_t>(name.size()), name.data());
+    asked[i] = askForAtom(connection.get(), names[i].second);
   }
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const X11Answer<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(connection.get(), asked[i], nullptr)};
+    const auto reply = awaitReply(connection, xcb_intern_atom_reply, asked[i]);
     if (reply) this->*names[i].first = reply->atom;
   }
+}
+
+xcb_atom_t namedAtom(xcb_connection_t* connection, std::string_view name) {
+  const auto reply = awaitReply(connection, xcb_intern_atom_reply, askForAtom(connection, name));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+PropertyReply readProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length) {
+  return awaitReply(connection, xcb_get_property_reply,
+                    xcb_get_property(connection, false, window, name, XCB_ATOM_ANY, 0, length));
+}
+
+std::vector<std::uint32_t> numbersIn(const PropertyReply& property) {
+  if (!property || property->format != 32) return {};
+  const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(property.get()));
+  return {first, first + property->value_len};
+}
+
+std::string textIn(const PropertyReply& property) {
+  if (!property || property->format != 8) return {};
+  return {static_cast<const char*>(xcb_get_property_value(property.get())), property->value_len};
 }
 
 }  // namespace orvel
