@@ -1,0 +1,188 @@
+#include "desktop/TemporaryFolder.hpp"
+#include "fakes/FakePanelDesktop.hpp"
+#include "fakes/RecordingDesktop.hpp"
+#include "fakes/ScriptedScreen.hpp"
+#include "platform/linux/LinuxPlatform.hpp"
+#include "platform/linux/appearance/ThemeSettings.hpp"
+#include "platform/linux/applications/DesktopWindows.hpp"
+#include "platform/linux/tray/EmbeddingTray.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvel {
+namespace {
+
+/// A desktop that reports its windows when a test says so, and gives no tokens.
+class QuietDesktop final : public DesktopWindows, public ActivationTokens {
+ public:
+  void observeActivation(std::function<void()> handler) override { activated = std::move(handler); }
+  std::optional<std::vector<ManagedWindow>> read() override { return windows; }
+  void activate(const std::vector<WindowID>& ids) override { brought = ids; }
+  void close(const std::vector<WindowID>& ids) override { closed = ids; }
+
+  std::string issue(const std::string&, const std::string&) override { return {}; }
+  void revoke(const std::string&) override {}
+
+  std::optional<std::vector<ManagedWindow>> windows;
+  std::function<void()> activated;
+  std::vector<WindowID> brought;
+  std::vector<WindowID> closed;
+};
+
+/// What the platform has asked of its backend, which outlives it here.
+struct BackendLog {
+  RecordingDesktop desktop;
+  ScriptedScreen screen;
+  FakeForeground foreground;
+  FakePressWatch presses;
+  QuietDesktop quiet;
+  std::function<void()> ended;
+  bool hasThread = true;
+  int stops = 0;
+  int typingStops = 0;
+  int disconnections = 0;
+};
+
+/// A backend that needs no display server.
+class FakeBackend final : public Backend {
+ public:
+  explicit FakeBackend(BackendLog& log) : log_(log) {}
+
+  CaptureService& capture() override { return log_.screen; }
+  Displays& displays() override { return log_.desktop; }
+  EventPoster& events() override { return log_.desktop; }
+  Foreground& foreground() override { return log_.foreground; }
+  PressWatch& presses() override { return log_.presses; }
+  ScreenRecordingAccess& screenRecording() override { return log_.screen; }
+  TrustCheck& trust() override { return log_.desktop; }
+  ActivationTokens& activationTokens() override { return log_.quiet; }
+  ThemeSettings& theme() override { return theme_; }
+  DesktopWindows& windows() override { return log_.quiet; }
+  std::optional<WindowAtPoint> windowAt(Point) override { return std::nullopt; }
+  std::unique_ptr<EmbeddingTray> makeEmbeddingTray(std::function<void()>) override { return nullptr; }
+  bool listen(std::function<void()> ended) override {
+    log_.ended = std::move(ended);
+    return log_.hasThread;
+  }
+  void stopListening() override { ++log_.stops; }
+  void stopTyping() override { ++log_.typingStops; }
+  void disconnect() override { ++log_.disconnections; }
+
+ private:
+  /// Says nothing.
+  class NoTheme final : public ThemeSettings {
+   public:
+    DesktopTheme read() override { return {}; }
+    void observe(std::function<void()>) override {}
+  };
+
+  BackendLog& log_;
+  NoTheme theme_;
+};
+
+/// A window of the program Editor. The first alone is one that people switch to.
+ManagedWindow windowOf(WindowID id, WindowID owner) {
+  ManagedWindow window;
+  window.id = id;
+  window.owner = owner;
+  window.process = 1;
+  window.className = "Editor";
+  window.isForPeople = true;
+  window.isInTaskbar = owner == 0;
+  return window;
+}
+
+struct LinuxPlatformTest : testing::Test {
+  LinuxPlatformTest() {
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
+      setenv(name, home.path().c_str(), 1);
+    }
+    setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+    platform =
+        std::make_unique<LinuxPlatform>(std::make_unique<FakeBackend>(log), rlimit{RLIM_INFINITY, RLIM_INFINITY});
+  }
+
+  TemporaryFolder home;
+  BackendLog log;
+  std::unique_ptr<LinuxPlatform> platform;
+};
+
+TEST_F(LinuxPlatformTest, TakesFromTheBackendWhatNeedsADisplayServer) {
+  EXPECT_EQ(&platform->events(), &log.desktop);
+  EXPECT_EQ(&platform->displays(), &log.desktop);
+  EXPECT_EQ(&platform->trust(), &log.desktop);
+  EXPECT_EQ(&platform->capture(), &log.screen);
+  EXPECT_EQ(&platform->screenRecording(), &log.screen);
+  EXPECT_EQ(&platform->foreground(), &log.foreground);
+  EXPECT_EQ(&platform->presses(), &log.presses);
+}
+
+TEST_F(LinuxPlatformTest, ADesktopMayReportNoWindows) {
+  EXPECT_EQ(platform->workspace().runningApplications(), std::nullopt);
+  EXPECT_FALSE(platform->accessibility().elementAt({10, 10}));
+  RunningApplication unknown;
+  unknown.identifier = "app";
+  platform->workspace().activate(unknown);
+  platform->workspace().terminate(unknown);
+  EXPECT_TRUE(log.quiet.brought.empty());
+  EXPECT_TRUE(log.quiet.closed.empty());
+}
+
+TEST_F(LinuxPlatformTest, ProgramsAreKnownByTheWindowsOfTheBackend) {
+  log.quiet.windows = {windowOf(7, 0), windowOf(8, 7)};
+  const auto running = platform->workspace().runningApplications();
+  ASSERT_TRUE(running);
+  ASSERT_EQ(running->size(), 1u);
+  EXPECT_EQ(running->front().identifier, "Editor");
+  EXPECT_TRUE(running->front().isRegular);
+  platform->workspace().activate(running->front());
+  EXPECT_EQ(log.quiet.brought, (std::vector<WindowID>{7, 8}));
+  platform->workspace().terminate(running->front());
+  EXPECT_EQ(log.quiet.closed, (std::vector<WindowID>{7, 8}));
+}
+
+TEST_F(LinuxPlatformTest, TheObserverOfActivationsIsTheBackends) {
+  int activations = 0;
+  platform->workspace().observeActivation([&] { ++activations; });
+  log.quiet.activated();
+  EXPECT_EQ(activations, 1);
+}
+
+TEST_F(LinuxPlatformTest, WithoutATrayThereIsNoIcon) {
+  EXPECT_FALSE(platform->statusItem().isShown());
+  EXPECT_EQ(platform->statusItem().place(), std::nullopt);
+}
+
+TEST_F(LinuxPlatformTest, TheEndOfTheServerIsReportedOnceAlsoToALateObserver) {
+  int ends = 0;
+  ASSERT_TRUE(platform->listen());
+  log.ended();
+  platform->observeEnd([&] { ++ends; });
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(LinuxPlatformTest, ABackendWithoutAThreadCannotListen) {
+  log.hasThread = false;
+  EXPECT_FALSE(platform->listen());
+}
+
+TEST_F(LinuxPlatformTest, TheBackendStopsBeforeTheLeavesGo) {
+  platform->stopTyping();
+  EXPECT_EQ(log.typingStops, 1);
+  platform->giveUp();
+  EXPECT_EQ(log.disconnections, 1);
+  EXPECT_EQ(log.stops, 0);
+  platform = nullptr;
+  EXPECT_EQ(log.stops, 1);
+}
+
+}  // namespace
+}  // namespace orvel
