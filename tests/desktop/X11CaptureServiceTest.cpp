@@ -473,7 +473,7 @@ TEST_F(X11CaptureServiceTest, WhoWaitsForAServerThatHangsCanGiveUp) {
   auto found = std::async(std::launch::async, [&] { return service.shareableContent(); });
   EXPECT_EQ(found.wait_for(lull), std::future_status::timeout);
   connection->shutDown();
-  service.giveUp();
+  service.disconnect();
   ASSERT_EQ(found.wait_for(patience), std::future_status::ready);
   EXPECT_EQ(std::get<CaptureFailure>(found.get()).description, "The desktop does not answer.");
 }
@@ -483,7 +483,7 @@ TEST_F(X11CaptureServiceTest, AStartThatWaitsForAServerThatHangsCanBeGivenUp) {
   const StoppedServer stopped(desktop);
   auto started = std::async(std::launch::async, [&] { return shareable->start(0, fullSize, receiver.handlers()); });
   EXPECT_EQ(started.wait_for(lull), std::future_status::timeout);
-  service.giveUp();
+  service.disconnect();
   ASSERT_EQ(started.wait_for(patience), std::future_status::ready);
   EXPECT_EQ(std::get<CaptureFailure>(started.get()).description, "The desktop does not answer.");
 }

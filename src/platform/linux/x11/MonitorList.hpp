@@ -12,7 +12,7 @@ namespace orvel {
 
 class X11Connection;
 
-/// The monitors as RandR tells them.
+/// The monitors as RandR reports them.
 ///
 /// Threads: any; making it and `ask` wait for the server.
 class MonitorList {
@@ -22,7 +22,7 @@ class MonitorList {
     Size screen;                 ///< What holds them all; the pointer never leaves it.
   };
 
-  /// Has the server tell this connection of changes.
+  /// Has the server report changes to this connection.
   explicit MonitorList(const X11Connection& connection);
 
   /// How it is now. The whole screen is the only monitor where the server does not know of any. Nothing when the server

@@ -7,11 +7,11 @@ namespace orvel {
 
 class X11Connection;
 
-/// The number under which the server's input extension sends its events. Nothing when it is missing, or too old to tell
-/// of input also while another program has grabbed the pointer. Waits for the server. Threads: any.
+/// The number under which the server's input extension sends its events. Nothing when it is missing, or too old to
+/// report of input also while another program has grabbed the pointer. Waits for the server. Threads: any.
 std::optional<std::uint8_t> rawInputOpcode(const X11Connection& connection);
 
-/// Has the server tell of raw input of these kinds from all devices, instead of those before. Threads: any.
+/// Has the server report raw input of these kinds from all devices, instead of those before. Threads: any.
 void selectRawInput(const X11Connection& connection, std::uint32_t events);
 
 }  // namespace orvel

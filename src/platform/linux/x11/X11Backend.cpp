@@ -82,7 +82,7 @@ void X11Backend::stopListening() {
 
 void X11Backend::disconnect() {
   connection_->shutDown();
-  capture_.giveUp();
+  capture_.disconnect();
   disconnectToolkit();
 }
 

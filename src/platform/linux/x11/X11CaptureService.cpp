@@ -48,14 +48,13 @@ X11CaptureService::X11CaptureService(const X11Connection& connection, std::strin
     : connection_(connection), display_(std::move(display)) {}
 
 std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> X11CaptureService::shareableContent() {
-  // Nobody can part from a server that hangs while a connection is being made, so first one that can be broken off is
-  // asked.
+  // A connection to a server that hangs cannot be shut down while it is being made, so first one that can is asked.
   if (!answers(connection_)) return silence();
   std::shared_ptr<X11Connection> connection = X11Connection::open(display_);
   if (!connection) return silence();
   const bool isTooLate = state_.withLock([&](State& state) {
     state.newest = connection;
-    return state.hasGivenUp;
+    return state.isDisconnected;
   });
   if (isTooLate) return silence();
   auto layout = MonitorList(*connection).ask();
@@ -63,9 +62,9 @@ std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> X11CaptureServic
   return std::make_unique<ScreenContent>(std::move(connection), *std::move(layout));
 }
 
-void X11CaptureService::giveUp() {
+void X11CaptureService::disconnect() {
   const auto newest = state_.withLock([](State& state) {
-    state.hasGivenUp = true;
+    state.isDisconnected = true;
     return state.newest.lock();
   });
   if (newest) newest->shutDown();

@@ -21,14 +21,14 @@ class X11CaptureService final : public CaptureService {
 
   std::variant<std::unique_ptr<ShareableContent>, CaptureFailure> shareableContent() override;
 
-  /// Parts from a server that does not answer: a capture that is just starting fails. Also the connection that this was
-  /// made with must be broken off.
-  void giveUp();
+  /// Disconnects from a server that does not answer: a capture that is just starting fails. The connection that this
+  /// was made with must be shut down, too.
+  void disconnect();
 
  private:
   struct State {
     std::weak_ptr<X11Connection> newest;  // those before belong to streams, which wait for nobody
-    bool hasGivenUp = false;
+    bool isDisconnected = false;
   };
 
   const X11Connection& connection_;

@@ -31,7 +31,7 @@ XCBPointer<Reply> awaitReply(xcb_connection_t* connection,
   return XCBPointer<Reply>(fetch(connection, cookie, nullptr));
 }
 
-/// The part of an event's response type that tells its kind; the rest tells who sent it.
+/// The part of an event's response type that says its kind; the rest says who sent it.
 inline constexpr std::uint8_t x11EventTypeMask = 0x7f;
 
 /// The connection to the X server, and the thread that waits for its events. When the server goes it stays broken:

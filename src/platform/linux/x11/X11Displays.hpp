@@ -12,7 +12,7 @@ namespace orvel {
 
 class X11Connection;
 
-/// The monitors as RandR tells them. Without RandR, or without monitors, the whole screen is the only display.
+/// The monitors as RandR reports them. Without RandR, or without monitors, the whole screen is the only display.
 ///
 /// Threads: any; `handle` is called on the thread of the connection.
 class X11Displays final : public Displays {
@@ -24,7 +24,7 @@ class X11Displays final : public Displays {
   /// The size of the screen that holds all monitors; the pointer never leaves it.
   Size screenSize() const;
 
-  /// Takes an event of the server, and looks again when it tells of a change of monitors.
+  /// Takes an event of the server, and reads the monitors anew when they have changed.
   void handle(const xcb_generic_event_t& event);
 
  private:

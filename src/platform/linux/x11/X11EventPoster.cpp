@@ -279,7 +279,7 @@ void X11EventPoster::press(State& state, std::uint8_t keyCode, std::uint8_t modi
 
 void X11EventPoster::release(State& state, std::uint8_t keyCode, bool staysDown) {
   Key& key = state.keys[keyCode];
-  // A key that is down by other hands is not ours to release.
+  // A key that somebody else holds down is not ours to release.
   if (!key.isDown) return;
   if (!staysDown) {
     key.isDown = false;

@@ -13,7 +13,7 @@ namespace orvel {
 class MainThreadCall;
 class X11Connection;
 
-/// The raw presses that the X server tells of, which come whoever has the pointer.
+/// The raw presses that the X server reports, which come whoever has the pointer.
 ///
 /// Threads: the main thread, which waits for the server only while this is made; `handle` is called on that of the
 /// connection.
@@ -34,7 +34,7 @@ class X11PressWatch final : public PressWatch {
   void select(std::uint32_t events) const;
 
   const X11Connection& connection_;
-  const std::uint8_t opcode_;  // of the extension; 0 where the server cannot tell
+  const std::uint8_t opcode_;  // of the extension; 0 where the server cannot report them
   std::function<void()> pressed_;
   const std::shared_ptr<MainThreadCall> call_;
 };

@@ -10,8 +10,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto answerPatience = 4s;  // a program that redraws a long text is slow, and not lost
-constexpr auto lookInterval = 50ms;  // at whether the server is still there
+constexpr auto pingTimeout = 4s;     // a program that redraws a long text is slow, and not lost
+constexpr auto pollInterval = 50ms;  // of whether the server is still there
 constexpr int deepestWindow = 16;
 constexpr std::uint32_t mostProtocols = 64;
 constexpr std::uint8_t wideFormat = 32;
@@ -30,7 +30,7 @@ bool FocusedProgram::answers(xcb_window_t window) {
 bool FocusedProgram::waitUntilReady(xcb_window_t window, Time otherwise) {
   const auto answering = answeringWindow(window);
   if (answering && canAsk(*answering)) {
-    hearAnswers(true);
+    selectAnswers(true);
     ask(*answering);
     if (waitForAnswer()) return true;
   }
@@ -39,12 +39,12 @@ bool FocusedProgram::waitUntilReady(xcb_window_t window, Time otherwise) {
 }
 
 void FocusedProgram::rest() {
-  hearAnswers(false);
+  selectAnswers(false);
 }
 
-void FocusedProgram::giveUp() {
+void FocusedProgram::stop() {
   const std::lock_guard lock(mutex_);
-  hasGivenUp_ = true;
+  isStopped_ = true;
   answered_.notify_all();
 }
 
@@ -81,7 +81,7 @@ bool FocusedProgram::answersPing(xcb_window_t window) const {
 bool FocusedProgram::canAsk(xcb_window_t window) {
   const std::lock_guard lock(mutex_);
   const bool hangs = question_.window == window && !question_.isAnswered;
-  return !hangs && !hasGivenUp_;
+  return !hangs && !isStopped_;
 }
 
 void FocusedProgram::ask(xcb_window_t window) {
@@ -102,26 +102,26 @@ void FocusedProgram::ask(xcb_window_t window) {
 }
 
 bool FocusedProgram::waitForAnswer() {
-  const Time end = std::chrono::steady_clock::now() + answerPatience;
+  const Time end = std::chrono::steady_clock::now() + pingTimeout;
   std::unique_lock lock(mutex_);
-  while (!question_.isAnswered && !hasGivenUp_ && connection_.isAlive() && std::chrono::steady_clock::now() < end) {
-    answered_.wait_for(lock, lookInterval);
+  while (!question_.isAnswered && !isStopped_ && connection_.isAlive() && std::chrono::steady_clock::now() < end) {
+    answered_.wait_for(lock, pollInterval);
   }
   return question_.isAnswered;
 }
 
-/// Answers go to the root window. Only there for the time that they matter: all changes of windows are told of, too.
-void FocusedProgram::hearAnswers(bool heard) {
-  if (isHearing_ == heard) return;
+/// Answers go to the root window. Selected only while they matter, for all changes of windows are reported with them.
+void FocusedProgram::selectAnswers(bool wanted) {
+  if (isSelected_ == wanted) return;
   const auto asked = xcb_get_window_attributes(connection_.get(), connection_.root());
   const auto reply = awaitReply(connection_, xcb_get_window_attributes_reply, asked);
   if (!reply) return;
   // A program has one selection per window: what the others of us listen to must stay in it.
   const std::uint32_t others = reply->your_event_mask & ~std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
-  const std::uint32_t events = heard ? others | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : others;
+  const std::uint32_t events = wanted ? others | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : others;
   xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_EVENT_MASK, &events);
   xcb_flush(connection_.get());
-  isHearing_ = heard;
+  isSelected_ = wanted;
 }
 
 }  // namespace orvel

@@ -12,7 +12,7 @@ namespace orvel {
 
 class X11Connection;
 
-/// Knows when the program that has the keyboard has dealt with what was sent to it.
+/// Waits until the program that has the keyboard has processed what was sent to it.
 ///
 /// Most programs answer when they are asked whether they are alive, and in the order of what comes to them. For those
 /// that do not, and those that hang, a fixed time must do.
@@ -24,19 +24,19 @@ class FocusedProgram {
 
   explicit FocusedProgram(const X11Connection& connection);
 
-  /// Whether the program of that window tells when it is ready. Waits for the server.
+  /// Whether the program of that window answers pings. Waits for the server.
   bool answers(xcb_window_t window);
 
-  /// Waits until the program of that window has dealt with what was sent to it by now; of one that never answers, that
+  /// Waits until the program of that window has processed what was sent to it by now; of one that never answers, that
   /// is taken for granted from `otherwise` on. False when it is one that answers, and does not in time. The server must
   /// not be grabbed.
   bool waitUntilReady(xcb_window_t window, Time otherwise);
 
-  /// Has the server stop telling of answers, until the next wait.
+  /// Has the server report no more answers, until the next wait.
   void rest();
 
   /// Ends a wait for an answer, and has the next ones not ask, for `handle` is not called any more. Threads: any.
-  void giveUp();
+  void stop();
 
   void handle(const xcb_generic_event_t& event);
 
@@ -58,17 +58,17 @@ class FocusedProgram {
   bool canAsk(xcb_window_t window);
   void ask(xcb_window_t window);
   bool waitForAnswer();
-  void hearAnswers(bool heard);
+  void selectAnswers(bool wanted);
 
   const X11Connection& connection_;
   const xcb_atom_t protocols_;
   const xcb_atom_t ping_;
-  bool isHearing_ = false;
+  bool isSelected_ = false;
   Answering answering_;  // the one that was asked for last
   std::mutex mutex_;
   std::condition_variable answered_;
   Question question_;  // the last one
-  bool hasGivenUp_ = false;
+  bool isStopped_ = false;
 };
 
 }  // namespace orvel

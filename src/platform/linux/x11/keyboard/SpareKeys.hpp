@@ -15,7 +15,7 @@ class X11Connection;
 /// Keys without a meaning, which get one for a time.
 ///
 /// What is bound is written down at the root window, so that a program that ends without undoing it leaves a trace that
-/// the next one follows. A window of its own tells that its writer is alive.
+/// the next one follows. A window of its own shows that its writer is alive.
 ///
 /// Threads: one at a time. All operations that take a map are called while the server is grabbed and the map is true.
 class SpareKeys {

@@ -15,11 +15,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto handsPatience = 2s;  // with modifiers that somebody else holds
-constexpr auto stepPatience = 10s;  // with a layout that keeps changing
-constexpr auto sparePatience = 2s;  // with spare keys that others have
+constexpr auto modifierTimeout = 2s;  // for modifiers that somebody else holds
+constexpr auto layoutTimeout = 10s;   // for a layout that keeps changing
+constexpr auto spareKeyTimeout = 2s;  // for spare keys that others use
 constexpr auto retryInterval = 20ms;
-constexpr auto readingTime = 100ms;       // for programs that do not tell when they have read their keys
+constexpr auto readingTime = 100ms;       // for programs that do not answer pings
 constexpr auto noticingTime = 30ms;       // for the same to fetch a map
 constexpr auto grabbedReadingTime = 3ms;  // for the same to read what they usually read at once
 constexpr auto idleTime = 1500ms;
@@ -78,7 +78,7 @@ Typist::Typist(const X11Connection& connection, KeyQueue& keys)
 }
 
 Typist::~Typist() {
-  program_.giveUp();
+  program_.stop();
   idleWatch_ = {};
   if (!spareKeys_.isAnyBound()) return;
   giveSpareKeysBack();
@@ -87,7 +87,7 @@ Typist::~Typist() {
 
 void Typist::stop() {
   isStopped_ = true;
-  program_.giveUp();
+  program_.stop();
 }
 
 bool Typist::type(std::u16string_view text) {
@@ -99,7 +99,7 @@ bool Typist::type(std::u16string_view text) {
     const Step step = typeSome(rest);
     if (step.characters > 0) lastProgress_ = currentTime();
     rest.remove_prefix(step.characters);
-    if (!connection_.isAlive() || !overcome(step.obstacle)) return false;
+    if (!connection_.isAlive() || !resolve(step.blocker)) return false;
   }
   return true;
 }
@@ -108,49 +108,49 @@ Typist::Step Typist::typeSome(std::u32string_view text) {
   const ServerGrab grab(connection_);
   const KeyQueue::Held held = keys_.held();
   auto reading = keyboard_.read();
-  if (!reading) return {.obstacle = Obstacle::server};
+  if (!reading) return {.blocker = Blocker::server};
   focus_ = reading->focus;
-  const Hands hands = handsOf(*reading, held);
-  if (isDisturbed(*reading, hands)) return {.obstacle = Obstacle::otherHands};
-  if ((hands.foreign & shortcutModifiers) != 0) return {.obstacle = Obstacle::shortcuts};
+  const ModifierState state = modifierStateOf(*reading, held);
+  if (isBlockedByModifiers(*reading, state)) return {.blocker = Blocker::heldModifiers};
+  if ((state.foreign & shortcutModifiers) != 0) return {.blocker = Blocker::shortcuts};
 
   const auto lockedShortcuts = static_cast<KeyboardMap::Modifiers>(reading->locked & shortcutModifiers);
-  const auto modifiers = static_cast<KeyboardMap::Modifiers>((hands.foreign | reading->locked) & ~shortcutModifiers);
+  const auto modifiers = static_cast<KeyboardMap::Modifiers>((state.foreign | reading->locked) & ~shortcutModifiers);
   CharacterKeys::Situation situation{.group = reading->group, .modifiers = modifiers, .downKeys = reading->downKeys};
-  for (const std::uint8_t key : hands.ownKeys) situation.downKeys.reset(key);
+  for (const std::uint8_t key : state.ownKeys) situation.downKeys.reset(key);
   const CharacterKeys keys(reading->map, situation);
   spareKeys_.forgetLost(reading->map);
   const CapitalKeys capitals{.capsLock = (reading->locked & XCB_MOD_MASK_LOCK) != 0,
-                             .shift = (hands.foreign & XCB_MOD_MASK_SHIFT) != 0};
+                             .shift = (state.foreign & XCB_MOD_MASK_SHIFT) != 0};
   const Plan plan = planFor(text, keys, reading->map, capitals);
   if (!plan.missing.empty()) return bindFor(plan, reading->map);
-  if (plan.characters == 0) return {.obstacle = Obstacle::noSpareKeys};
+  if (plan.characters == 0) return {.blocker = Blocker::noSpareKeys};
   if (!isKnown(reading->map)) return makeKnown(std::move(reading->map), keys, held);
-  return strike(plan, hands, held, lockedShortcuts);
+  return strike(plan, state, held, lockedShortcuts);
 }
 
 /// Whether the program reads the keys by that map. After a change most fetch a new one only when they need it; it is
 /// then the newest there is, and may be newer than the keys.
 bool Typist::isKnown(const KeyboardMap& map) const {
-  return hasWaited(stepPatience) || (known_ && known_->window == focus_ && known_->map.isSameAs(map));
+  return hasWaited(layoutTimeout) || (known_ && known_->window == focus_ && known_->map.isSameAs(map));
 }
 
 /// A key that writes nothing has the program fetch the map. If that has changed again meanwhile, the next step sees it.
 Typist::Step Typist::makeKnown(KeyboardMap map, const CharacterKeys& keys, const KeyQueue::Held& held) {
-  if (unread_ && unread_->window != focus_) return {.obstacle = Obstacle::strokesUnread};
+  if (unread_ && unread_->window != focus_) return {.blocker = Blocker::strokesUnread};
   const std::vector<KeyChange> tap{{.keyCode = keys.levelKey(), .down = true},
                                    {.keyCode = keys.levelKey(), .down = false}};
   if (keys.levelKey() != 0 && !keys_.queueInOneGo(tap, held.version)) return {};
   known_.emplace(KnownMap{.window = focus_, .map = std::move(map)});
   lastUse_ = currentTime();
   startIdleWatch();
-  return {.obstacle = Obstacle::mapUnknown};
+  return {.blocker = Blocker::mapUnknown};
 }
 
-Typist::Step Typist::strike(const Plan& plan, const Hands& hands, const KeyQueue::Held& held,
+Typist::Step Typist::strike(const Plan& plan, const ModifierState& state, const KeyQueue::Held& held,
                             KeyboardMap::Modifiers locked) {
   if (locked != 0) keyboard_.unlock(locked);
-  const bool isQueued = keys_.queueInOneGo(changesFor(plan.chords, hands.ownKeys), held.version);
+  const bool isQueued = keys_.queueInOneGo(changesFor(plan.chords, state.ownKeys), held.version);
   if (locked != 0) keyboard_.lock(locked);
   if (!isQueued) return {};
   if (!plan.special.empty()) {
@@ -165,28 +165,28 @@ Typist::Step Typist::strike(const Plan& plan, const Hands& hands, const KeyQueue
   return {.characters = plan.characters};
 }
 
-Typist::Hands Typist::handsOf(const Keyboard::Reading& reading, const KeyQueue::Held& held) {
-  Hands hands{.ownKeys = {}, .foreign = reading.base};
+Typist::ModifierState Typist::modifierStateOf(const Keyboard::Reading& reading, const KeyQueue::Held& held) {
+  ModifierState state{.ownKeys = {}, .foreign = reading.base};
   for (std::size_t key = 0; key < held.keys.size(); ++key) {
     const auto keyCode = static_cast<std::uint8_t>(key);
     const KeyboardMap::Modifiers modifiers = reading.map.modifiersOf(keyCode);
     if (!held.keys[key] || modifiers == 0) continue;
-    hands.ownKeys.push_back(keyCode);
-    hands.foreign &= ~modifiers;
+    state.ownKeys.push_back(keyCode);
+    state.foreign &= ~modifiers;
   }
-  return hands;
+  return state;
 }
 
 /// Whether what somebody else does with modifiers, such as changing the layout with them, is better waited for.
-bool Typist::isDisturbed(const Keyboard::Reading& reading, const Hands& hands) {
-  if (reading.isLatched && !hasWaited(handsPatience)) {
+bool Typist::isBlockedByModifiers(const Keyboard::Reading& reading, const ModifierState& state) {
+  if (reading.isLatched && !hasWaited(modifierTimeout)) {
     keyboard_.unlatch();
     return true;
   }
-  const KeyboardMap::Modifiers disturbing = hands.foreign & ~XCB_MOD_MASK_LOCK;
-  if (hasWaited(handsPatience)) tolerated_ = disturbing;
-  tolerated_ &= disturbing;
-  return disturbing != tolerated_;
+  const KeyboardMap::Modifiers blocking = state.foreign & ~XCB_MOD_MASK_LOCK;
+  if (hasWaited(modifierTimeout)) tolerated_ = blocking;
+  tolerated_ &= blocking;
+  return blocking != tolerated_;
 }
 
 Typist::Plan Typist::planFor(std::u32string_view text, const CharacterKeys& keys, const KeyboardMap& map,
@@ -194,10 +194,10 @@ Typist::Plan Typist::planFor(std::u32string_view text, const CharacterKeys& keys
   Plan plan;
   const std::size_t capacity = spareKeys_.capacity(map);
   // Waited for once, not for each piece of a text.
-  isWithoutSpareKeys_ = capacity == 0 && (isWithoutSpareKeys_ || hasWaited(sparePatience));
+  isWithoutSpareKeys_ = capacity == 0 && (isWithoutSpareKeys_ || hasWaited(spareKeyTimeout));
   for (const char32_t character : text.substr(0, mostAtOnce)) {
     const auto chord = keys.chord(character);
-    const auto meaning = chord || isWithoutSpareKeys_ || hasWaited(stepPatience)
+    const auto meaning = chord || isWithoutSpareKeys_ || hasWaited(layoutTimeout)
                              ? std::nullopt
                              : spareMeaningOf(character, capitals.capsLock, capitals.shift);
     if (chord) plan.chords.push_back(*chord);
@@ -216,7 +216,7 @@ Typist::Plan Typist::planFor(std::u32string_view text, const CharacterKeys& keys
 }
 
 Typist::Step Typist::bindFor(const Plan& plan, const KeyboardMap& map) {
-  if (unread_ && plan.missing.size() > spareKeys_.freeCount(map)) return {.obstacle = Obstacle::strokesUnread};
+  if (unread_ && plan.missing.size() > spareKeys_.freeCount(map)) return {.blocker = Blocker::strokesUnread};
   spareKeys_.bind(map, plan.missing, plan.special);
   lastUse_ = currentTime();
   startIdleWatch();
@@ -224,30 +224,30 @@ Typist::Step Typist::bindFor(const Plan& plan, const KeyboardMap& map) {
 }
 
 /// Does what it takes for the next step. False when there should be none.
-bool Typist::overcome(Obstacle obstacle) {
-  switch (obstacle) {
-    case Obstacle::strokesUnread:
+bool Typist::resolve(Blocker blocker) {
+  switch (blocker) {
+    case Blocker::strokesUnread:
       // Better no text than a wrong one. A program that is left behind must not keep others from theirs.
       if (!waitUntilRead() && unread_->window == focus_) return false;
       unread_.reset();
       return true;
-    case Obstacle::mapUnknown:
+    case Blocker::mapUnknown:
       program_.waitUntilReady(focus_, currentTime() + noticingTime);
       return true;
-    case Obstacle::otherHands:
-    case Obstacle::noSpareKeys:
+    case Blocker::heldModifiers:
+    case Blocker::noSpareKeys:
       std::this_thread::sleep_for(retryInterval);
       return true;
-    case Obstacle::none:
+    case Blocker::none:
       return true;
-    case Obstacle::shortcuts:
-    case Obstacle::server:
+    case Blocker::shortcuts:
+    case Blocker::server:
       return false;
   }
   return false;
 }
 
-/// False when the program has not read its keys although it tells when it has: it hangs.
+/// False when the program has not read its keys although it answers pings: it hangs.
 bool Typist::waitUntilRead() {
   if (!unread_) return true;
   const bool isRead = program_.waitUntilReady(unread_->window, unread_->time + readingTime);
@@ -255,8 +255,8 @@ bool Typist::waitUntilRead() {
   return isRead;
 }
 
-bool Typist::hasWaited(std::chrono::seconds patience) const {
-  return currentTime() - lastProgress_ > patience;
+bool Typist::hasWaited(std::chrono::seconds timeout) const {
+  return currentTime() - lastProgress_ > timeout;
 }
 
 void Typist::startIdleWatch() {

@@ -67,12 +67,12 @@ class Typist {
  private:
   using Time = FocusedProgram::Time;
 
-  enum class Obstacle { none, server, otherHands, shortcuts, strokesUnread, mapUnknown, noSpareKeys };
+  enum class Blocker { none, server, heldModifiers, shortcuts, strokesUnread, mapUnknown, noSpareKeys };
 
   /// What became of the next characters of a text.
   struct Step {
     std::size_t characters = 0;  // that are done with
-    Obstacle obstacle = Obstacle::none;
+    Blocker blocker = Blocker::none;
   };
 
   /// What makes capitals of the letters on a key.
@@ -81,8 +81,8 @@ class Typist {
     bool shift = false;  // held by somebody else
   };
 
-  /// Who holds modifiers down.
-  struct Hands {
+  /// Modifiers that are down, by who holds them.
+  struct ModifierState {
     std::vector<std::uint8_t> ownKeys;  // ours, which are let go while text is typed
     KeyboardMap::Modifiers foreign = 0;
   };
@@ -107,16 +107,16 @@ class Typist {
   };
 
   Step typeSome(std::u32string_view text);
-  static Hands handsOf(const Keyboard::Reading& reading, const KeyQueue::Held& held);
-  bool isDisturbed(const Keyboard::Reading& reading, const Hands& hands);
+  static ModifierState modifierStateOf(const Keyboard::Reading& reading, const KeyQueue::Held& held);
+  bool isBlockedByModifiers(const Keyboard::Reading& reading, const ModifierState& state);
   Plan planFor(std::u32string_view text, const CharacterKeys& keys, const KeyboardMap& map, CapitalKeys capitals);
   bool isKnown(const KeyboardMap& map) const;
   Step makeKnown(KeyboardMap map, const CharacterKeys& keys, const KeyQueue::Held& held);
-  Step strike(const Plan& plan, const Hands& hands, const KeyQueue::Held& held, KeyboardMap::Modifiers locked);
+  Step strike(const Plan& plan, const ModifierState& state, const KeyQueue::Held& held, KeyboardMap::Modifiers locked);
   Step bindFor(const Plan& plan, const KeyboardMap& map);
-  bool overcome(Obstacle obstacle);
+  bool resolve(Blocker blocker);
   bool waitUntilRead();
-  bool hasWaited(std::chrono::seconds patience) const;
+  bool hasWaited(std::chrono::seconds timeout) const;
   void startIdleWatch();
   void watchIdleness(const std::stop_token& stopped);
   void giveSpareKeysBack();
