@@ -3,7 +3,7 @@
 #include "fakes/RecordingDesktop.hpp"
 #include "fakes/ScriptedScreen.hpp"
 #include "platform/linux/LinuxPlatform.hpp"
-#include "platform/linux/appearance/ThemeSettings.hpp"
+#include "platform/linux/appearance/DesktopTheme.hpp"
 #include "platform/linux/applications/DesktopWindows.hpp"
 #include "platform/linux/tray/EmbeddingTray.hpp"
 

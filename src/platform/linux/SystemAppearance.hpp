@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/appearance/ThemeSettings.hpp"
+#include "platform/linux/appearance/DesktopTheme.hpp"
 #include "ui/Appearance.hpp"
 
 #include <functional>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "catalog/Workspace.hpp"
+#include "platform/linux/appearance/IconThemeChoice.hpp"
 #include "platform/linux/applications/Launcher.hpp"
 #include "platform/linux/applications/ProgramList.hpp"
-#include "platform/linux/icons/IconThemeChoice.hpp"
 #include "platform/linux/icons/IconThemes.hpp"
 
 #include <sys/resource.h>

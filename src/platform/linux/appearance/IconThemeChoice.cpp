@@ -1,7 +1,7 @@
-#include "platform/linux/icons/IconThemeChoice.hpp"
+#include "platform/linux/appearance/IconThemeChoice.hpp"
 
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/appearance/ThemeSettings.hpp"
+#include "platform/linux/appearance/DesktopTheme.hpp"
 #include "platform/linux/files/Folders.hpp"
 #include "platform/linux/files/SmallFile.hpp"
 
