@@ -7,12 +7,12 @@
 #include "platform/linux/applications/DesktopEntries.hpp"
 #include "platform/linux/files/Folders.hpp"
 #include "platform/linux/x11/WindowSearch.hpp"
+#include "platform/linux/x11/X11Access.hpp"
 #include "platform/linux/x11/X11ActivationTokens.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Displays.hpp"
 #include "platform/linux/x11/X11EventPoster.hpp"
 #include "platform/linux/x11/X11ThemeSettings.hpp"
-#include "platform/linux/x11/X11TrustCheck.hpp"
 #include "platform/linux/x11/X11Windows.hpp"
 
 #include <gtest/gtest.h>

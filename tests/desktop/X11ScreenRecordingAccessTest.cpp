@@ -1,6 +1,6 @@
 #include "desktop/VirtualDesktop.hpp"
+#include "platform/linux/x11/X11Access.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
-#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "desktop/LeafFixture.hpp"
 #include "desktop/WaylandDesktop.hpp"
-#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
+#include "platform/linux/x11/X11Access.hpp"
 
 #include <filesystem>
 #include <optional>

@@ -1,15 +1,14 @@
 #pragma once
 
 #include "platform/linux/Backend.hpp"
+#include "platform/linux/x11/X11Access.hpp"
 #include "platform/linux/x11/X11ActivationTokens.hpp"
 #include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Displays.hpp"
 #include "platform/linux/x11/X11EventPoster.hpp"
 #include "platform/linux/x11/X11Foreground.hpp"
 #include "platform/linux/x11/X11PressWatch.hpp"
-#include "platform/linux/x11/X11ScreenRecordingAccess.hpp"
 #include "platform/linux/x11/X11ThemeSettings.hpp"
-#include "platform/linux/x11/X11TrustCheck.hpp"
 #include "platform/linux/x11/X11Windows.hpp"
 
 #include <memory>

@@ -1,7 +1,7 @@
 #include "platform/linux/x11/X11CaptureService.hpp"
 
-#include "platform/linux/x11/MonitorList.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Displays.hpp"
 #include "platform/linux/x11/capture/ScreenStream.hpp"
 
 #include <utility>

@@ -1,8 +1,8 @@
 #include "platform/linux/x11/X11PressWatch.hpp"
 
 #include "platform/linux/MainThreadCall.hpp"
-#include "platform/linux/x11/RawInput.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Extensions.hpp"
 
 #include <xcb/xinput.h>
 

@@ -2,8 +2,8 @@
 
 #include "base/Guarded.hpp"
 #include "platform/linux/applications/DesktopWindows.hpp"
-#include "platform/linux/x11/ServerTime.hpp"
 #include "platform/linux/x11/WindowList.hpp"
+#include "platform/linux/x11/X11Extensions.hpp"
 #include "platform/linux/x11/X11Properties.hpp"
 
 #include <xcb/xcb.h>

@@ -1,8 +1,7 @@
 #include "platform/linux/x11/capture/ScreenWatch.hpp"
 
-#include "platform/linux/x11/RawInput.hpp"
-#include "platform/linux/x11/ServerTime.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Extensions.hpp"
 
 #include <xcb/damage.h>
 #include <xcb/sync.h>

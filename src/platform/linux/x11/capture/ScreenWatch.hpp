@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/capture/PixelRect.hpp"
-#include "platform/linux/x11/MonitorList.hpp"
+#include "platform/linux/x11/X11Displays.hpp"
 #include "platform/linux/x11/capture/CursorOverlay.hpp"
 
 #include <xcb/xcb.h>

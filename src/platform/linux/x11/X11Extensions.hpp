@@ -3,6 +3,8 @@
 #include <xcb/sync.h>
 #include <xcb/xcb.h>
 
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace orvel {
@@ -27,5 +29,12 @@ class ServerTime {
   const X11Connection& connection_;
   const xcb_sync_counter_t counter_;  // none when the server has no such clock
 };
+
+/// The number under which the server's input extension sends its events. Nothing when it is missing, or too old to
+/// report of input also while another program has grabbed the pointer. Waits for the server. Threads: any.
+std::optional<std::uint8_t> rawInputOpcode(const X11Connection& connection);
+
+/// Has the server report raw input of these kinds from all devices, instead of those before. Threads: any.
+void selectRawInput(const X11Connection& connection, std::uint32_t events);
 
 }  // namespace orvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "input/TrustCheck.hpp"
+#include "mirror/ScreenRecordingAccess.hpp"
 
 namespace orvel {
 
@@ -26,6 +27,23 @@ class X11TrustCheck final : public TrustCheck {
   const X11Connection& connection_;
   const bool hasXTest_;
   const bool isXwayland_;
+};
+
+/// The screen may be captured when the X server shows it: found out by trying once, at the start. An X server that is
+/// only a guest of another desktop (Xwayland) has nothing of it to show. X11 has no question to put to the user.
+///
+/// Threads: any; making it waits for the server.
+class X11ScreenRecordingAccess final : public ScreenRecordingAccess {
+ public:
+  explicit X11ScreenRecordingAccess(const X11Connection& connection);
+
+  bool isGranted() override;
+  Denial denial() const override;
+  void request() override {}
+
+ private:
+  const X11Connection& connection_;
+  const bool isShown_;
 };
 
 }  // namespace orvel

@@ -1,10 +1,21 @@
-#include "platform/linux/x11/X11TrustCheck.hpp"
+#include "platform/linux/x11/X11Access.hpp"
 
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <xcb/xtest.h>
 
+#include <string>
+
 namespace orvel {
+namespace {
+
+bool showsPixels(const X11Connection& connection) {
+  const auto asked =
+      xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection.root(), 0, 0, 1, 1, ~std::uint32_t{0});
+  return awaitReply(connection, xcb_get_image_reply, asked) != nullptr;
+}
+
+}  // namespace
 
 X11TrustCheck::X11TrustCheck(const X11Connection& connection)
     : connection_(connection),
@@ -34,6 +45,27 @@ PermissionNotice X11TrustCheck::noticeOnWayland() {
           .explanation =
               "In a Wayland session Orvel can neither move the pointer nor type: log out, then log in to an X11 "
               "session."};
+}
+
+X11ScreenRecordingAccess::X11ScreenRecordingAccess(const X11Connection& connection)
+    : connection_(connection), isShown_(showsPixels(connection) && !connection.isXwayland()) {}
+
+bool X11ScreenRecordingAccess::isGranted() {
+  return isShown_ && connection_.isAlive();
+}
+
+ScreenRecordingAccess::Denial X11ScreenRecordingAccess::denial() const {
+  std::string reason =
+      "The computer's X server does not let Orvel see its screen. Start Orvel on the desktop itself, "
+      "then try again.";
+  if (!connection_.isAlive()) {
+    reason = "The computer's desktop has ended. Start Orvel there again, then try again.";
+  } else if (connection_.isXwayland()) {
+    reason =
+        "Orvel cannot share the screen of a Wayland session yet. Log in to an X11 session on the computer, then "
+        "try again.";
+  }
+  return {.onRequest = reason, .onStart = reason};
 }
 
 }  // namespace orvel

@@ -1,10 +1,18 @@
-#include "platform/linux/x11/ServerTime.hpp"
+#include "platform/linux/x11/X11Extensions.hpp"
 
 #include "platform/linux/x11/X11Connection.hpp"
 
+#include <xcb/xinput.h>
+
 #include <string_view>
+#include <utility>
 
 namespace orvel {
+namespace {
+
+constexpr std::pair<std::uint16_t, std::uint16_t> neededInputVersion{2, 1};
+
+}  // namespace
 
 xcb_sync_counter_t systemCounter(const X11Connection& connection, std::string_view name) {
   if (connection.extension(xcb_sync_id) == nullptr) return XCB_NONE;
@@ -31,6 +39,23 @@ xcb_timestamp_t ServerTime::now() const {
       awaitReply(connection_, xcb_sync_query_counter_reply, xcb_sync_query_counter(connection_.get(), counter_));
   // Timestamps are the lower half of it.
   return reply ? reply->counter_value.lo : xcb_timestamp_t{XCB_CURRENT_TIME};
+}
+
+std::optional<std::uint8_t> rawInputOpcode(const X11Connection& connection) {
+  const auto* input = connection.extension(xcb_input_id);
+  if (input == nullptr) return std::nullopt;
+  const auto asked = xcb_input_xi_query_version(connection.get(), neededInputVersion.first, neededInputVersion.second);
+  const auto version = awaitReply(connection, xcb_input_xi_query_version_reply, asked);
+  if (!version || std::pair(version->major_version, version->minor_version) < neededInputVersion) return std::nullopt;
+  return input->major_opcode;
+}
+
+void selectRawInput(const X11Connection& connection, std::uint32_t events) {
+  struct {
+    xcb_input_event_mask_t head;
+    std::uint32_t events;
+  } const selection{.head = {.deviceid = XCB_INPUT_DEVICE_ALL_MASTER, .mask_len = 1}, .events = events};
+  xcb_input_xi_select_events(connection.get(), connection.root(), 1, &selection.head);
 }
 
 }  // namespace orvel
