@@ -111,7 +111,7 @@ struct SystemAppearanceTest : testing::Test {
     return eventually([&] { return appearance->isDark() == isDark; });
   }
 
-  bool isToldOf(int count) {
+  bool isNotified(int count) {
     return eventually([&] { return changes == count; });
   }
 
@@ -138,7 +138,7 @@ TEST_F(SystemAppearanceTest, ThePortalSaysIt) {
   const Portal portal(bus.address(), 1);
   open();
   EXPECT_TRUE(becomes(true));
-  EXPECT_TRUE(isToldOf(1));
+  EXPECT_TRUE(isNotified(1));
   EXPECT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
 }
 
@@ -162,13 +162,13 @@ TEST_F(SystemAppearanceTest, ChangesOfThePortalAreFollowed) {
   ASSERT_TRUE(eventually([&] { return portal.timesAsked() == 2; }));
   portal.change(g_variant_new_uint32(2));
   EXPECT_TRUE(becomes(false));
-  EXPECT_TRUE(isToldOf(2));
+  EXPECT_TRUE(isNotified(2));
   portal.change(g_variant_new_variant(g_variant_new_uint32(1)));
   EXPECT_TRUE(becomes(true));
-  EXPECT_TRUE(isToldOf(3));
+  EXPECT_TRUE(isNotified(3));
   portal.change(g_variant_new_uint32(0));
   EXPECT_TRUE(becomes(std::nullopt));
-  EXPECT_TRUE(isToldOf(4));
+  EXPECT_TRUE(isNotified(4));
 }
 
 TEST_F(SystemAppearanceTest, APortalThatComesLaterIsAsked) {
@@ -235,19 +235,19 @@ TEST_F(SystemAppearanceTest, ChangesOfTheThemeAndTheFontAreFollowed) {
   SettingsDaemon daemon(desktop.home(), desktop.environment(),
                         "Net/ThemeName \"Breeze\"\nGtk/FontName \"Cantarell 11\"\n");
   EXPECT_TRUE(becomes(false)) << "a daemon that starts late";
-  EXPECT_TRUE(isToldOf(1));
+  EXPECT_TRUE(isNotified(1));
   daemon.write("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 11\"\n");
   EXPECT_TRUE(eventually([&] {
     daemon.reload();
     return appearance->isDark() == true;
   }));
-  EXPECT_TRUE(isToldOf(2));
+  EXPECT_TRUE(isNotified(2));
   daemon.write("Net/ThemeName \"Breeze-Dark\"\nGtk/FontName \"Cantarell 12\"\n");
   EXPECT_TRUE(eventually([&] {
     daemon.reload();
     return appearance->font() == (DesktopFont{"Cantarell", 12});
   }));
-  EXPECT_TRUE(isToldOf(3));
+  EXPECT_TRUE(isNotified(3));
   daemon.end();
   EXPECT_TRUE(becomes(std::nullopt));
   EXPECT_EQ(appearance->font(), std::nullopt);

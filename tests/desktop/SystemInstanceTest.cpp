@@ -23,7 +23,7 @@ using Texts = std::vector<std::string>;
 constexpr std::size_t megabyte = std::size_t{1} << 20;
 
 /// Sanitizers keep what was freed.
-constexpr bool memoryIsTelling = !ORVEL_SANITIZED;
+constexpr bool memoryIsMeasurable = !ORVEL_SANITIZED;
 
 struct SystemInstanceTest : testing::Test {
   ChildProcess& start(const Texts& arguments = {}, const ChildProcess::Environment& changes = {}) {
@@ -59,7 +59,7 @@ TEST_F(SystemInstanceTest, TheSecondShowsTheFirst) {
   EXPECT_EQ(first.output(), "token \nfirst\nshown \n") << "it is answered only when it has been done";
 }
 
-TEST_F(SystemInstanceTest, TheTokenIsHandedOn) {
+TEST_F(SystemInstanceTest, TheTokenIsForwarded) {
   auto& first = startFirst();
   start({"show"}, {{"XDG_ACTIVATION_TOKEN", "a-token_TIME17"}, {"DESKTOP_STARTUP_ID", "older"}}).waitForExit();
   start({"show", "at-once"}, {{"DESKTOP_STARTUP_ID", "older_TIME18"}}).waitForExit();
@@ -69,7 +69,7 @@ TEST_F(SystemInstanceTest, TheTokenIsHandedOn) {
   EXPECT_FALSE(std::any_of(programs.begin(), programs.end(), isLeft)) << "the toolkit would use it";
 }
 
-TEST_F(SystemInstanceTest, TheTokenIsHandedOnInBothItsForms) {
+TEST_F(SystemInstanceTest, TheTokenIsForwardedInBothItsForms) {
   const ActivationRecorder other(bus.address(), "app.orvel.Orvel");
   start({"show", "at-once"}, {{"XDG_ACTIVATION_TOKEN", "a-token"}}).waitForExit();
   start({"show", "at-once"}).waitForExit();
@@ -188,7 +188,7 @@ struct StrangersTest : SystemInstanceTest {
   }
 
   /// Sends a call without asking for an answer.
-  void shout(const char* method, GVariant* arguments) {
+  void sendWithoutReply(const char* method, GVariant* arguments) {
     const GLibPointer<GDBusMessage> message(
         g_dbus_message_new_method_call("app.orvel.Orvel", "/app/orvel/Orvel", "org.freedesktop.Application", method));
     g_dbus_message_set_body(message.get(), arguments);
@@ -220,7 +220,7 @@ TEST_F(StrangersTest, MayShowItInEveryWayThatDesktopsKnow) {
   EXPECT_EQ(first.output(), "token \nfirst\nshown \nshown new\nshown old\nshown opened\nshown acted\n");
 }
 
-TEST_F(StrangersTest, AreToldWhatIsWrong) {
+TEST_F(StrangersTest, GetAnErrorForWhatIsWrong) {
   const std::string invalid = "org.freedesktop.DBus.Error.InvalidArgs";
   EXPECT_EQ(call("Activate", "()"), invalid);
   EXPECT_EQ(call("Activate", "('text',)"), invalid);
@@ -251,10 +251,10 @@ TEST_F(StrangersTest, CannotBringItDownOrMakeItGrow) {
     const std::string padding(100'000, 'x');
     g_variant_builder_add(&large, "{sv}", "padding", g_variant_new_string(padding.c_str()));
     g_variant_builder_close(&large);
-    shout("Activate", g_variant_builder_end(&large));
+    sendWithoutReply("Activate", g_variant_builder_end(&large));
   }
   EXPECT_EQ(call("Activate", "(@a{sv} {},)"), "org.freedesktop.DBus.Error.LimitsExceeded");
-  EXPECT_TRUE(!memoryIsTelling || memoryOf(first) < before + 10 * megabyte) << memoryOf(first) - before;
+  EXPECT_TRUE(!memoryIsMeasurable || memoryOf(first) < before + 10 * megabyte) << memoryOf(first) - before;
   EXPECT_TRUE(first.waitForOutput("shown \n"));
   EXPECT_EQ(call("Activate", "({'activation-token': <'after'>},)"), "");
   EXPECT_TRUE(first.waitForOutput("shown after\n"));
