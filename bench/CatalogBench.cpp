@@ -8,7 +8,7 @@
 #include "platform/linux/SystemApplicationBundles.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 #include "platform/linux/x11/X11ActivationTokens.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11ThemeSettings.hpp"

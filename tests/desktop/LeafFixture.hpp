@@ -5,7 +5,7 @@
 #include "desktop/X11Witness.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 #include "platform/linux/x11/WindowSearch.hpp"
 #include "platform/linux/x11/X11Access.hpp"
 #include "platform/linux/x11/X11ActivationTokens.hpp"

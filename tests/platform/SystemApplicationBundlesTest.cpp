@@ -3,7 +3,7 @@
 #include "platform/EntryFolders.hpp"
 #include "platform/linux/SystemApplicationBundles.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

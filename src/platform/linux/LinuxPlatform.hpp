@@ -16,7 +16,7 @@
 #include "platform/linux/SystemStatusItem.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <sys/resource.h>
 

@@ -3,7 +3,7 @@
 #include "platform/ServiceName.hpp"
 #include "platform/linux/OwnedDescriptor.hpp"
 #include "platform/linux/SocketFileWatch.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <avahi-client/client.h>
 #include <avahi-client/publish.h>

@@ -2,7 +2,7 @@
 
 #include "base/UTF8.hpp"
 #include "platform/linux/bus/ApplicationObject.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <chrono>
 #include <cstdint>

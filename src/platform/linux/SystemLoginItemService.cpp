@@ -1,8 +1,7 @@
 #include "platform/linux/SystemLoginItemService.hpp"
 
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/files/Folders.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <gio/gdesktopappinfo.h>
 #include <glib.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 #include "ui/LoginItemService.hpp"
 
 #include <optional>

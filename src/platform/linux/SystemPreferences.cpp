@@ -1,6 +1,6 @@
 #include "platform/linux/SystemPreferences.hpp"
 
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 #include "platform/linux/files/TextList.hpp"
 #include "session/Preferences.hpp"
 

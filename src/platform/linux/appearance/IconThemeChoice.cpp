@@ -2,8 +2,7 @@
 
 #include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/appearance/DesktopTheme.hpp"
-#include "platform/linux/files/Folders.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <cstddef>
 

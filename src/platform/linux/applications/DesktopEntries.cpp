@@ -2,8 +2,7 @@
 
 #include "base/UTF8.hpp"
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/files/Folders.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <dirent.h>
 #include <gio/gdesktopappinfo.h>

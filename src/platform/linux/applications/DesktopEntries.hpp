@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <memory>
 #include <optional>

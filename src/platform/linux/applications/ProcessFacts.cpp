@@ -1,6 +1,6 @@
 #include "platform/linux/applications/ProcessFacts.hpp"
 
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <unistd.h>
 

@@ -3,7 +3,7 @@
 #include "platform/Platform.hpp"
 #include "platform/linux/LinuxPlatform.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 #include "platform/linux/x11/X11Backend.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 

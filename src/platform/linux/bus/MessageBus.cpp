@@ -1,6 +1,6 @@
 #include "platform/linux/bus/MessageBus.hpp"
 
-#include "platform/linux/files/Folders.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <QByteArray>
 #include <QDBusConnection>

@@ -1,6 +1,6 @@
 #include "platform/linux/icons/IconImage.hpp"
 
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <QBuffer>
 #include <QByteArray>

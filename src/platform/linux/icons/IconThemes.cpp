@@ -1,8 +1,7 @@
 #include "platform/linux/icons/IconThemes.hpp"
 
 #include "platform/linux/GLibPointer.hpp"
-#include "platform/linux/files/Folders.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <sys/stat.h>
 

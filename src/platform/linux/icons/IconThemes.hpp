@@ -1,8 +1,7 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "platform/linux/files/Folders.hpp"
-#include "platform/linux/files/SmallFile.hpp"
+#include "platform/linux/files/Files.hpp"
 
 #include <functional>
 #include <map>
