@@ -95,7 +95,7 @@ ManagedWindow windowOf(WindowID id, WindowID owner) {
   window.owner = owner;
   window.process = 1;
   window.className = "Editor";
-  window.isForPeople = true;
+  window.isApplicationWindow = true;
   window.isInTaskbar = owner == 0;
   return window;
 }

@@ -37,7 +37,7 @@ class SystemAppearance final : public Appearance {
   Guarded<DesktopTheme> theme_;
   std::function<void()> changed_;
   const std::shared_ptr<MainThreadCall> change_;
-  std::unique_ptr<PortalColorScheme> portal_;  // once somebody wants to know
+  std::unique_ptr<PortalColorScheme> portal_;  // made with the first observer
 };
 
 }  // namespace orvel

@@ -81,7 +81,7 @@ void SystemStatusItem::embed() {
   embedded_->setToolTip(name);
 }
 
-/// Some desktops tell of a double click as one click and a double one, others as two clicks: it counts once.
+/// Some desktops report a double click as one click and a double one, others as two clicks: it counts once.
 void SystemStatusItem::click() {
   const auto now = Clock::now();
   if (now - clicked_ < std::chrono::milliseconds(QApplication::doubleClickInterval())) return;

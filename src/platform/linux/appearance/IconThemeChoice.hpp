@@ -13,8 +13,8 @@ class IconThemeChoice {
  public:
   explicit IconThemeChoice(ThemeSettings& settings);
 
-  /// Its name: what KDE says on its own desktop, what the desktop tells all programs, or what GTK's own file says.
-  /// Empty when nobody has chosen any.
+  /// Its name: what KDE says on its own desktop, what the desktop publishes to all programs, or what GTK's own file
+  /// says. Empty when nobody has chosen any.
   std::string name() const;
 
  private:

@@ -17,11 +17,11 @@ using WindowID = std::uint32_t;
 struct ManagedWindow {
   WindowID id = 0;
   WindowID owner = 0;        ///< The window that this one serves, as a dialog does; else none.
-  pid_t process = 0;         ///< 0 when nobody knows it.
+  pid_t process = 0;         ///< 0 when it is unknown.
   std::string instanceName;  ///< The first of the two words of its class.
   std::string className;
   std::string gtkApplicationID;
-  bool isForPeople = false;  ///< A window to work in: no panel, menu or the like.
+  bool isApplicationWindow = false;  ///< A window to work in: no panel, menu or the like.
   bool isInTaskbar = false;
 };
 

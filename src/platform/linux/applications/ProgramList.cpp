@@ -119,7 +119,7 @@ class Grouping {
   }
 
   void add(const ManagedWindow& window) {
-    if (!window.isForPeople) return;
+    if (!window.isApplicationWindow) return;
     const ManagedWindow& main = mainWindowOf(window);
     WindowedProgram program = programOf(main);
     if (program.identifier.empty() || !isValidUTF8(program.identifier)) return;

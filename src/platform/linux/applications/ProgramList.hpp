@@ -13,12 +13,12 @@ class DesktopEntries;
 
 /// A program that has windows on the desktop.
 struct WindowedProgram {
-  std::uint64_t instance = 0;           ///< Its process, or its window where nobody knows the process.
+  std::uint64_t instance = 0;           ///< Its process, or its window where the process is unknown.
   std::string identifier;               ///< That of its desktop entry, or else the class of its windows.
   std::optional<std::string> name;      ///< In the user's language.
   std::optional<std::string> location;  ///< The path of its desktop entry.
-  bool isRegular = false;               ///< Has a window of its own that people switch to.
-  std::vector<WindowID> windows;        ///< Those for people, in the desktop's order. Never empty.
+  bool isRegular = false;               ///< Has a window of its own in the task bar.
+  std::vector<WindowID> windows;        ///< Its application windows, in the desktop's order. Never empty.
 };
 
 /// The programs whose windows the desktop manages. A process that shows windows of several programs, as an

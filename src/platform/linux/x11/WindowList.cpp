@@ -107,12 +107,12 @@ ManagedWindow WindowList::collect(const Asked& asked) const {
                        .instanceName = takeWord(words),
                        .className = takeWord(words),
                        .gtkApplicationID = textIn(await(connection_, asked.gtkApplicationID))};
-  window.isForPeople = isForPeople(types);
+  window.isApplicationWindow = isApplicationWindow(types);
   window.isInTaskbar = !contains(states, atoms_.windowStateSkipTaskbar);
   return window;
 }
 
-bool WindowList::isForPeople(const std::vector<xcb_atom_t>& types) const {
+bool WindowList::isApplicationWindow(const std::vector<xcb_atom_t>& types) const {
   if (types.empty()) return true;
   // A panel may name a normal window as what comes next to it, for window managers that know no panels.
   if (contains(types, atoms_.windowTypeDock) || contains(types, atoms_.windowTypeDesktop)) return false;

@@ -39,7 +39,7 @@ class WindowList {
 
   Asked askAbout(xcb_window_t window) const;
   ManagedWindow collect(const Asked& asked) const;
-  bool isForPeople(const std::vector<xcb_atom_t>& types) const;
+  bool isApplicationWindow(const std::vector<xcb_atom_t>& types) const;
   pid_t processOf(const Asked& asked) const;
   std::optional<std::uint32_t> number(xcb_window_t window, xcb_atom_t name) const;
 
