@@ -71,7 +71,7 @@ void X11Foreground::handle(const xcb_generic_event_t& event) {
   if (mayBeShownNow(event)) askForTime();
 }
 
-/// The server tells the time of a change, if only that of nothing to nothing: nobody has to wait for an answer.
+/// The server dates every change, also one of nothing to nothing, in an event: nobody has to wait for a reply.
 void X11Foreground::askForTime() const {
   xcb_change_property(connection_.get(), XCB_PROP_MODE_APPEND, clock_, atoms_.startupID, XCB_ATOM_STRING, 8, 0,
                       nullptr);
