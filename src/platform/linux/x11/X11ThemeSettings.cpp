@@ -10,7 +10,7 @@ namespace orvel {
 namespace {
 
 /// The selection whose owner publishes the settings.
-constexpr std::string_view selectionName = "_XSETTINGS_S0";
+constexpr std::string_view settingsSelection = "_XSETTINGS_S0";
 
 constexpr std::uint32_t watchedEvents = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
 constexpr std::uint32_t longestSettings = 65536 / 4;
@@ -93,7 +93,7 @@ std::map<std::string, std::string> parseXSettings(std::span<const std::uint8_t> 
 
 X11ThemeSettings::X11ThemeSettings(const X11Connection& connection)
     : connection_(connection),
-      selection_(namedAtom(connection.get(), selectionName)),
+      selection_(namedAtom(connection.get(), settingsSelection)),
       announcement_(namedAtom(connection.get(), "MANAGER")) {}
 
 DesktopTheme X11ThemeSettings::read() {

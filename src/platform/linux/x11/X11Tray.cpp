@@ -12,7 +12,7 @@ namespace orvel {
 namespace {
 
 /// The toolkit follows the first screen alone.
-constexpr std::string_view selectionName = "_NET_SYSTEM_TRAY_S0";
+constexpr std::string_view traySelection = "_NET_SYSTEM_TRAY_S0";
 
 constexpr std::uint32_t requestToDock = 0;
 constexpr std::uint8_t translucentDepth = 32;
@@ -34,7 +34,7 @@ X11Tray::X11Tray(std::function<void()> changed) : changed_(std::move(changed)) {
   const auto* toolkit = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (toolkit == nullptr) return;
   connection_ = toolkit->connection();
-  selection_ = namedAtom(connection_, selectionName);
+  selection_ = namedAtom(connection_, traySelection);
   manager_ = namedAtom(connection_, "MANAGER");
   const auto asked = xcb_get_selection_owner(connection_, selection_);
   const auto reply = awaitReply(connection_, xcb_get_selection_owner_reply, asked);
