@@ -1,7 +1,7 @@
 #include "bench/RealServer.hpp"
 
 #include "app/ServerHub.hpp"
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "bench/RestlessScreen.hpp"
 #include "bench/ServerProcess.hpp"

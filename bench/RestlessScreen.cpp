@@ -1,6 +1,6 @@
 #include "bench/RestlessScreen.hpp"
 
-#include "mirror/CapturedFrame.hpp"
+#include "mirror/CaptureService.hpp"
 
 #include <condition_variable>
 #include <cstddef>

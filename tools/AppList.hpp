@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalog/AppEntry.hpp"
+#include "catalog/AppCatalog.hpp"
 #include "tools/PhoneResult.hpp"
 
 #include <boost/json/object.hpp>

@@ -1,6 +1,5 @@
 #include "tools/TypedText.hpp"
 
-#include "base/Chunked.hpp"
 #include "base/UTF8.hpp"
 #include "tools/PhoneFrames.hpp"
 

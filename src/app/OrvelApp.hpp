@@ -5,7 +5,7 @@
 #include "app/HelperDelegate.hpp"
 #include "app/PanelService.hpp"
 #include "app/ShutdownWatchdog.hpp"
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "catalog/AppCatalog.hpp"
 #include "input/CursorSnap.hpp"

@@ -18,4 +18,11 @@ class Clock {
   virtual void sleep(Seconds duration) = 0;
 };
 
+/// The computer's own steady clock. Threads: any.
+class SystemClock final : public Clock {
+ public:
+  Seconds now() const override;
+  void sleep(Seconds duration) override;
+};
+
 }  // namespace orvel

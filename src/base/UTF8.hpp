@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orvel {
 
@@ -16,5 +18,9 @@ std::string wellFormedUTF8(std::string_view bytes);
 
 /// `text` without the blanks, tabs and line ends around it. Threads: any.
 std::string_view trimmed(std::string_view text);
+
+/// Splits `text`, which is UTF-8, into consecutive pieces of `count` characters as people see them (grapheme clusters);
+/// the last may be shorter. An empty text has no pieces. The pieces are views of `text`. Threads: any.
+std::vector<std::string_view> chunked(std::string_view text, std::size_t count);
 
 }  // namespace orvel

@@ -31,6 +31,10 @@ std::string nameOf(const ApplicationBundle& bundle, std::string_view entryWithou
 
 }  // namespace
 
+boost::json::object AppEntry::json() const {
+  return {{"id", id}, {"name", name}, {"running", running}};
+}
+
 AppCatalog::AppCatalog(Workspace& workspace, ApplicationBundles& bundles) : workspace_(workspace), bundles_(bundles) {}
 
 std::vector<AppEntry> AppCatalog::snapshot() {

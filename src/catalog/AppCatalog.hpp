@@ -1,7 +1,8 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "catalog/AppEntry.hpp"
+
+#include <boost/json/object.hpp>
 
 #include <optional>
 #include <set>
@@ -14,6 +15,18 @@ namespace orvel {
 class ApplicationBundles;
 class Workspace;
 struct RunningApplication;
+
+/// One application as the phone sees it. Threads: as any value.
+struct AppEntry {
+  std::string id;        ///< Its bundle identifier, unique within one snapshot.
+  std::string name;      ///< To be shown to people.
+  bool running = false;  ///< Whether it came from the list of running programs.
+
+  /// As JSON: "id", "name", "running".
+  boost::json::object json() const;
+
+  friend bool operator==(const AppEntry&, const AppEntry&) = default;
+};
 
 /// The launcher's view of the computer: its applications, their icons, and the means to start and to end them.
 ///

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Guarded.hpp"
-#include "input/InputEvent.hpp"
+#include "input/EventPoster.hpp"
 
 #include <cstdint>
 #include <map>

@@ -1,6 +1,5 @@
 #include "input/KeyboardDriver.hpp"
 
-#include "base/Chunked.hpp"
 #include "base/Clock.hpp"
 #include "base/UTF8.hpp"
 #include "input/EventPoster.hpp"

@@ -5,7 +5,7 @@
 #include "base/Geometry.hpp"
 #include "base/Guarded.hpp"
 #include "base/RepeatingTimer.hpp"
-#include "input/InputEvent.hpp"
+#include "input/EventPoster.hpp"
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,6 @@
 #include "mirror/ScreenMirror.hpp"
 
 #include "mirror/CaptureService.hpp"
-#include "mirror/CapturedFrame.hpp"
 #include "mirror/JPEGEncoder.hpp"
 #include "mirror/ScreenRecordingAccess.hpp"
 

@@ -4,7 +4,7 @@
 #include "base/Geometry.hpp"
 #include "base/Guarded.hpp"
 #include "base/SharedBytes.hpp"
-#include "mirror/CaptureStream.hpp"
+#include "mirror/CaptureService.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,8 +16,6 @@
 
 namespace orvel {
 
-class CaptureService;
-class CapturedFrame;
 class JPEGEncoder;
 class ScreenRecordingAccess;
 

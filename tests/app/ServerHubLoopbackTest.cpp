@@ -1,6 +1,6 @@
 #include "app/ServerHub.hpp"
+#include "base/Clock.hpp"
 #include "base/Guarded.hpp"
-#include "base/SystemClock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "fakes/RecordingDesktop.hpp"
 #include "fakes/Rules.hpp"

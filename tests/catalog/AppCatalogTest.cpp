@@ -1,6 +1,7 @@
 #include "catalog/AppCatalog.hpp"
 #include "fakes/FakeComputer.hpp"
 
+#include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unicode/locid.h>
@@ -289,6 +290,11 @@ TEST_F(AppCatalogTest, QuittingWhatDoesNotRunDoesNothing) {
   catalog.snapshot();
   catalog.quit("editor");
   EXPECT_THAT(computer.terminated, IsEmpty());
+}
+
+TEST(AppEntry, HasThreeKeysInThisOrder) {
+  const AppEntry entry{"org.example.Editor", "\"Ed\"", true};
+  EXPECT_EQ(boost::json::serialize(entry.json()), R"({"id":"org.example.Editor","name":"\"Ed\"","running":true})");
 }
 
 }  // namespace

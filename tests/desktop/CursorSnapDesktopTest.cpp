@@ -1,4 +1,4 @@
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "desktop/AccessibleFixture.hpp"
 #include "input/CursorSnap.hpp"

@@ -1,6 +1,6 @@
 #include "desktop/FrameReceiver.hpp"
 
-#include "mirror/CapturedFrame.hpp"
+#include "mirror/CaptureService.hpp"
 
 #include <unistd.h>
 

@@ -2,7 +2,7 @@
 
 #include "desktop/Patience.hpp"
 #include "desktop/Picture.hpp"
-#include "mirror/CaptureStream.hpp"
+#include "mirror/CaptureService.hpp"
 
 #include <sys/types.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/SharedBytes.hpp"
-#include "mirror/PixelBuffer.hpp"
+#include "mirror/JPEGEncoder.hpp"
 
 #include <cstddef>
 #include <cstdint>

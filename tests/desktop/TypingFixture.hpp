@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 #include "base/UTF8.hpp"
 #include "desktop/LeafFixture.hpp"
 #include "desktop/TypingProgram.hpp"

@@ -2,7 +2,6 @@
 
 #include "base/Executor.hpp"
 #include "mirror/CaptureService.hpp"
-#include "mirror/CapturedFrame.hpp"
 #include "mirror/JPEGEncoder.hpp"
 #include "mirror/ScreenRecordingAccess.hpp"
 

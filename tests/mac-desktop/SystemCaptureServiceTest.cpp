@@ -1,4 +1,4 @@
-#include "mirror/CapturedFrame.hpp"
+#include "mirror/CaptureService.hpp"
 #include "platform/macos/SystemCaptureService.hpp"
 #include "platform/macos/SystemJPEGEncoder.hpp"
 #include "platform/macos/SystemScreenRecordingAccess.hpp"

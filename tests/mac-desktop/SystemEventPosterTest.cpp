@@ -1,4 +1,4 @@
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 #include "platform/macos/SystemDisplays.hpp"
 #include "platform/macos/SystemEventPoster.hpp"
 #include "platform/macos/SystemTrustCheck.hpp"

@@ -1,5 +1,5 @@
 #include "CaptureTest.hpp"
-#include "mirror/CapturedFrame.hpp"
+#include "mirror/CaptureService.hpp"
 #include "platform/macos/SystemCaptureService.hpp"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "catalog/AppEntry.hpp"
+#include "catalog/AppCatalog.hpp"
 #include "program/LoginFixture.hpp"
 
 #include <gmock/gmock.h>

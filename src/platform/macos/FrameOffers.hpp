@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mirror/CaptureStream.hpp"
+#include "mirror/CaptureService.hpp"
 #include "platform/macos/CFPointer.hpp"
 
 #import <ScreenCaptureKit/ScreenCaptureKit.h>

@@ -1,6 +1,6 @@
 #include "platform/macos/FrameOffers.hpp"
 
-#include "mirror/CapturedFrame.hpp"
+#include "mirror/CaptureService.hpp"
 
 #include <optional>
 #include <utility>

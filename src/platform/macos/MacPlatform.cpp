@@ -1,4 +1,4 @@
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 #include "platform/Platform.hpp"
 #include "platform/macos/CFPointer.hpp"
 #include "platform/macos/ProcessSetup.hpp"

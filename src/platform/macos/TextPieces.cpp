@@ -1,6 +1,5 @@
 #include "platform/macos/TextPieces.hpp"
 
-#include "base/Chunked.hpp"
 #include "base/UTF8.hpp"
 #include "platform/macos/NativeText.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mirror/PixelBuffer.hpp"
+#include "mirror/JPEGEncoder.hpp"
 
 #include <cstdint>
 #include <memory>

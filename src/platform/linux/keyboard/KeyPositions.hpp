@@ -1,6 +1,6 @@
 #pragma once
 
-#include "input/InputEvent.hpp"
+#include "input/EventPoster.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,6 @@
 #include "platform/linux/x11/capture/ScreenStream.hpp"
 
-#include "mirror/CaptureStream.hpp"
-#include "mirror/CapturedFrame.hpp"
+#include "mirror/CaptureService.hpp"
 #include "platform/linux/OwnedDescriptor.hpp"
 #include "platform/linux/capture/FramePace.hpp"
 #include "platform/linux/x11/X11Connection.hpp"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mirror/PixelBuffer.hpp"
+#include "mirror/JPEGEncoder.hpp"
 #include "platform/linux/capture/FrameScaler.hpp"
 #include "platform/linux/capture/PixelRect.hpp"
 #include "platform/linux/x11/capture/CursorOverlay.hpp"

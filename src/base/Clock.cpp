@@ -1,4 +1,4 @@
-#include "base/SystemClock.hpp"
+#include "base/Clock.hpp"
 
 #include <thread>
 
