@@ -8,8 +8,8 @@
 #include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "session/ControlMessage.hpp"
+#include "session/Network.hpp"
 #include "session/NetworkThread.hpp"
-#include "session/Transport.hpp"
 
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>

@@ -5,7 +5,6 @@
 #include "input/TrustCheck.hpp"
 #include "platform/Platform.hpp"
 #include "session/Machine.hpp"
-#include "session/NetworkInfo.hpp"
 #include "ui/Foreground.hpp"
 #include "ui/MainLoop.hpp"
 

@@ -4,7 +4,7 @@
 #include "app/ConsoleStatus.hpp"
 #include "app/HelperDelegate.hpp"
 #include "app/PanelService.hpp"
-#include "app/ShutdownWatchdog.hpp"
+#include "app/Termination.hpp"
 #include "base/Clock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "catalog/AppCatalog.hpp"

@@ -1,10 +1,8 @@
 #include "app/PairCommand.hpp"
 
-#include "app/PairingPayload.hpp"
 #include "app/ServerHub.hpp"
 #include "platform/Platform.hpp"
 #include "session/Machine.hpp"
-#include "session/NetworkInfo.hpp"
 #include "session/PairingStore.hpp"
 #include "session/Preferences.hpp"
 #include "ui/QRMaker.hpp"

@@ -4,7 +4,7 @@
 #include "base/Executor.hpp"
 #include "input/PermissionGate.hpp"
 #include "input/TrustCheck.hpp"
-#include "session/NetworkInfo.hpp"
+#include "session/Machine.hpp"
 #include "session/PairingStore.hpp"
 
 #include <utility>

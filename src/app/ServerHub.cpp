@@ -1,12 +1,14 @@
 #include "app/ServerHub.hpp"
 
-#include "app/PairingPayload.hpp"
 #include "input/PermissionGate.hpp"
 #include "session/Advertiser.hpp"
 #include "session/ClientSession.hpp"
 #include "session/Machine.hpp"
+#include "session/PairingStore.hpp"
 
 #include <boost/functional/hash.hpp>
+#include <boost/json/object.hpp>
+#include <boost/json/serialize.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -14,6 +16,7 @@
 namespace orvel {
 namespace {
 
+constexpr int payloadVersion = 1;
 constexpr Seconds permissionInterval{1.5};
 constexpr Seconds keepAliveIdle{10};
 constexpr std::size_t maximumMessageSize = 8'388'608;
@@ -27,6 +30,14 @@ std::string wordingOf(const std::error_code& error) {
 }
 
 }  // namespace
+
+std::string pairingPayload(const Machine& machine, PairingStore& pairing, std::uint16_t port) {
+  return boost::json::serialize(boost::json::object{{"v", payloadVersion},
+                                                    {"host", NetworkInfo::localAddress(machine).value_or("")},
+                                                    {"port", port},
+                                                    {"token", pairing.token()},
+                                                    {"name", displayName(machine)}});
+}
 
 std::shared_ptr<ServerHub> ServerHub::make(const Dependencies& dependencies, std::uint16_t port) {
   std::shared_ptr<ServerHub> hub(new ServerHub(dependencies, port));

@@ -2,8 +2,8 @@
 
 #include "base/Guarded.hpp"
 #include "base/RepeatingTimer.hpp"
-#include "session/Listener.hpp"
-#include "session/SessionHub.hpp"
+#include "session/ClientSession.hpp"
+#include "session/Network.hpp"
 
 #include <boost/container_hash/hash.hpp>
 #include <boost/uuid/uuid_hash.hpp>
@@ -20,8 +20,8 @@
 namespace orvel {
 
 class Advertiser;
-class ClientSession;
-struct SessionServices;
+class Machine;
+class PairingStore;
 
 /// What the hub tells its observers.
 struct HubState {
@@ -33,6 +33,9 @@ struct HubState {
 
   friend bool operator==(const HubState&, const HubState&) = default;
 };
+
+/// The JSON text that the pairing QR code encodes. Threads: any.
+std::string pairingPayload(const Machine& machine, PairingStore& pairing, std::uint16_t port);
 
 /// Owns the listener and the sessions, watches the permission, and publishes the state of it all.
 ///

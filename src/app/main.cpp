@@ -1,7 +1,7 @@
 #include "app/CommandLine.hpp"
 #include "app/OrvelApp.hpp"
 #include "app/PairCommand.hpp"
-#include "app/TerminationSignals.hpp"
+#include "app/Termination.hpp"
 #include "base/Guarded.hpp"
 #include "platform/Instance.hpp"
 #include "platform/Platform.hpp"

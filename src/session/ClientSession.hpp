@@ -6,20 +6,21 @@
 #include "input/FrameDecoder.hpp"
 #include "input/HeldKeys.hpp"
 #include "mirror/ScreenMirror.hpp"
-#include "session/PendingMessages.hpp"
-#include "session/SessionHub.hpp"
-#include "session/Transport.hpp"
+#include "session/Network.hpp"
 
 #include <boost/json/object.hpp>
+#include <boost/uuid/uuid.hpp>
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvel {
@@ -37,6 +38,27 @@ class ScreenRecordingAccess;
 class TrustCheck;
 struct ControlMessage;
 
+using SessionID = boost::uuids::uuid;
+
+/// What a session needs of the hub that made it. Threads: any.
+class SessionHub {
+ public:
+  virtual ~SessionHub() = default;
+
+  /// Announces the names of the connected phones anew.
+  virtual void publishClients() = 0;
+
+  /// The session's phone has left, but what it had sent is still to be done: counts it no more among the phones, and
+  /// keeps it until it leaves. False when it is not known, or when too many do so already.
+  virtual bool linger(const SessionID& id) = 0;
+
+  /// Forgets the session. Harmless when it is not known.
+  virtual void leave(const SessionID& id) = 0;
+
+  /// Says whether a phone sees the screen.
+  virtual void setMirroring(bool on) = 0;
+};
+
 /// What all sessions share.
 struct SessionServices {
   AppCatalog& apps;
@@ -53,6 +75,51 @@ struct SessionServices {
   ScreenRecordingAccess& recording;
   CursorSnap& snap;
   TrustCheck& trust;
+};
+
+/// Messages of a phone that were read but must wait, in the order of arrival, and how much memory they take.
+///
+/// Threads: one at a time.
+class PendingMessages {
+ public:
+  struct Item {
+    MessageType type = MessageType::text;
+    std::string payload;
+
+    /// The bytes that it takes, about.
+    std::size_t cost() const { return sizeof(Item) + payload.size(); }
+
+    Message message() const {
+      return {.type = type, .payload = {reinterpret_cast<const std::uint8_t*>(payload.data()), payload.size()}};
+    }
+  };
+
+  bool empty() const { return items_.empty(); }
+
+  /// The bytes that all of them take, about.
+  std::size_t cost() const { return cost_; }
+
+  void push(const Message& message) {
+    items_.push_back({message.type, std::string(message.payload.begin(), message.payload.end())});
+    cost_ += items_.back().cost();
+  }
+
+  /// Takes out the oldest; there must be one.
+  Item pop() {
+    Item oldest = std::move(items_.front());
+    items_.pop_front();
+    cost_ -= oldest.cost();
+    return oldest;
+  }
+
+  void clear() {
+    items_.clear();
+    cost_ = 0;
+  }
+
+ private:
+  std::deque<Item> items_;
+  std::size_t cost_ = 0;
 };
 
 /// One connected phone: greets it, checks its proof, and carries out what it sends.

@@ -35,4 +35,12 @@ class Machine {
 /// The name to show for this computer: the localized one, else the host name. Never empty.
 std::string displayName(const Machine& machine);
 
+namespace NetworkInfo {
+
+/// The dotted-quad IPv4 address under which phones on the local network reach this computer, or nothing when it is
+/// on no network. Threads: any.
+std::optional<std::string> localAddress(const Machine& machine);
+
+}  // namespace NetworkInfo
+
 }  // namespace orvel

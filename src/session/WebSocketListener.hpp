@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/Listener.hpp"
+#include "session/Network.hpp"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/Transport.hpp"
+#include "session/Network.hpp"
 
 #include <boost/asio/basic_stream_socket.hpp>
 #include <boost/asio/io_context.hpp>

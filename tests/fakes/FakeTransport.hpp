@@ -1,8 +1,7 @@
 #pragma once
 
 #include "fakes/FakeClock.hpp"
-#include "session/Listener.hpp"
-#include "session/Transport.hpp"
+#include "session/Network.hpp"
 
 #include <boost/json/parse.hpp>
 

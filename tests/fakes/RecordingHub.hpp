@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/SessionHub.hpp"
+#include "session/ClientSession.hpp"
 
 #include <functional>
 #include <vector>

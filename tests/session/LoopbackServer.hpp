@@ -1,9 +1,8 @@
 #pragma once
 
-#include "session/Listener.hpp"
+#include "session/Network.hpp"
 #include "session/NetworkThread.hpp"
 #include "session/SocketTuner.hpp"
-#include "session/Transport.hpp"
 
 #include <atomic>
 #include <chrono>

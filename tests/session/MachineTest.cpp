@@ -1,5 +1,5 @@
 #include "fakes/FakeMachine.hpp"
-#include "session/NetworkInfo.hpp"
+#include "session/Machine.hpp"
 
 #include <gtest/gtest.h>
 

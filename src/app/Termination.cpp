@@ -1,13 +1,23 @@
-#include "app/TerminationSignals.hpp"
+#include "app/Termination.hpp"
+
+#include "platform/Platform.hpp"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
 
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <thread>
 #include <utility>
 
 namespace orvel {
+namespace {
+
+constexpr std::chrono::seconds desktopTimeout{3};
+constexpr std::chrono::seconds processTimeout{2};
+
+}  // namespace
 
 struct TerminationSignals::Watch {
   explicit Watch(std::function<void()> handler) {
@@ -34,5 +44,21 @@ TerminationSignals::TerminationSignals(std::function<void()> handler)
     : watch_(std::make_unique<Watch>(std::move(handler))) {}
 
 TerminationSignals::~TerminationSignals() = default;
+
+ShutdownWatchdog::~ShutdownWatchdog() {
+  ended_.release();
+  if (thread_.joinable()) thread_.join();
+}
+
+void ShutdownWatchdog::begin(int exitCode) {
+  if (begun_.test_and_set()) return;
+  thread_ = std::thread([this, exitCode] { waitForEnd(exitCode); });
+}
+
+void ShutdownWatchdog::waitForEnd(int exitCode) {
+  if (ended_.try_acquire_for(desktopTimeout)) return;
+  platform_.giveUp();
+  if (!ended_.try_acquire_for(processTimeout)) std::_Exit(exitCode);
+}
 
 }  // namespace orvel
