@@ -6,7 +6,6 @@
 #include "session/PairingStore.hpp"
 #include "session/Preferences.hpp"
 #include "ui/QRMaker.hpp"
-#include "ui/QRText.hpp"
 
 #include <unistd.h>
 

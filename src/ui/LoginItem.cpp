@@ -1,7 +1,5 @@
 #include "ui/LoginItem.hpp"
 
-#include "ui/LoginItemService.hpp"
-
 namespace orvel {
 
 bool LoginItem::isEnabled() const {

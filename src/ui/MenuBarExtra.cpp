@@ -7,7 +7,6 @@
 #include "ui/PanelWindow.hpp"
 #include "ui/PressWatch.hpp"
 #include "ui/StatusItem.hpp"
-#include "ui/ToolkitGeometry.hpp"
 
 #include <QApplication>
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "ui/PanelAccessibility.hpp"
 
-#include "ui/QRView.hpp"
+#include "ui/Widgets.hpp"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

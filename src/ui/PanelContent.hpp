@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/QRImage.hpp"
+#include "ui/QRMaker.hpp"
 #include "ui/Symbol.hpp"
 
 #include <optional>

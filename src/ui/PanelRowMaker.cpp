@@ -1,12 +1,8 @@
 #include "ui/PanelRowMaker.hpp"
 
-#include "ui/CopyableText.hpp"
-#include "ui/Drawing.hpp"
-#include "ui/NameLabel.hpp"
 #include "ui/PanelAccessibility.hpp"
-#include "ui/QRView.hpp"
 #include "ui/SymbolImage.hpp"
-#include "ui/ToggleSwitch.hpp"
+#include "ui/Widgets.hpp"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,10 +1,8 @@
 #include "ui/PanelWindow.hpp"
 
 #include "ui/PanelLook.hpp"
-#include "ui/PanelPlacement.hpp"
 #include "ui/PanelView.hpp"
-#include "ui/QRView.hpp"
-#include "ui/ToolkitGeometry.hpp"
+#include "ui/Widgets.hpp"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -35,7 +33,16 @@ Qt::WindowFlags flagsOf(PanelWindow::Kind kind) {
   return Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
 }
 
+Rect rectOf(const QRect& rect) {
+  return {{static_cast<double>(rect.x()), static_cast<double>(rect.y())},
+          {static_cast<double>(rect.width()), static_cast<double>(rect.height())}};
+}
+
 }  // namespace
+
+PanelPlacement::Monitor monitorOf(const QScreen& screen) {
+  return {.whole = rectOf(screen.geometry()), .free = rectOf(screen.availableGeometry())};
+}
 
 PanelWindow::PanelWindow(Kind kind, PanelHost& host, LoginItem& loginItem, const Appearance& appearance,
                          Handlers handlers)

@@ -3,6 +3,7 @@
 #include "base/Geometry.hpp"
 #include "ui/Foreground.hpp"
 #include "ui/PanelModel.hpp"
+#include "ui/PanelPlacement.hpp"
 
 #include <QColor>
 #include <QDialog>
@@ -10,12 +11,16 @@
 #include <cstdint>
 #include <functional>
 
+class QScreen;
 class QScrollArea;
 
 namespace orvel {
 
 class Appearance;
 class PanelView;
+
+/// The screen as a place for the panel, in the toolkit's units.
+PanelPlacement::Monitor monitorOf(const QScreen& screen);
 
 /// The small window in which the panel is open: without a frame beside the icon, or as a normal window where there is
 /// no icon. While it is open it looks every now and then whether what it shows still holds, for a network or an entry

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/LoginItemService.hpp"
+#include "ui/LoginItem.hpp"
 
 namespace orvel {
 

@@ -1,13 +1,12 @@
 #include "fakes/FakeLoginItemService.hpp"
 #include "fakes/FakePanelDesktop.hpp"
 #include "fakes/FakePanelHost.hpp"
-#include "ui/Drawing.hpp"
 #include "ui/LoginItem.hpp"
 #include "ui/PanelModel.hpp"
 #include "ui/PanelView.hpp"
 #include "ui/PanelWidgets.hpp"
 #include "ui/QRMaker.hpp"
-#include "ui/QRView.hpp"
+#include "ui/Widgets.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/files/Files.hpp"
-#include "ui/LoginItemService.hpp"
+#include "ui/LoginItem.hpp"
 
 #include <optional>
 #include <string>
