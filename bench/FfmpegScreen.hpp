@@ -32,7 +32,7 @@ class FfmpegScreen {
 
   Descriptor images_;
   std::optional<ChildProcess> program_;
-  std::string read_;  // not yet told of
+  std::string read_;  // not yet reported
 };
 
 }  // namespace orvel::bench

@@ -52,7 +52,7 @@ std::string hostToken(const VirtualDesktop& desktop) {
   constexpr std::string_view label = "Code:";
   const std::string said = runHost(desktop, "--pair");
   const std::size_t start = said.find(label);
-  if (start == std::string::npos) throw std::runtime_error("the host tells no code");
+  if (start == std::string::npos) throw std::runtime_error("the host prints no code");
   // A QR code may follow on the lines below.
   const std::size_t begin = start + label.size();
   std::string token = said.substr(begin, said.find('\n', begin) - begin);

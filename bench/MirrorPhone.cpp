@@ -8,7 +8,7 @@ namespace {
 
 using phone::Seconds;
 
-constexpr Seconds patience{10};
+constexpr Seconds timeout{10};
 
 template <class Value>
 Value valueOf(phone::Result<Value> result) {
@@ -17,8 +17,8 @@ Value valueOf(phone::Result<Value> result) {
 }
 
 phone::PhoneClient pairedClient(std::uint16_t port, std::string_view token) {
-  auto client = valueOf(phone::PhoneClient::connect("127.0.0.1", port, patience));
-  valueOf(client.pair(token, "Phone", patience));
+  auto client = valueOf(phone::PhoneClient::connect("127.0.0.1", port, timeout));
+  valueOf(client.pair(token, "Phone", timeout));
   return client;
 }
 
@@ -27,11 +27,11 @@ phone::PhoneClient pairedClient(std::uint16_t port, std::string_view token) {
 MirrorPhone::MirrorPhone(std::uint16_t port, std::string_view token) : client_(pairedClient(port, token)) {}
 
 phone::MirrorSize MirrorPhone::start(const phone::MirrorWish& wish) {
-  return valueOf(mirror_.start(wish, patience));
+  return valueOf(mirror_.start(wish, timeout));
 }
 
 phone::MirrorFrame MirrorPhone::next() {
-  return valueOf(mirror_.next(patience));
+  return valueOf(mirror_.next(timeout));
 }
 
 std::size_t MirrorPhone::countFor(std::chrono::duration<double> time) {
@@ -50,7 +50,7 @@ std::size_t MirrorPhone::countFor(std::chrono::duration<double> time) {
 }
 
 void MirrorPhone::stop() {
-  if (const auto failure = mirror_.stop(patience)) throw std::runtime_error("a phone: " + failure->text);
+  if (const auto failure = mirror_.stop(timeout)) throw std::runtime_error("a phone: " + failure->text);
 }
 
 }  // namespace orvel::bench

@@ -29,7 +29,7 @@ Onlooker::Onlooker(const std::string& display)
     : connection_(xcb_connect(display.c_str(), nullptr)),
       root_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root) {
   const auto* damage = xcb_get_extension_data(connection_, &xcb_damage_id);
-  if (damage == nullptr || damage->present == 0) throw std::runtime_error("the server does not tell what is drawn");
+  if (damage == nullptr || damage->present == 0) throw std::runtime_error("the server does not report what is drawn");
   drawn_ = damage->first_event;
   const Answer<xcb_damage_query_version_reply_t> version(xcb_damage_query_version_reply(
       connection_, xcb_damage_query_version(connection_, XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION), nullptr));

@@ -11,8 +11,8 @@
 
 namespace orvel::bench {
 
-/// A person before the screen: sees when a part of it looks otherwise, and has a mouse and a keyboard. The server tells
-/// it of everything that is drawn, so looking costs the programs nothing while they draw nothing.
+/// A person before the screen: sees when a part of it looks otherwise, and has a mouse and a keyboard. The server
+/// reports everything that is drawn, so looking costs the programs nothing while they draw nothing.
 ///
 /// Threads: one at a time.
 class Onlooker {

@@ -28,7 +28,7 @@ constexpr std::size_t largestMessage = 65536;
 class TrustingTuner final : public SocketTuner {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override { return tuner_.enableKeepAlive(socket, idle); }
-  Delivery delivery(int socket, Seconds patience) override { return tuner_.delivery(socket, patience); }
+  Delivery delivery(int socket, Seconds timeout) override { return tuner_.delivery(socket, timeout); }
   bool hasHungUp(int) override { return false; }
   Backlog backlog(int) override { return {}; }
 

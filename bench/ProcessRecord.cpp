@@ -27,7 +27,7 @@ std::int64_t numberIn(const std::map<std::string, std::string>& fields, const st
   const auto found = fields.find(key);
   std::int64_t number = 0;
   if (found == fields.end() || !(std::istringstream(found->second) >> number)) {
-    throw std::runtime_error("the kernel does not tell " + key);
+    throw std::runtime_error("the kernel does not report " + key);
   }
   return number;
 }

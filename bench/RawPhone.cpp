@@ -17,7 +17,7 @@
 namespace orvel::bench {
 namespace {
 
-constexpr timeval patience{10, 0};
+constexpr timeval timeout{10, 0};
 constexpr std::uint8_t finalFlag = 0x80;
 constexpr std::uint8_t maskFlag = 0x80;
 constexpr std::uint8_t textOpcode = 1;
@@ -50,7 +50,7 @@ RawPhone::RawPhone(std::uint16_t port) : socket_(connectTo(port)) {
   if (!socket_.isOpen()) throw std::runtime_error("a phone could not connect");
   constexpr int yes = 1;
   setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-  setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
   openWebSocket();
 }
 

@@ -46,7 +46,7 @@ class Stream final : public CaptureStream {
   void run(const std::stop_token& stop) {
     for (int number = 0; !stop.stop_requested(); ++number) {
       Frame frame(partOfScenery(number));
-      if (handlers_.frame(frame) == FrameAnswer::waits) awaitResume(stop);
+      if (handlers_.frame(frame) == FrameAnswer::blocked) awaitResume(stop);
     }
   }
 

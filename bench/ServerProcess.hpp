@@ -8,15 +8,15 @@
 
 namespace orvel::bench {
 
-/// What a server tells of itself, in memory that it shares with the benchmark.
+/// What a server reports of itself, in memory that it shares with the benchmark.
 struct Tally {
   std::atomic<std::uint16_t> port = 0;  ///< Set once it listens.
   std::atomic<std::int64_t> dx = 0;     ///< The sums of all motion that it was sent.
   std::atomic<std::int64_t> dy = 0;
 };
 
-/// A server in a process of its own, so that its processor time is told apart from that of its phones. Killed with this
-/// object, and with the benchmark.
+/// A server in a process of its own, so that its processor time is measured apart from that of its phones. Killed with
+/// this object, and with the benchmark.
 ///
 /// Threads: one at a time; made before the benchmark has any other thread.
 class ServerProcess {

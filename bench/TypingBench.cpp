@@ -27,7 +27,7 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::size_t pageLength = 2000;
 constexpr int pages = extent(10, 2);
-constexpr phone::Seconds phonePatience{10};
+constexpr phone::Seconds phoneTimeout{10};
 constexpr Milliseconds limit{1000};
 constexpr std::uint8_t letterA = 38;
 constexpr int leftShift = 50;
@@ -61,7 +61,7 @@ class Course {
 };
 
 void Course::run() {
-  if (!phone_.pair(hostToken(desktop_), "Phone", phonePatience)) throw std::runtime_error("the host lets no phone in");
+  if (!phone_.pair(hostToken(desktop_), "Phone", phoneTimeout)) throw std::runtime_error("the host lets no phone in");
   for (int i = 0; i < pages; ++i) {
     typePage();
     postDirectly();
@@ -69,7 +69,7 @@ void Course::run() {
 }
 
 phone::PhoneClient Course::connect() {
-  auto client = phone::PhoneClient::connect("127.0.0.1", hostPort, phonePatience);
+  auto client = phone::PhoneClient::connect("127.0.0.1", hostPort, phoneTimeout);
   if (!client) throw std::runtime_error(client.error().text);
   return std::move(*client);
 }

@@ -11,7 +11,7 @@
 namespace orvel::phone {
 
 /// A window of the X server that shows a time strip and, on demand, something detailed that moves. It stands above the
-/// other windows where it was told to, whatever the window manager thinks of it.
+/// other windows where it was asked to, whatever the window manager thinks of it.
 ///
 /// Threads: one at a time.
 class ClockWindow {

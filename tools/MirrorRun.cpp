@@ -47,7 +47,7 @@ Failure MirrorRun::watch() {
     if (now >= firstFrame && statistics_->frames() == 0) return withoutFrames();
     if (now >= end) return std::nullopt;
     if (now >= nextLine) {
-      viewer_.tell(statistics_->line(now));
+      viewer_.report(statistics_->line(now));
       nextLine = after(pace_.line);
     }
     if (auto failure = awaitFrame(std::min<Seconds>(viewerPause, end - now))) return failure;

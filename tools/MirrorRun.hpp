@@ -16,7 +16,7 @@ namespace orvel::phone {
 /// How patient a mirror is.
 struct MirrorPace {
   Seconds limit{5};  ///< For each answer, and for the first frame.
-  Seconds line{1};   ///< From one line that tells how it goes to the next.
+  Seconds line{1};   ///< From one progress line to the next.
 };
 
 /// One mirror from its start to its end: counts what comes, saves it and shows it as a script says.

@@ -16,7 +16,7 @@ class MirrorStatistics {
  public:
   explicit MirrorStatistics(Moment start) : whole_{start}, recent_{start} {}
 
-  /// Counts a frame. Its age is known only when the picture tells it.
+  /// Counts a frame. Its age is known only when the picture shows the time.
   void take(std::size_t bytes, std::optional<AgeCount::Age> age);
 
   std::size_t frames() const { return whole_.frames; }

@@ -19,8 +19,8 @@ class MirrorViewer {
   /// Shows a frame, a whole JPEG.
   virtual void show(std::string_view jpeg) = 0;
 
-  /// Tells how the mirror goes, in a line without its end. Called once a second.
-  virtual void tell(const std::string& line) = 0;
+  /// Reports how the mirror goes, in a line without its end. Called once a second.
+  virtual void report(const std::string& line) = 0;
 
   /// Whether the mirror shall go on. Called many times a second, so that a window can take its events meanwhile.
   virtual bool wantsMore() = 0;

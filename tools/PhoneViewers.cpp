@@ -25,7 +25,7 @@ class PhoneViewers::Terminal : public MirrorViewer {
 
   void show(std::string_view) override {}
 
-  void tell(const std::string& line) override {
+  void report(const std::string& line) override {
     if (isatty(STDOUT_FILENO) != 0) std::cout << line << std::endl;
   }
 
@@ -46,8 +46,8 @@ class PhoneViewers::Window final : public Terminal {
 
   void show(std::string_view jpeg) override { window_.showPicture(QByteArrayView(jpeg.data(), std::ssize(jpeg))); }
 
-  void tell(const std::string& line) override {
-    Terminal::tell(line);
+  void report(const std::string& line) override {
+    Terminal::report(line);
     window_.setTitle(QString::fromStdString("orvel-phone: " + line));
   }
 

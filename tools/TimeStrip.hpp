@@ -8,7 +8,7 @@
 
 namespace orvel::phone {
 
-/// A moment by the clock on the wall, as a computer tells it.
+/// A moment by a computer's wall clock.
 using WallTime = std::chrono::sys_time<std::chrono::milliseconds>;
 
 /// A moment as a pattern of dark and light blocks, which can be read from a picture of it. A finder of vertical bars
@@ -24,7 +24,7 @@ class TimeStrip {
 
   bool isDark(int column, int row) const;
 
-  /// The moment that a strip in this picture tells, wherever it stands and whatever its size, if its blocks are at
+  /// The moment that a strip in this picture shows, wherever it stands and whatever its size, if its blocks are at
   /// least four pixels wide and more or less squares. The latest, if there are several: a screen may show a picture of
   /// itself. The work is bounded, whatever the picture.
   static std::optional<WallTime> find(const LumaPicture& picture);

@@ -102,7 +102,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
 OrvelApp::~OrvelApp() = default;
 
 void OrvelApp::refreshPanelSoon() {
-  // The hub tells of a change before it takes effect.
+  // The hub announces a change before it takes effect.
   mainLoop_.post([this] { menuBarExtra_.refresh(); });
 }
 

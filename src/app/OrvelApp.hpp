@@ -44,15 +44,15 @@ class OrvelApp {
   OrvelApp(const OrvelApp&) = delete;
   OrvelApp& operator=(const OrvelApp&) = delete;
 
-  /// Runs until the main loop is told to quit, then closes every connection, lets go of every held button and key,
+  /// Runs until the main loop quits, then closes every connection, lets go of every held button and key,
   /// and returns the exit code.
   int run(const Start& start);
 
-  /// Parts from every phone and ends `run`. A desktop that hangs is not waited for longer than three seconds, nor is
+  /// Disconnects every phone and ends `run`. A desktop that hangs is not waited for longer than three seconds, nor is
   /// anything else that keeps `run` from returning for longer than five. Threads: any.
   void quit(int exitCode);
 
-  /// Opens the panel, or brings it to the front. `token` is the desktop's proof that the user wished it; may be empty.
+  /// Opens the panel, or brings it to the front. `token` is the desktop's activation token; may be empty.
   void showPanel(const std::string& token);
 
  private:

@@ -30,7 +30,7 @@ class PanelService final : public PanelHost {
 
   explicit PanelService(Dependencies dependencies);
 
-  /// Names who is told when a new code is there. Called once.
+  /// Has `changed` called when a new code is there. Called once.
   void observe(std::function<void()> changed);
 
   PanelState state() const override;

@@ -98,7 +98,7 @@ void ServerHub::listen(std::uint64_t listening) {
 }
 
 void ServerHub::listenerChanged(std::uint64_t listening, Listener::State state, const std::error_code& error) {
-  // A listener that was stopped meanwhile has no more to say: its last words must not pass for those of its successor.
+  // What a stopped listener still reports must not count as its successor's.
   if (listening != starts_ || !listener_) return;
   switch (state) {
     case Listener::State::ready:

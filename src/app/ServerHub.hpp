@@ -23,7 +23,7 @@ class Advertiser;
 class Machine;
 class PairingStore;
 
-/// What the hub tells its observers.
+/// What the hub reports to its observers.
 struct HubState {
   bool isRunning = false;                  ///< The listener accepts phones.
   std::vector<std::string> clients{};      ///< The names of the connected phones, sorted.

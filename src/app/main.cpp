@@ -39,7 +39,8 @@ std::vector<std::string> toolkitArguments() {
 
 int runApplication(orvel::MainLoop& mainLoop, orvel::Instance& instance, bool inBackground,
                    std::function<void(const std::string&)>& showPanel) {
-  // Outlives the platform, whose threads may tell of the desktop's end until the last. Its lock is held while they do,
+  // Outlives the platform, whose threads may report the desktop's end until they have ended. Its lock is held
+  // meanwhile,
   // so that the application stays until they have.
   orvel::Guarded<orvel::OrvelApp*> running;
   auto opened = orvel::openPlatform();

@@ -137,7 +137,7 @@ Task WorkerThreads::nextOrEnd() {
     return next;
   }
   --running_;
-  // Told while the lock is held: once it is free the owner may destroy this object.
+  // Notified while the lock is held: once it is free the owner may destroy this object.
   ended_.notify_all();
   return nullptr;
 }

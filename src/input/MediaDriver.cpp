@@ -5,7 +5,7 @@
 namespace orvel {
 namespace {
 
-constexpr std::uint64_t specialKeyFlags = 0xa00;  // the same for press and release; only data1 tells them apart
+constexpr std::uint64_t specialKeyFlags = 0xa00;  // the same for press and release; only data1 differs
 
 }  // namespace
 

@@ -15,7 +15,7 @@ class PermissionGate {
  public:
   explicit PermissionGate(TrustCheck& trust);
 
-  /// Names who is told the answer of every `refresh`, on the thread that refreshes.
+  /// Has `publish` called with the answer of every `refresh`, on the thread that refreshes.
   void publishTo(std::function<void(bool trusted)> publish);
 
   /// Asks the desktop, remembers the answer, publishes and returns it.

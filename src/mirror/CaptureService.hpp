@@ -37,9 +37,9 @@ class CapturedFrame {
 
 /// What the receiver of a stream says to a frame.
 enum class FrameAnswer {
-  taken,  ///< It is on its way, or nothing is gained by offering it again.
-  again,  ///< It was not taken; what is on the screen after the next frame interval shall be offered.
-  waits,  ///< There is no room; what is on the screen when `resume` is called shall be offered.
+  taken,    ///< It is on its way, or nothing is gained by offering it again.
+  again,    ///< It was not taken; what is on the screen after the next frame interval shall be offered.
+  blocked,  ///< There is no room; what is on the screen when `resume` is called shall be offered.
 };
 
 /// A running capture. It offers a frame at once, then one after each change, but no more in a second than was agreed
@@ -56,7 +56,7 @@ class CaptureStream {
 
   virtual ~CaptureStream() = default;
 
-  /// Answers one `waits`, which may still be on its way back from the handler. Neither blocks nor calls a handler.
+  /// Ends one `blocked`, which may still be on its way back from the handler. Neither blocks nor calls a handler.
   virtual void resume() = 0;
 };
 

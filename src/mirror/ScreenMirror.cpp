@@ -111,13 +111,13 @@ void ScreenMirror::adopt(std::unique_ptr<CaptureStream> stream) {
 void ScreenMirror::letFramesPass() {
   state_.withLock([](State& state) {
     state.isRunning = state.stream != nullptr;
-    if (state.isRunning && std::exchange(state.streamWaits, false)) state.stream->resume();
+    if (state.isRunning && std::exchange(state.streamBlocked, false)) state.stream->resume();
   });
 }
 
 FrameAnswer ScreenMirror::frameCaptured(CapturedFrame& frame) {
   if (!frame.isScreen() || !frame.isValid() || !isComplete(frame)) return FrameAnswer::taken;
-  if (!hasRoom()) return FrameAnswer::waits;
+  if (!hasRoom()) return FrameAnswer::blocked;
   const PixelBuffer* pixels = frame.pixels();
   if (pixels == nullptr) return FrameAnswer::taken;
   const double quality = state_.withLock([](const State& state) { return state.workingQuality; });
@@ -128,7 +128,7 @@ FrameAnswer ScreenMirror::frameCaptured(CapturedFrame& frame) {
 bool ScreenMirror::hasRoom() {
   return state_.withLock([](State& state) {
     const bool room = state.isRunning && state.inFlight < mostInFlight;
-    state.streamWaits = !room;
+    state.streamBlocked = !room;
     return room;
   });
 }
@@ -159,14 +159,14 @@ void ScreenMirror::frameSent(std::uint64_t captureNumber) {
     // The frames of a capture that has ended are forgotten.
     if (captureNumber != state.captureNumber) return;
     state.inFlight = std::max<std::int64_t>(state.inFlight - 1, 0);
-    if (state.stream && std::exchange(state.streamWaits, false)) state.stream->resume();
+    if (state.stream && std::exchange(state.streamBlocked, false)) state.stream->resume();
   });
 }
 
-/// Parts from the stream. Returns whether there was one.
+/// Hands the stream over to be ended. Returns whether there was one.
 bool ScreenMirror::State::letGo() {
   isRunning = false;
-  streamWaits = false;
+  streamBlocked = false;
   if (!stream) return false;
   stopped.push_back(std::move(stream));
   return true;

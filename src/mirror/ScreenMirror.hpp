@@ -73,7 +73,7 @@ class ScreenMirror {
     double requestedQuality = 0.45;
     double workingQuality = 0.45;
     bool isRunning = false;
-    bool streamWaits = false;         // for room
+    bool streamBlocked = false;       // until there is room
     std::uint64_t captureNumber = 0;  // whose frames `inFlight` counts
     std::shared_ptr<const FrameHandler> onFrame;
 

@@ -86,7 +86,7 @@ void ClientSession::pressAfterTexts(Task press) {
   }
   typeLater(
       [&keyboard = services_.keyboard, &events = services_.events, press = std::move(press)] {
-        // The text before it may have been broken off, and Return would send the half of it.
+        // The text before it may have been cancelled, and Return would send the half of it.
         if (keyboard.isStopped()) return;
         press();
         events.flush();

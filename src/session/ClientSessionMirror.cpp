@@ -48,7 +48,7 @@ void ClientSession::mirrorStarted(std::uint64_t start, const ScreenMirror::Outco
     send(denial(*reason));
     return;
   }
-  // An end that was told of before would be forgotten.
+  // The hub already knows of the end, and would forget it.
   if (hasEnded()) return;
   if (const auto hub = hub_.lock()) hub->setMirroring(true);
   // What still waits is of the capture before, and of another size.

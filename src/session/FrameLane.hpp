@@ -28,7 +28,7 @@ class FrameLane {
     Task taken;
   };
 
-  /// `backlog` tells of all that was sent over the connection. `ready` is called when there is a frame that may go
+  /// `backlog` reports on all that was sent over the connection. `ready` is called when there is a frame that may go
   /// which there was not before.
   FrameLane(Executor& queue, std::function<Backlog()> backlog, Task ready);
   ~FrameLane();

@@ -25,7 +25,7 @@ class NetworkThread final : public Network {
   std::unique_ptr<Listener> makeListener(const ListenerOptions& options) override;
 
   /// Returns once all connections have ended, which whoever owns them must have asked for, and the thread has gone.
-  /// Peers that will not part within two seconds are left.
+  /// Connections that have not ended within two seconds are abandoned.
   void finish();
 
  private:

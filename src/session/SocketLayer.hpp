@@ -18,15 +18,15 @@
 
 namespace orvel {
 
-/// The socket below the WebSocket. Tells when all that had arrived has been read, and bounds the time that a peer may
-/// take to part. The names that it is found by are those of the network library.
+/// The socket below the WebSocket. Reports when all that had arrived has been read, and bounds the time that a peer may
+/// take to close. The names that it is found by are those of the network library.
 ///
 /// Threads: the network thread.
 class SocketLayer {
  public:
   using executor_type = ConnectionSocket::executor_type;
 
-  /// How long a peer may take to part once all has been said.
+  /// How long a peer may take to close the connection once everything has been sent.
   static constexpr std::chrono::seconds closeTimeout{1};
 
   explicit SocketLayer(ConnectionSocket socket) : socket_(std::move(socket)) {}

@@ -28,8 +28,8 @@ class SocketTuner {
   /// 10 s, but only while nothing sent waits for an acknowledgement. False when the system refuses.
   virtual bool enableKeepAlive(int socket, Seconds idle) = 0;
 
-  /// What becomes of the data sent; a peer that is silent for longer than `patience` ignores it. Does not block.
-  virtual Delivery delivery(int socket, Seconds patience) = 0;
+  /// What becomes of the data sent; a peer that is silent for longer than `timeout` ignores it. Does not block.
+  virtual Delivery delivery(int socket, Seconds timeout) = 0;
 
   /// Whether the peer has ended its side or reset the connection, however much of what it has sent is unread, or the
   /// socket is closed. Does not block.

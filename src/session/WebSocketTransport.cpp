@@ -32,17 +32,17 @@ namespace websocket = boost::beast::websocket;
 
 using Error = boost::system::error_code;
 
-constexpr std::chrono::seconds handshakeLimit{10};
+constexpr std::chrono::seconds handshakeTimeout{10};
 constexpr std::chrono::seconds deliveryCheck{3};
 constexpr Seconds hangUpCheck{0.25};
 constexpr int looksAtOwedPong = 2;  // that may be on its way
-constexpr Seconds deliveryPatience{14};
+constexpr Seconds deliveryTimeout{14};
 constexpr std::size_t largestRequest = 32 * 1024;  // a browser sends the cookies of this address along
 constexpr std::size_t largestKeptBuffer = 64 * 1024;
 
 /// The peer's request for a WebSocket, which must be whole within the limit.
 struct Opening {
-  explicit Opening(SocketLayer& layer) : limit(layer.get_executor(), handshakeLimit) {
+  explicit Opening(SocketLayer& layer) : limit(layer.get_executor(), handshakeTimeout) {
     parser.header_limit(largestRequest);
   }
 
@@ -67,7 +67,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
  public:
   Connection(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
       : queue_(queue), tuner_(tuner), stream_(std::move(socket)), timer_(stream_.get_executor()) {
-    stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeLimit,
+    stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeTimeout,
                                                        .idle_timeout = websocket::stream_base::none(),
                                                        .keep_alive_pings = false});
     stream_.auto_fragment(false);
@@ -317,7 +317,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void checkDelivery() {
     watchingDelivery_ = false;
     SocketLayer& layer = stream_.next_layer();
-    const Delivery delivery = tuner_.delivery(layer.socket().native_handle(), deliveryPatience);
+    const Delivery delivery = tuner_.delivery(layer.socket().native_handle(), deliveryTimeout);
     if (delivery == Delivery::ignored) {
       layer.close();
     } else if (delivery == Delivery::pending || writing_) {

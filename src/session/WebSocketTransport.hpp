@@ -18,9 +18,9 @@ using ConnectionSocket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, 
 
 /// The server's end of a WebSocket (RFC 6455, version 13) over `socket`, which belongs to the context of `queue`.
 /// `start` answers the handshake, for which the peer has ten seconds. Pings are answered here. A peer that breaks the
-/// protocol or sends a message of more than `maximumMessageSize` bytes is told so, and the connection ends.
-/// A peer that does not acknowledge what is sent to it is given up as one that has vanished. `queue` and `tuner` must
-/// outlive the transport.
+/// protocol or sends a message of more than `maximumMessageSize` bytes gets a close frame with the code for it, and the
+/// connection ends. A peer that does not acknowledge what is sent to it is given up as one that has vanished. `queue`
+/// and `tuner` must outlive the transport.
 std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket,
                                                   std::size_t maximumMessageSize);
 

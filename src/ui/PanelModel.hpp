@@ -11,7 +11,7 @@ namespace orvel {
 
 class LoginItem;
 
-/// Chooses what the panel shows from the state of the host, and hands on what its user does. Of its own it keeps
+/// Chooses what the panel shows from the state of the host, and passes on what its user does. Of its own it keeps
 /// whether the pairing code is shown, and what has been announced, so it lives as long as the panel is open. Threads:
 /// the main thread.
 class PanelModel {

@@ -16,7 +16,7 @@ class Appearance;
 class PanelBlockView;
 class PanelModel;
 
-/// Shows what the panel's model says, and tells it what is pressed. Threads: the main thread.
+/// Shows what the panel's model says, and passes on what is pressed. Threads: the main thread.
 class PanelView final : public QWidget {
  public:
   /// Called when it shows something else and may need another size, with the block that has just been opened, if any.

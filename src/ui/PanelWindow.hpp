@@ -24,7 +24,7 @@ PanelPlacement::Monitor monitorOf(const QScreen& screen);
 
 /// The small window in which the panel is open: without a frame beside the icon, or as a normal window where there is
 /// no icon. While it is open it looks every now and then whether what it shows still holds, for a network or an entry
-/// of the login's list changes without telling.
+/// of the login's list changes without notice.
 ///
 /// Threads: the main thread.
 class PanelWindow final : public QDialog, public ToolkitWindow {

@@ -10,8 +10,8 @@ class PressWatch {
  public:
   virtual ~PressWatch() = default;
 
-  /// Calls `pressed`, on the main thread, soon after each press until `end`. Where the desktop does not tell, it never
-  /// does.
+  /// Calls `pressed`, on the main thread, soon after each press until `end`. Where the desktop does not report presses,
+  /// it is never called.
   virtual void begin(std::function<void()> pressed) = 0;
 
   /// May be called by `pressed`.

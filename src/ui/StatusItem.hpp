@@ -30,7 +30,7 @@ class StatusItem {
   /// Whether the desktop has a place for the icon now.
   virtual bool isShown() const = 0;
 
-  /// Where the icon is on the screen, in the toolkit's units; nothing where the desktop does not tell.
+  /// Where the icon is on the screen, in the toolkit's units; nothing where the desktop does not report it.
   virtual std::optional<Rect> place() const = 0;
 };
 

@@ -153,7 +153,7 @@ TEST_F(X11CaptureServiceTest, AFrameThatWasTakenUnseenIsNotOfferedAgain) {
 }
 
 TEST_F(X11CaptureServiceTest, WhoWaitsIsOfferedNothingUntilTheyGoOn) {
-  receiver.answerWith(FrameAnswer::waits);
+  receiver.answerWith(FrameAnswer::blocked);
   const auto stream = start(fullSize);
   ASSERT_TRUE(receiver.waitForCount(1));
   std::this_thread::sleep_for(lull);
@@ -171,7 +171,7 @@ TEST_F(X11CaptureServiceTest, WhoWaitsIsOfferedNothingUntilTheyGoOn) {
 }
 
 TEST_F(X11CaptureServiceTest, WhoWaitedIsOfferedAFrameAtOnce) {
-  receiver.answerWith(FrameAnswer::waits);
+  receiver.answerWith(FrameAnswer::blocked);
   const auto stream = start({.width = 1280, .height = 800, .framesPerSecond = 1});
   ASSERT_TRUE(receiver.waitForCount(1));
   receiver.answerWith(FrameAnswer::taken);
@@ -189,7 +189,7 @@ TEST_F(X11CaptureServiceTest, ToGoOnWhileTheAnswerIsOnItsWayIsNotLost) {
                                       [&](CapturedFrame&) {
                                         ++frames;
                                         stream.get()->resume();
-                                        return FrameAnswer::waits;
+                                        return FrameAnswer::blocked;
                                       },
                                   .stopped = [] {}});
   started.set_value(std::get<std::unique_ptr<CaptureStream>>(result).get());
@@ -449,7 +449,7 @@ TEST_F(X11CaptureServiceTest, TheEndOfTheServerEndsTheCapture) {
 }
 
 TEST_F(X11CaptureServiceTest, TheEndOfTheServerIsNoticedByWhoWaits) {
-  receiver.answerWith(FrameAnswer::waits);
+  receiver.answerWith(FrameAnswer::blocked);
   const auto stream = start(fullSize);
   ASSERT_TRUE(receiver.waitForCount(1));
   desktop.killServer();

@@ -4,7 +4,7 @@
 
 namespace orvel {
 
-/// A list of what starts at login that works as the desktop's does, unless it is told to fail.
+/// A list of what starts at login that works as the desktop's does, unless it is made to fail.
 class FakeLoginItemService final : public LoginItemService {
  public:
   bool isEnabled() const override { return isEntered; }

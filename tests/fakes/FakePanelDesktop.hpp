@@ -63,7 +63,7 @@ class FakeForeground final : public Foreground {
   std::vector<std::string> finished;
 };
 
-/// Tells of presses when a test says so.
+/// Reports presses when a test says so.
 class FakePressWatch final : public PressWatch {
  public:
   void begin(std::function<void()> handler) override { pressed = std::move(handler); }

@@ -26,7 +26,7 @@ class RecordingHub final : public SessionHub {
   std::vector<SessionID> lingering;
   bool hasRoom = true;  ///< For sessions that linger.
   std::function<void()> whenMirroring;
-  std::vector<bool> mirroring;  ///< All that it was told.
+  std::vector<bool> mirroring;  ///< Every value that was set.
 };
 
 }  // namespace orvel

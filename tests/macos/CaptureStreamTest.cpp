@@ -155,7 +155,7 @@ TEST_F(CaptureStreamTest, WhatIsTakenIsNotKept) {
 }
 
 TEST_F(CaptureStreamTest, AReceiverThatWaitsGetsTheFrameWhenItHasRoomAlthoughTheScreenIsStill) {
-  answers_ = {FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked};
   deliver(1);
   deliverIdle();
   deliverIdle();
@@ -166,7 +166,7 @@ TEST_F(CaptureStreamTest, AReceiverThatWaitsGetsTheFrameWhenItHasRoomAlthoughThe
 }
 
 TEST_F(CaptureStreamTest, AReceiverThatWaitsGetsOnlyTheNewestFrame) {
-  answers_ = {FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked};
   for (const std::size_t width : {1, 2, 3}) deliver(width);
   EXPECT_EQ(fake::livingSamples(), 1);
   EXPECT_THAT(widths(), ElementsAre(1));
@@ -175,7 +175,7 @@ TEST_F(CaptureStreamTest, AReceiverThatWaitsGetsOnlyTheNewestFrame) {
 }
 
 TEST_F(CaptureStreamTest, OnlyWhatShowsTheScreenIsKept) {
-  answers_ = {FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked};
   deliver(1);
   fake::deliver({.isValid = false, .width = 2});
   fake::deliver({.type = fake::Sample::Type::audio, .width = 3});
@@ -186,7 +186,7 @@ TEST_F(CaptureStreamTest, OnlyWhatShowsTheScreenIsKept) {
 }
 
 TEST_F(CaptureStreamTest, AReceiverMayWaitAgain) {
-  answers_ = {FrameAnswer::waits, FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked, FrameAnswer::blocked};
   deliver(1);
   resume();
   EXPECT_EQ(fake::livingSamples(), 1);
@@ -195,7 +195,7 @@ TEST_F(CaptureStreamTest, AReceiverMayWaitAgain) {
 }
 
 TEST_F(CaptureStreamTest, RoomMayComeBeforeTheAnswerHasArrived) {
-  answers_ = {FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked};
   whileSeeing_ = [this] { stream_->resume(); };
   deliver(1);
   fake::finishQueue();
@@ -203,7 +203,7 @@ TEST_F(CaptureStreamTest, RoomMayComeBeforeTheAnswerHasArrived) {
 }
 
 TEST_F(CaptureStreamTest, ResumingCallsNoHandler) {
-  answers_ = {FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked};
   deliver(1);
   std::atomic<bool> entered = false;
   std::atomic<bool> goesOn = false;
@@ -271,7 +271,7 @@ TEST_F(CaptureStreamTest, ANewerFrameHasAnIntervalOfItsOwn) {
 }
 
 TEST_F(CaptureStreamTest, AReceiverThatWaitsIsNotOfferedWhatWasToComeAgain) {
-  answers_ = {FrameAnswer::again, FrameAnswer::waits};
+  answers_ = {FrameAnswer::again, FrameAnswer::blocked};
   deliver(1);
   deliver(2);
   letTimePass();
@@ -364,7 +364,7 @@ TEST_F(CaptureStreamTest, AnErrorOfTheStopIsNobodysBusiness) {
 }
 
 TEST_F(CaptureStreamTest, WhenItEndsByItselfItSaysSoOnceAndLast) {
-  answers_ = {FrameAnswer::waits};
+  answers_ = {FrameAnswer::blocked};
   deliver(1);
   fake::failStream("The user stopped it.");
   fake::failStream("It has stopped.");

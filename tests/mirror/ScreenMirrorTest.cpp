@@ -247,14 +247,14 @@ TEST_F(ScreenMirrorTest, TwoFramesOnTheirWayAreEnough) {
   screen.offer();
   screen.offer();
   ScriptedFrame third;
-  EXPECT_EQ(screen.offer(third), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(third), FrameAnswer::blocked);
   EXPECT_EQ(third.fetches, 0) << "which would cost";
   EXPECT_THAT(encoder.qualities, SizeIs(2));
   EXPECT_EQ(screen.resumes, 0);
   sent[0]();
   EXPECT_EQ(screen.resumes, 1) << "as it was refused, what is on the screen is asked for";
   EXPECT_EQ(screen.offer(), FrameAnswer::taken);
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
   EXPECT_THAT(frames, SizeIs(3));
 }
 
@@ -267,7 +267,7 @@ TEST_F(ScreenMirrorTest, ArrivalsThatNobodyWaitsForWakeNobody) {
   EXPECT_EQ(screen.resumes, 0);
   screen.offer();
   screen.offer();
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
   sent[2]();
   sent[3]();
   EXPECT_EQ(screen.resumes, 1);
@@ -279,7 +279,7 @@ TEST_F(ScreenMirrorTest, MoreArrivalsThanFramesMakeNoMoreRoom) {
   for (int count = 0; count < 3; ++count) sent[0]();
   screen.offer();
   screen.offer();
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
 }
 
 TEST_F(ScreenMirrorTest, AFrameThatNobodyReceivesTakesItsRoom) {
@@ -287,7 +287,7 @@ TEST_F(ScreenMirrorTest, AFrameThatNobodyReceivesTakesItsRoom) {
   mirror.setOnFrame(nullptr);
   EXPECT_EQ(screen.offer(), FrameAnswer::taken);
   EXPECT_EQ(screen.offer(), FrameAnswer::taken);
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
   EXPECT_THAT(frames, IsEmpty());
   stop();
   start();
@@ -419,11 +419,11 @@ TEST_F(ScreenMirrorTest, ArrivalsOfAnEarlierCaptureMakeNoRoom) {
   start();
   screen.offer();
   screen.offer();
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
   sent[0]();
   sent[1]();
   EXPECT_EQ(screen.resumes, 0);
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
 }
 
 TEST_F(ScreenMirrorTest, StopWithoutACaptureIsHarmless) {
@@ -465,8 +465,8 @@ TEST_F(ScreenMirrorTest, OfTwoStartsInARowTheFirstHasEndedBeforeTheSecondBegins)
   mirror.stop();
   start(400);
   EXPECT_EQ(ranBefore, 0) << "for the encoder serves one at a time";
-  EXPECT_EQ(early, FrameAnswer::waits);
-  EXPECT_THAT(frames, IsEmpty()) << "before its size is told";
+  EXPECT_EQ(early, FrameAnswer::blocked);
+  EXPECT_THAT(frames, IsEmpty()) << "before its size is known";
   EXPECT_EQ(screen.resumes, 1);
 }
 
@@ -536,11 +536,11 @@ TEST_F(ScreenMirrorTest, FramesWaitUntilTheirSizeIsTold) {
   std::optional<FrameAnswer> early;
   screen.whileStarting = [&] { early = screen.offer(); };
   mirror.start(900, 12, 0.45, [&](const ScreenMirror::Outcome&) {
-    EXPECT_EQ(screen.offer(), FrameAnswer::waits);
+    EXPECT_EQ(screen.offer(), FrameAnswer::blocked);
     EXPECT_EQ(screen.resumes, 0);
   });
   clock.runDue();
-  EXPECT_EQ(early, FrameAnswer::waits);
+  EXPECT_EQ(early, FrameAnswer::blocked);
   EXPECT_THAT(frames, IsEmpty());
   EXPECT_EQ(screen.resumes, 1) << "and are asked for then";
 }

@@ -33,8 +33,8 @@ struct ClientSessionMirrorTest : SessionFixture {
     clock.runDue();
   }
 
-  /// What a phone has been told of mirroring, as it stood on the wire.
-  static std::vector<std::string> told(const FakeWire& wire) {
+  /// The answers about mirroring that a phone has got, as they stood on the wire.
+  static std::vector<std::string> answers(const FakeWire& wire) {
     std::vector<std::string> texts;
     for (const auto& message : wire.received()) {
       if (message.at("t").as_string().starts_with("mirror")) texts.push_back(boost::json::serialize(message));
@@ -59,7 +59,7 @@ struct ClientSessionMirrorTest : SessionFixture {
 
 TEST_F(ClientSessionMirrorTest, StartsWithTheUsualValuesAndSaysTheSize) {
   say(start);
-  EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorReady","width":900,"height":450})"));
+  EXPECT_THAT(answers(*phone), ElementsAre(R"({"t":"mirrorReady","width":900,"height":450})"));
   EXPECT_EQ(screen.configurations.at(0).framesPerSecond, 12);
   change();
   EXPECT_THAT(encoder.qualities, ElementsAre(0.45));
@@ -68,7 +68,7 @@ TEST_F(ClientSessionMirrorTest, StartsWithTheUsualValuesAndSaysTheSize) {
 
 TEST_F(ClientSessionMirrorTest, StartsWithTheValuesAskedFor) {
   say(R"({"t":"mirrorStart","width":600,"fps":25,"quality":0.7})");
-  EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorReady","width":600,"height":300})"));
+  EXPECT_THAT(answers(*phone), ElementsAre(R"({"t":"mirrorReady","width":600,"height":300})"));
   EXPECT_EQ(screen.configurations.at(0).framesPerSecond, 25);
   change();
   EXPECT_THAT(encoder.qualities, ElementsAre(0.7));
@@ -76,7 +76,7 @@ TEST_F(ClientSessionMirrorTest, StartsWithTheValuesAskedFor) {
 
 TEST_F(ClientSessionMirrorTest, ValuesGoOnAsTheyAre) {
   say(R"({"t":"mirrorStart","width":-5,"fps":1000,"quality":7})");
-  EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorReady","width":320,"height":240})"));
+  EXPECT_THAT(answers(*phone), ElementsAre(R"({"t":"mirrorReady","width":320,"height":240})"));
   EXPECT_EQ(screen.configurations.at(0).framesPerSecond, 30);
 }
 
@@ -144,10 +144,10 @@ TEST_F(ClientSessionMirrorTest, EachFrameIsTheMarkerAndTheImage) {
 }
 
 TEST_F(ClientSessionMirrorTest, TheSizeIsToldBeforeTheFirstFrame) {
-  screen.whileStarting = [&] { EXPECT_EQ(screen.offer(), FrameAnswer::waits); };
+  screen.whileStarting = [&] { EXPECT_EQ(screen.offer(), FrameAnswer::blocked); };
   phone->text(start);
   clock.runDue();
-  EXPECT_THAT(told(*phone), SizeIs(1));
+  EXPECT_THAT(answers(*phone), SizeIs(1));
   EXPECT_THAT(phone->frames, IsEmpty());
   EXPECT_EQ(screen.resumes, 1);
 }
@@ -166,13 +166,13 @@ TEST_F(ClientSessionMirrorTest, AFrameThatHasArrivedMakesRoomForTheNext) {
 
 TEST_F(ClientSessionMirrorTest, WithoutPermissionThePhoneIsToldWhatToDoAndTheDesktopAsked) {
   screen.granted = false;
-  std::size_t toldWhenAsked = 0;
-  screen.whileAsking = [&] { toldWhenAsked = told(*phone).size(); };
+  std::size_t answeredWhenAsked = 0;
+  screen.whileAsking = [&] { answeredWhenAsked = answers(*phone).size(); };
   say(start);
-  EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"Screen Recording is off for Orvel. )"
-                                        R"(Turn it on in Privacy & Security on the Mac, then try again."})"));
+  EXPECT_THAT(answers(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"Screen Recording is off for Orvel. )"
+                                           R"(Turn it on in Privacy & Security on the Mac, then try again."})"));
   EXPECT_EQ(screen.requests, 1);
-  EXPECT_EQ(toldWhenAsked, 1u) << "first the one, then the other";
+  EXPECT_EQ(answeredWhenAsked, 1u) << "first the one, then the other";
   EXPECT_THAT(screen.configurations, IsEmpty());
   EXPECT_THAT(hub->mirroring, IsEmpty());
 }
@@ -182,7 +182,7 @@ TEST_F(ClientSessionMirrorTest, WithoutPermissionAnothersCaptureGoesOn) {
   say(*other.wire, start);
   screen.granted = false;
   say(start);
-  EXPECT_THAT(told(*phone), SizeIs(1));
+  EXPECT_THAT(answers(*phone), SizeIs(1));
   EXPECT_EQ(screen.running, 1);
   change();
   EXPECT_THAT(other.wire->frames, SizeIs(1));
@@ -193,8 +193,8 @@ TEST_F(ClientSessionMirrorTest, WithoutPermissionAnothersCaptureGoesOn) {
 TEST_F(ClientSessionMirrorTest, APermissionThatGoesMeanwhileIsToldOfInFewerWords) {
   screen.grantsLeft = 1;
   say(start);
-  EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"Screen Recording is off for Orvel. )"
-                                        R"(Turn it on in Privacy & Security."})"));
+  EXPECT_THAT(answers(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"Screen Recording is off for Orvel. )"
+                                           R"(Turn it on in Privacy & Security."})"));
   EXPECT_EQ(screen.requests, 0);
 }
 
@@ -204,8 +204,8 @@ TEST_F(ClientSessionMirrorTest, ReasonsOfTheDesktopAreHandedOn) {
   screen.displays = {{100, 100}};
   screen.startFailure = "The stream does not start.";
   say(start);
-  EXPECT_THAT(told(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"No display available to capture."})",
-                                        R"({"t":"mirrorDenied","reason":"The stream does not start."})"));
+  EXPECT_THAT(answers(*phone), ElementsAre(R"({"t":"mirrorDenied","reason":"No display available to capture."})",
+                                           R"({"t":"mirrorDenied","reason":"The stream does not start."})"));
   EXPECT_THAT(hub->mirroring, IsEmpty());
   say(stop);
   EXPECT_THAT(hub->mirroring, IsEmpty()) << "as this session mirrors nothing";
@@ -217,7 +217,7 @@ TEST_F(ClientSessionMirrorTest, AStartThatFailsHasEndedWhatRan) {
   screen.startFailure = "No.";
   say(start);
   EXPECT_EQ(screen.running, 0);
-  EXPECT_THAT(told(*other.wire), SizeIs(1)) << "of which the other is not told";
+  EXPECT_THAT(answers(*other.wire), SizeIs(1)) << "of which the other is not notified";
   EXPECT_THAT(hub->mirroring, ElementsAre(true));
 }
 
@@ -226,7 +226,7 @@ TEST_F(ClientSessionMirrorTest, StopEndsTheCapture) {
   say(stop);
   EXPECT_EQ(screen.running, 0);
   EXPECT_THAT(hub->mirroring, ElementsAre(true, false));
-  EXPECT_THAT(told(*phone), SizeIs(1)) << "and is not answered";
+  EXPECT_THAT(answers(*phone), SizeIs(1)) << "and is not answered";
   change();
   EXPECT_THAT(phone->frames, IsEmpty());
 }
@@ -264,11 +264,11 @@ TEST_F(ClientSessionMirrorTest, TheLastToStartWinsAndTheFirstIsNotTold) {
   change();
   EXPECT_THAT(phone->frames, SizeIs(1));
   EXPECT_THAT(other.wire->frames, SizeIs(1));
-  EXPECT_THAT(told(*phone), SizeIs(1));
-  EXPECT_THAT(told(*other.wire), ElementsAre(R"({"t":"mirrorReady","width":600,"height":300})"));
+  EXPECT_THAT(answers(*phone), SizeIs(1));
+  EXPECT_THAT(answers(*other.wire), ElementsAre(R"({"t":"mirrorReady","width":600,"height":300})"));
   say(stop);
   EXPECT_EQ(screen.running, 0) << "the first still ends it";
-  EXPECT_THAT(told(*other.wire), SizeIs(1)) << "and the other is not told";
+  EXPECT_THAT(answers(*other.wire), SizeIs(1)) << "and the other is not notified";
   EXPECT_THAT(hub->mirroring, ElementsAre(true, true, false));
   say(*other.wire, stop);
   EXPECT_THAT(hub->mirroring, ElementsAre(true, true, false, false));
@@ -294,7 +294,7 @@ TEST_F(ClientSessionMirrorTest, APhoneMayStartAnew) {
   change();
   say(R"({"t":"mirrorStart","width":400,"fps":5,"quality":0.6})");
   EXPECT_EQ(screen.running, 1);
-  EXPECT_THAT(told(*phone), SizeIs(2));
+  EXPECT_THAT(answers(*phone), SizeIs(2));
   EXPECT_EQ(phone->drops, 2) << "each time, so that no frame of the old size comes behind the new one's";
   change();
   EXPECT_THAT(phone->frames, SizeIs(3)) << "with all of its room";
@@ -306,7 +306,7 @@ TEST_F(ClientSessionMirrorTest, AnEarlierStartThatFailsLeavesALaterOneItsOwner) 
   phone->text(start);
   phone->text(start);
   clock.runDue();
-  EXPECT_THAT(told(*phone), SizeIs(2));
+  EXPECT_THAT(answers(*phone), SizeIs(2));
   EXPECT_EQ(screen.running, 1);
   say(stop);
   EXPECT_EQ(screen.running, 0) << "which the phone can end";
@@ -316,7 +316,7 @@ TEST_F(ClientSessionMirrorTest, APhoneThatAsksAgainAndAgainIsServedAsFastAsItCan
   for (int count = 0; count < 5000; ++count) phone->text(start);
   EXPECT_LT(clock.pendingTasks(), 3000u) << "the other starts wait";
   clock.runDue();
-  EXPECT_THAT(told(*phone), SizeIs(5000)) << "and nothing is lost";
+  EXPECT_THAT(answers(*phone), SizeIs(5000)) << "and nothing is lost";
   EXPECT_EQ(screen.running, 1);
 }
 
@@ -357,10 +357,10 @@ TEST_F(ClientSessionMirrorTest, APhoneThatMirrorsNothingLeavesTheCaptureAlone) {
 
 TEST_F(ClientSessionMirrorTest, TheHubHearsOfItBeforeThePhone) {
   std::vector<std::size_t> sentBefore;
-  hub->whenMirroring = [&] { sentBefore.push_back(told(*phone).size()); };
+  hub->whenMirroring = [&] { sentBefore.push_back(answers(*phone).size()); };
   say(start);
   EXPECT_THAT(sentBefore, ElementsAre(0u));
-  EXPECT_THAT(told(*phone), SizeIs(1));
+  EXPECT_THAT(answers(*phone), SizeIs(1));
 }
 
 TEST_F(ClientSessionMirrorTest, AStartAndItsEndNeedNoHub) {
@@ -369,7 +369,7 @@ TEST_F(ClientSessionMirrorTest, AStartAndItsEndNeedNoHub) {
   change();
   EXPECT_THAT(phone->frames, SizeIs(1));
   say(start);
-  EXPECT_THAT(told(*phone), SizeIs(2));
+  EXPECT_THAT(answers(*phone), SizeIs(2));
   say(stop);
   EXPECT_EQ(screen.running, 0);
   say(start);
@@ -391,7 +391,7 @@ TEST_F(ClientSessionMirrorTest, AStartThatIsDoneAfterTheStopIsToldOf) {
   phone->text(start);
   phone->text(stop);
   clock.runDue();
-  EXPECT_THAT(told(*phone), SizeIs(1));
+  EXPECT_THAT(answers(*phone), SizeIs(1));
   EXPECT_THAT(hub->mirroring, ElementsAre(false, true));
   EXPECT_EQ(screen.running, 1);
   for (int count = 0; count < 4; ++count) change();
@@ -402,7 +402,7 @@ TEST_F(ClientSessionMirrorTest, AStartThatIsDoneWhenThePhoneHasLeftIsNotToldOf) 
   phone->text(start);
   phone->drop();
   clock.runDue();
-  EXPECT_THAT(told(*phone), IsEmpty());
+  EXPECT_THAT(answers(*phone), IsEmpty());
   EXPECT_THAT(hub->mirroring, ElementsAre(false));
   session.reset();
   for (int count = 0; count < 4; ++count) change();
@@ -413,10 +413,10 @@ TEST_F(ClientSessionMirrorTest, ACaptureThatEndsByItselfIsNotToldOf) {
   say(start);
   screen.fail();
   clock.runDue();
-  EXPECT_THAT(told(*phone), SizeIs(1));
+  EXPECT_THAT(answers(*phone), SizeIs(1));
   EXPECT_THAT(hub->mirroring, ElementsAre(true));
   say(start);
-  EXPECT_THAT(told(*phone), SizeIs(2));
+  EXPECT_THAT(answers(*phone), SizeIs(2));
   change();
   EXPECT_THAT(phone->frames, SizeIs(1));
 }
@@ -439,7 +439,7 @@ TEST_F(ClientSessionMirrorTest, FramesOfASessionThatHasGoneAreDropped) {
   clock.runDue();
   EXPECT_THAT(phone->frames, IsEmpty());
   screen.offer();
-  EXPECT_EQ(screen.offer(), FrameAnswer::waits) << "their room stays taken until the next start or stop";
+  EXPECT_EQ(screen.offer(), FrameAnswer::blocked) << "their room stays taken until the next start or stop";
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ struct ConnectionRecord {
   std::size_t sendsDone = 0;
   std::size_t framesTaken = 0;
   bool hungUp = false;           ///< It was notified of that while it read nothing.
-  bool failedToReceive = false;  ///< Told of the end in place of a message.
+  bool failedToReceive = false;  ///< Got the end in place of a message.
 
   bool has(Transport::State state) const;
 

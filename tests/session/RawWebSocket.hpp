@@ -52,7 +52,7 @@ struct RawHandshake {
 
 std::string bytesOf(const RawHandshake& handshake);
 
-/// A client on loopback that sends whatever it is told to, and nothing by itself.
+/// A client on loopback that sends what a test asks it to, and nothing by itself.
 ///
 /// Threads: one at a time. Every wait has an end.
 class RawWebSocket {

@@ -646,7 +646,7 @@ TEST_F(WebSocketConduct, AClientThatNeverReadsHoldsUpItsOwnMessagesOnly) {
 
   server.cancel(1);
   EXPECT_TRUE(server.waitFor(1, [](const ConnectionRecord& record) { return record.sendsDone == count; }))
-      << "every send is told of its end";
+      << "every send is notified of its end";
   EXPECT_TRUE(server.connection(1).has(Transport::State::cancelled));
 }
 

@@ -35,7 +35,7 @@ const PhoneMessage stop{true, R"({"t":"mirrorStop"})"};
 /// A viewer that has had enough after so many frames.
 struct CountingViewer final : MirrorViewer {
   void show(std::string_view jpeg) override { shown.emplace_back(jpeg); }
-  void tell(const std::string& line) override { lines.push_back(line); }
+  void report(const std::string& line) override { lines.push_back(line); }
   bool wantsMore() override { return shown.size() < enoughFrames && lines.size() < enoughLines; }
 
   std::size_t enoughFrames = std::numeric_limits<std::size_t>::max();

@@ -41,7 +41,7 @@ const PhoneMessage emptyGetIcons = control(R"({"t":"getIcons","ids":[]})");
 /// A viewer that leaves as soon as it has come.
 struct BriefViewer final : MirrorViewer {
   void show(std::string_view) override {}
-  void tell(const std::string&) override {}
+  void report(const std::string&) override {}
   bool wantsMore() override { return false; }
 };
 
@@ -64,7 +64,7 @@ std::string iconsAnswer(const std::vector<std::string>& ids) {
   return boost::json::serialize(boost::json::object{{"t", "icons"}, {"items", items}});
 }
 
-/// A phone on a host that keeps what it hears and answers each kind of request as it is told to, or not at all.
+/// A phone on a host that keeps what it hears and answers each kind of request as the test wants, or not at all.
 class PhoneRunnerTest : public testing::Test {
  protected:
   using Answer = std::function<std::string(const PhoneMessage&)>;

@@ -33,7 +33,7 @@ class HostEnd {
   virtual void hangUp() = 0;
 };
 
-/// A host on loopback that takes one connection and then does what a test tells it to.
+/// A host on loopback that takes one connection and then does what a test asks for.
 ///
 /// Threads: one at a time; the script runs on a thread of its own, which has ended when the host is gone. So the phone
 /// must go first, or the script must end by itself.

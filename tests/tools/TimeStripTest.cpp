@@ -31,8 +31,8 @@ std::optional<WallTime> timeAfterJPEG(const Picture& picture, int quality = 20) 
 
 TEST(TimeStrip, TellsItsTime) {
   for (const std::int64_t time : {0LL, 1LL, 1'793'267'412'345LL, 17'592'186'044'415LL}) {
-    const WallTime told{std::chrono::milliseconds(time)};
-    EXPECT_THAT(timeIn(Scene{.time = told}.picture()), Optional(told));
+    const WallTime shown{std::chrono::milliseconds(time)};
+    EXPECT_THAT(timeIn(Scene{.time = shown}.picture()), Optional(shown));
   }
 }
 

@@ -21,7 +21,7 @@ TEST(QRMakerTest, AFewDozenCharactersYieldAnImageOfThatSide) {
   EXPECT_EQ(image->darkModules.size(), image->modulesPerSide * image->modulesPerSide);
 }
 
-/// What the standard tells of a code's size: 42 bytes are the most that version 3 holds at level M, in 29 modules.
+/// What the standard says of a code's size: 42 bytes are the most that version 3 holds at level M, in 29 modules.
 TEST(QRMakerTest, IsMadeOfBytesAtLevelM) {
   EXPECT_EQ(QRMaker::image(std::string(42, 'a'), side)->modulesPerSide, 29);
   EXPECT_EQ(QRMaker::image(std::string(43, 'a'), side)->modulesPerSide, 33);

@@ -87,7 +87,7 @@ void FrameOffers::offer(Sample& frame, CMSampleBufferRef sample) {
   const dispatch_time_t next = dispatch_time(DISPATCH_TIME_NOW, frameInterval_);
   const FrameAnswer answer = handlers_.frame(frame);
   if (hasEnded_) return;
-  receiverWaits_ = answer == FrameAnswer::waits;
+  receiverWaits_ = answer == FrameAnswer::blocked;
   if (!frame.showsScreen()) return;
   keep(answer == FrameAnswer::taken ? nullptr : sample);
   if (answer == FrameAnswer::again) offerAgainAt(next);

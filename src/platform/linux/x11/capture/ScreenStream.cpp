@@ -202,7 +202,7 @@ void ScreenStream::offer() {
     return handlers_.frame(frame);
   }();
   isDirty_ = answer != FrameAnswer::taken;
-  if (answer == FrameAnswer::waits) {
+  if (answer == FrameAnswer::blocked) {
     // Nothing was delivered, so the next one need not keep its distance to this one.
     waitForResume();
   } else {
