@@ -3,7 +3,7 @@
 #include "base/WorkerThreads.hpp"
 #include "mirror/ScreenMirror.hpp"
 #include "platform/linux/SystemJPEGEncoder.hpp"
-#include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemSocketMonitor.hpp"
 #include "platform/linux/x11/X11Access.hpp"
 #include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
@@ -25,15 +25,15 @@ constexpr std::uint8_t frameMarker = 0x80;
 constexpr std::size_t largestMessage = 65536;
 
 /// What the system has accepted is taken for having left.
-class TrustingTuner final : public SocketTuner {
+class TrustingMonitor final : public SocketMonitor {
  public:
-  bool enableKeepAlive(int socket, Seconds idle) override { return tuner_.enableKeepAlive(socket, idle); }
-  Delivery delivery(int socket, Seconds timeout) override { return tuner_.delivery(socket, timeout); }
+  bool enableKeepAlive(int socket, Seconds idle) override { return monitor_.enableKeepAlive(socket, idle); }
+  Delivery delivery(int socket, Seconds timeout) override { return monitor_.delivery(socket, timeout); }
   bool hasHungUp(int) override { return false; }
   Backlog backlog(int) override { return {}; }
 
  private:
-  SystemSocketTuner tuner_;
+  SystemSocketMonitor monitor_;
 };
 
 std::unique_ptr<X11Connection> connectionTo(const std::string& display) {
@@ -103,8 +103,8 @@ class PlainMirrorServer::Server {
   SystemJPEGEncoder encoder_;
   X11ScreenRecordingAccess access_{*connection_};
   ScreenMirror mirror_{{.access = access_, .capture = capture_, .encoder = encoder_, .queue = *queue_}};
-  TrustingTuner tuner_;
-  NetworkThread network_{tuner_};
+  TrustingMonitor monitor_;
+  NetworkThread network_{monitor_};
   std::unique_ptr<Listener> listener_;
   std::unique_ptr<Transport> phone_;
 };

@@ -10,7 +10,7 @@
 #include "input/EventPoster.hpp"
 #include "input/TrustCheck.hpp"
 #include "platform/linux/SystemJPEGEncoder.hpp"
-#include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemSocketMonitor.hpp"
 #include "session/NetworkThread.hpp"
 
 #include <unistd.h>
@@ -96,7 +96,7 @@ class RealServer {
   Tally& tally_;
   CountingDesktop desktop_;
   RecordingAdvertiser advertiser_;
-  SystemSocketTuner tuner_;
+  SystemSocketMonitor monitor_;
   SystemClock clock_;
   WorkerThreads workers_;
   const std::unique_ptr<Executor> mainThread_ = workers_.makeSerialQueue();
@@ -106,7 +106,7 @@ class RealServer {
   const std::unique_ptr<Executor> mirrorQueue_ = workers_.makeSerialQueue();
   ScreenMirror mirror_{{.access = screen_, .capture = screen_, .encoder = encoder_, .queue = *mirrorQueue_}};
   const SessionServices services_ = withMirror(rules_.services, screen_, mirror_);
-  NetworkThread network_{tuner_};
+  NetworkThread network_{monitor_};
   const std::shared_ptr<ServerHub> hub_ = ServerHub::make({.advertiser = advertiser_,
                                                            .clock = clock_,
                                                            .mainThread = *mainThread_,

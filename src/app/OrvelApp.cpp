@@ -44,7 +44,7 @@ OrvelApp::OrvelApp(MainLoop& mainLoop, Platform& platform)
              .pointer = pointer_,
              .queue = *snapQueue_,
              .tree = platform.accessibility()}),
-      network_(platform.socketTuner()),
+      network_(platform.socketMonitor()),
       services_{.apps = apps_,
                 .events = platform.events(),
                 .keyboard = keyboard_,

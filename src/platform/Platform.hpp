@@ -24,7 +24,7 @@ class Machine;
 class Preferences;
 class PressWatch;
 class ScreenRecordingAccess;
-class SocketTuner;
+class SocketMonitor;
 class StatusItem;
 class TrustCheck;
 class Workspace;
@@ -49,7 +49,7 @@ class Platform {
   virtual Preferences& preferences() = 0;
   virtual PressWatch& presses() = 0;
   virtual ScreenRecordingAccess& screenRecording() = 0;
-  virtual SocketTuner& socketTuner() = 0;
+  virtual SocketMonitor& socketMonitor() = 0;
   virtual StatusItem& statusItem() = 0;
   virtual TrustCheck& trust() = 0;
   virtual Workspace& workspace() = 0;

@@ -2,7 +2,7 @@
 
 #include "base/Executor.hpp"
 #include "base/SharedBytes.hpp"
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <cstdint>
 #include <deque>

@@ -34,14 +34,14 @@ struct NetworkThread::Runner {
   std::thread thread;
 };
 
-NetworkThread::NetworkThread(SocketTuner& tuner) : tuner_(tuner), runner_(std::make_unique<Runner>()) {}
+NetworkThread::NetworkThread(SocketMonitor& monitor) : monitor_(monitor), runner_(std::make_unique<Runner>()) {}
 
 NetworkThread::~NetworkThread() {
   finish();
 }
 
 std::unique_ptr<Listener> NetworkThread::makeListener(const ListenerOptions& options) {
-  return std::make_unique<WebSocketListener>(*runner_->queue, tuner_, options);
+  return std::make_unique<WebSocketListener>(*runner_->queue, monitor_, options);
 }
 
 void NetworkThread::finish() {

@@ -6,7 +6,7 @@
 
 namespace orvel {
 
-class SocketTuner;
+class SocketMonitor;
 
 /// The thread on which all connections live: the listener and every session have their serial queue on it.
 ///
@@ -16,8 +16,8 @@ class SocketTuner;
 /// Threads: any; `finish` is for the owner.
 class NetworkThread final : public Network {
  public:
-  /// `tuner` must outlive it.
-  explicit NetworkThread(SocketTuner& tuner);
+  /// `monitor` must outlive it.
+  explicit NetworkThread(SocketMonitor& monitor);
   ~NetworkThread() override;
   NetworkThread(const NetworkThread&) = delete;
   NetworkThread& operator=(const NetworkThread&) = delete;
@@ -31,7 +31,7 @@ class NetworkThread final : public Network {
  private:
   struct Runner;
 
-  SocketTuner& tuner_;
+  SocketMonitor& monitor_;
   std::unique_ptr<Runner> runner_;
 };
 

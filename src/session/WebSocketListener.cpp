@@ -1,7 +1,7 @@
 #include "session/WebSocketListener.hpp"
 
 #include "session/NetworkQueue.hpp"
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 #include "session/WebSocketTransport.hpp"
 
 #include <boost/asio/ip/tcp.hpp>
@@ -23,8 +23,8 @@ constexpr Seconds acceptPause{0.1};
 
 class WebSocketListener::Port : public std::enable_shared_from_this<Port> {
  public:
-  Port(NetworkQueue& queue, SocketTuner& tuner, const ListenerOptions& options)
-      : queue_(queue), tuner_(tuner), options_(options), acceptor_(queue.context()) {}
+  Port(NetworkQueue& queue, SocketMonitor& monitor, const ListenerOptions& options)
+      : queue_(queue), monitor_(monitor), options_(options), acceptor_(queue.context()) {}
 
   void start(Handlers handlers) {
     if (closed_) return;
@@ -81,21 +81,21 @@ class WebSocketListener::Port : public std::enable_shared_from_this<Port> {
     }
     Error ignored;
     socket.set_option(tcp::no_delay(true), ignored);
-    tuner_.enableKeepAlive(socket.native_handle(), options_.keepAliveIdle);
-    handlers_.connected(makeWebSocketTransport(queue_, tuner_, std::move(socket), options_.maximumMessageSize));
+    monitor_.enableKeepAlive(socket.native_handle(), options_.keepAliveIdle);
+    handlers_.connected(makeWebSocketTransport(queue_, monitor_, std::move(socket), options_.maximumMessageSize));
     accept();
   }
 
   NetworkQueue& queue_;
-  SocketTuner& tuner_;
+  SocketMonitor& monitor_;
   const ListenerOptions options_;
   boost::asio::basic_socket_acceptor<tcp, boost::asio::io_context::executor_type> acceptor_;
   Handlers handlers_;
   bool closed_ = false;
 };
 
-WebSocketListener::WebSocketListener(NetworkQueue& queue, SocketTuner& tuner, const ListenerOptions& options)
-    : port_(std::make_shared<Port>(queue, tuner, options)), queue_(queue) {}
+WebSocketListener::WebSocketListener(NetworkQueue& queue, SocketMonitor& monitor, const ListenerOptions& options)
+    : port_(std::make_shared<Port>(queue, monitor, options)), queue_(queue) {}
 
 // Only memory that has run out could be thrown here, and nothing could go on then.
 WebSocketListener::~WebSocketListener() {  // NOLINT(bugprone-exception-escape)

@@ -7,14 +7,14 @@
 namespace orvel {
 
 class NetworkQueue;
-class SocketTuner;
+class SocketMonitor;
 
 /// Listens on a TCP port, by IPv6 and IPv4 at once where the system has both, and makes a WebSocket transport of each
 /// connection. A port on which anybody else listens cannot be opened. Threads: see Listener.
 class WebSocketListener final : public Listener {
  public:
-  /// `queue` and `tuner` must outlive it and the transports that it makes.
-  WebSocketListener(NetworkQueue& queue, SocketTuner& tuner, const ListenerOptions& options);
+  /// `queue` and `monitor` must outlive it and the transports that it makes.
+  WebSocketListener(NetworkQueue& queue, SocketMonitor& monitor, const ListenerOptions& options);
   ~WebSocketListener() override;  // NOLINT(bugprone-exception-escape): as where it is defined
 
   void start(Handlers handlers) override;

@@ -4,7 +4,7 @@
 #include "session/FrameLane.hpp"
 #include "session/NetworkQueue.hpp"
 #include "session/SocketLayer.hpp"
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/dispatch.hpp>
@@ -65,8 +65,8 @@ struct Opening {
 /// One connection. Everything runs on the network thread; pending operations keep it alive.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  Connection(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
-      : queue_(queue), tuner_(tuner), stream_(std::move(socket)), timer_(stream_.get_executor()) {
+  Connection(NetworkQueue& queue, SocketMonitor& monitor, ConnectionSocket socket, std::size_t maximumMessageSize)
+      : queue_(queue), monitor_(monitor), stream_(std::move(socket)), timer_(stream_.get_executor()) {
     stream_.set_option(websocket::stream_base::timeout{.handshake_timeout = handshakeTimeout,
                                                        .idle_timeout = websocket::stream_base::none(),
                                                        .keep_alive_pings = false});
@@ -107,7 +107,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     if (!frames_) {
       // Few phones watch; the others need not carry it.
       frames_ = std::make_unique<FrameLane>(
-          queue_, [this] { return tuner_.backlog(stream_.next_layer().socket().native_handle()); },
+          queue_, [this] { return monitor_.backlog(stream_.next_layer().socket().native_handle()); },
           [this] { write(); });
       if (ended_) frames_->end();
     }
@@ -238,7 +238,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void checkForHangUp() {
     if (ended_ || closing_ || (reading_ && !pongIsOwed_)) return;
-    const bool hasHungUp = tuner_.hasHungUp(stream_.next_layer().socket().native_handle());
+    const bool hasHungUp = monitor_.hasHungUp(stream_.next_layer().socket().native_handle());
     if (!reading_) {
       if (hasHungUp) {
         if (handlers_.hungUp) handlers_.hungUp();
@@ -317,7 +317,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void checkDelivery() {
     watchingDelivery_ = false;
     SocketLayer& layer = stream_.next_layer();
-    const Delivery delivery = tuner_.delivery(layer.socket().native_handle(), deliveryTimeout);
+    const Delivery delivery = monitor_.delivery(layer.socket().native_handle(), deliveryTimeout);
     if (delivery == Delivery::ignored) {
       layer.close();
     } else if (delivery == Delivery::pending || writing_) {
@@ -326,7 +326,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
 
   NetworkQueue& queue_;
-  SocketTuner& tuner_;
+  SocketMonitor& monitor_;
   websocket::stream<SocketLayer, false> stream_;
   asio::steady_timer timer_;  // of the next look at the delivery; of the close once the connection has ended
   beast::flat_buffer incoming_;
@@ -349,8 +349,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
 class WebSocketTransport final : public Transport {
  public:
-  WebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket, std::size_t maximumMessageSize)
-      : queue_(queue), connection_(std::make_shared<Connection>(queue, tuner, std::move(socket), maximumMessageSize)) {}
+  WebSocketTransport(NetworkQueue& queue, SocketMonitor& monitor, ConnectionSocket socket,
+                     std::size_t maximumMessageSize)
+      : queue_(queue),
+        connection_(std::make_shared<Connection>(queue, monitor, std::move(socket), maximumMessageSize)) {}
 
   // Only memory that has run out could be thrown here, and nothing could go on then.
   ~WebSocketTransport() override { cancel(); }  // NOLINT(bugprone-exception-escape)
@@ -392,9 +394,9 @@ class WebSocketTransport final : public Transport {
 
 }  // namespace
 
-std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket,
+std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketMonitor& monitor, ConnectionSocket socket,
                                                   std::size_t maximumMessageSize) {
-  return std::make_unique<WebSocketTransport>(queue, tuner, std::move(socket), maximumMessageSize);
+  return std::make_unique<WebSocketTransport>(queue, monitor, std::move(socket), maximumMessageSize);
 }
 
 }  // namespace orvel

@@ -12,7 +12,7 @@
 namespace orvel {
 
 class NetworkQueue;
-class SocketTuner;
+class SocketMonitor;
 
 using ConnectionSocket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, boost::asio::io_context::executor_type>;
 
@@ -20,8 +20,8 @@ using ConnectionSocket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, 
 /// `start` answers the handshake, for which the peer has ten seconds. Pings are answered here. A peer that breaks the
 /// protocol or sends a message of more than `maximumMessageSize` bytes gets a close frame with the code for it, and the
 /// connection ends. A peer that does not acknowledge what is sent to it is given up as one that has vanished. `queue`
-/// and `tuner` must outlive the transport.
-std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketTuner& tuner, ConnectionSocket socket,
+/// and `monitor` must outlive the transport.
+std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketMonitor& monitor, ConnectionSocket socket,
                                                   std::size_t maximumMessageSize);
 
 }  // namespace orvel

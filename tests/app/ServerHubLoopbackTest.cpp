@@ -6,7 +6,7 @@
 #include "fakes/Rules.hpp"
 #include "session/NetworkThread.hpp"
 #include "session/RawWebSocket.hpp"
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -48,7 +48,7 @@ class OtherListener {
 };
 
 /// Notes what the listener asks for and has asked for before.
-struct RecordingTuner final : SocketTuner {
+struct RecordingMonitor final : SocketMonitor {
   bool enableKeepAlive(int socket, Seconds idle) override {
     int noDelay = 0;
     socklen_t size = sizeof noDelay;
@@ -118,8 +118,8 @@ struct ServerHubLoopbackTest : testing::Test {
   RecordingDesktop desktop;
   RecordingAdvertiser advertiser;
   Rules rules{desktop, clock, workers};
-  RecordingTuner tuner;
-  NetworkThread network{tuner};
+  RecordingMonitor monitor;
+  NetworkThread network{monitor};
   std::shared_ptr<ServerHub> hub;
 };
 
@@ -153,7 +153,7 @@ TEST_F(ServerHubLoopbackTest, ConnectionsAreProbedAndSendAtOnce) {
   startAndWaitFor([](const HubState& next) { return next.isRunning; });
   RawWebSocket phone(hub->port());
   ASSERT_TRUE(phone.open());
-  const auto seen = tuner.seen.withLock([](const RecordingTuner::Seen& all) { return all; });
+  const auto seen = monitor.seen.withLock([](const RecordingMonitor::Seen& all) { return all; });
   EXPECT_EQ(seen.keepAliveIdle, Seconds(10));
   EXPECT_TRUE(seen.noDelay);
 }

@@ -12,7 +12,7 @@
 #include "session/Advertiser.hpp"
 #include "session/Machine.hpp"
 #include "session/Preferences.hpp"
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "session/Network.hpp"
 #include "session/NetworkThread.hpp"
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <atomic>
 #include <chrono>
@@ -71,17 +71,17 @@ class LoopbackServer {
   void cancel(std::size_t index);
 
   /// What is known of all peers from now on.
-  void setHungUp(bool hungUp) { tuner_.hungUpNow = hungUp; }
+  void setHungUp(bool hungUp) { monitor_.hungUpNow = hungUp; }
 
   /// What has become of what was sent to any peer, from now on.
-  void setDelivery(Delivery delivery) { tuner_.deliveryNow = delivery; }
+  void setDelivery(Delivery delivery) { monitor_.deliveryNow = delivery; }
 
   /// How long the network takes from now on for what was sent before.
-  void setBacklog(Seconds backlog) { tuner_.backlogNow = backlog; }
+  void setBacklog(Seconds backlog) { monitor_.backlogNow = backlog; }
 
  private:
   class Peer;
-  struct Tuner final : SocketTuner {
+  struct Monitor final : SocketMonitor {
     bool enableKeepAlive(int, Seconds) override { return true; }
     Delivery delivery(int, Seconds) override { return deliveryNow; }
     bool hasHungUp(int socket) override { return socket < 0 || hungUpNow; }
@@ -103,8 +103,8 @@ class LoopbackServer {
   std::vector<ConnectionRecord> records_;
   std::vector<std::shared_ptr<Peer>> peers_;  // as many; null once it has ended
   std::uint16_t port_ = 0;
-  Tuner tuner_;
-  NetworkThread network_{tuner_};
+  Monitor monitor_;
+  NetworkThread network_{monitor_};
   std::unique_ptr<Listener> listener_;
 };
 

@@ -11,7 +11,7 @@
 #include "platform/linux/SystemLoginItemService.hpp"
 #include "platform/linux/SystemMachine.hpp"
 #include "platform/linux/SystemPreferences.hpp"
-#include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemSocketMonitor.hpp"
 #include "platform/linux/SystemStatusItem.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
 #include "platform/linux/applications/DesktopEntries.hpp"
@@ -60,7 +60,7 @@ class LinuxPlatform final : public Platform {
   Preferences& preferences() override { return preferences_; }
   PressWatch& presses() override { return backend_->presses(); }
   ScreenRecordingAccess& screenRecording() override { return backend_->screenRecording(); }
-  SocketTuner& socketTuner() override { return socketTuner_; }
+  SocketMonitor& socketMonitor() override { return socketMonitor_; }
   StatusItem& statusItem() override { return statusItem_; }
   TrustCheck& trust() override { return backend_->trust(); }
   Workspace& workspace() override { return workspace_; }
@@ -89,7 +89,7 @@ class LinuxPlatform final : public Platform {
   SystemLoginItemService loginItem_;
   SystemMachine machine_;
   SystemPreferences preferences_;
-  SystemSocketTuner socketTuner_;
+  SystemSocketMonitor socketMonitor_;
   SystemStatusItem statusItem_;
   SystemWorkspace workspace_;
   Guarded<End> end_;

@@ -17,7 +17,7 @@
 #include "platform/macos/SystemPreferences.hpp"
 #include "platform/macos/SystemPressWatch.hpp"
 #include "platform/macos/SystemScreenRecordingAccess.hpp"
-#include "platform/macos/SystemSocketTuner.hpp"
+#include "platform/macos/SystemSocketMonitor.hpp"
 #include "platform/macos/SystemStatusItem.hpp"
 #include "platform/macos/SystemTrustCheck.hpp"
 #include "platform/macos/SystemWorkspace.hpp"
@@ -55,7 +55,7 @@ class MacPlatform final : public Platform {
   Preferences& preferences() override { return preferences_; }
   PressWatch& presses() override { return presses_; }
   ScreenRecordingAccess& screenRecording() override { return screenRecording_; }
-  SocketTuner& socketTuner() override { return socketTuner_; }
+  SocketMonitor& socketMonitor() override { return socketMonitor_; }
   StatusItem& statusItem() override { return statusItem_; }
   TrustCheck& trust() override { return trust_; }
   Workspace& workspace() override { return workspace_; }
@@ -85,7 +85,7 @@ class MacPlatform final : public Platform {
   SystemPreferences preferences_;
   SystemPressWatch presses_;
   SystemScreenRecordingAccess screenRecording_;
-  SystemSocketTuner socketTuner_;
+  SystemSocketMonitor socketMonitor_;
   SystemStatusItem statusItem_;
   SystemTrustCheck trust_;
   SystemWorkspace workspace_;

@@ -22,7 +22,7 @@ set(ORVEL_MACOS_SOURCES
     SystemPreferences.mm
     SystemPressWatch.mm
     SystemScreenRecordingAccess.cpp
-    SystemSocketTuner.cpp
+    SystemSocketMonitor.cpp
     SystemStatusItem.mm
     SystemTrustCheck.mm
     SystemWorkspace.mm

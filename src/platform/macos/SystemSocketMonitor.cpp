@@ -1,4 +1,4 @@
-#include "platform/macos/SystemSocketTuner.hpp"
+#include "platform/macos/SystemSocketMonitor.hpp"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -36,7 +36,7 @@ int wholeSeconds(Seconds duration) {
 
 }  // namespace
 
-bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
+bool SystemSocketMonitor::enableKeepAlive(int socket, Seconds idle) {
   if (!(idle > Seconds(0))) return false;
   return setOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1) &&
          setOption(socket, IPPROTO_TCP, TCP_KEEPALIVE, wholeSeconds(idle)) &&
@@ -47,19 +47,19 @@ bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
 // The limit counts from the first repetition and is looked at with each further one, so a vanished peer may be given up
 // late; by then the probes have ended the connection. A peer that has no room is not sent repetitions, but asked for
 // room, which it answers: it is not given up.
-Delivery SystemSocketTuner::delivery(int socket, Seconds timeout) {
+Delivery SystemSocketMonitor::delivery(int socket, Seconds timeout) {
   const auto info = connectionInfo(socket);
   if (!info || info->tcpi_snd_sbbytes == 0) return Delivery::done;
   setOption(socket, IPPROTO_TCP, TCP_RXT_CONNDROPTIME, wholeSeconds(timeout));
   return Delivery::pending;
 }
 
-bool SystemSocketTuner::hasHungUp(int socket) {
+bool SystemSocketMonitor::hasHungUp(int socket) {
   const auto info = connectionInfo(socket);
   return !info || info->tcpi_state != established;
 }
 
-Backlog SystemSocketTuner::backlog(int socket) {
+Backlog SystemSocketMonitor::backlog(int socket) {
   const auto info = connectionInfo(socket);
   if (!info) return {};
   return backlogAt({.unacknowledged = info->tcpi_snd_sbbytes,
@@ -67,7 +67,7 @@ Backlog SystemSocketTuner::backlog(int socket) {
                     .trip = info->tcpi_srtt});
 }
 
-Backlog SystemSocketTuner::backlogAt(const Pace& pace) {
+Backlog SystemSocketMonitor::backlogAt(const Pace& pace) {
   // As much as fits into one way and back is on that way, not here.
   const std::uint32_t waiting = pace.unacknowledged - std::min(pace.unacknowledged, pace.window);
   const Seconds trip = std::chrono::milliseconds(std::max(pace.trip, 1u));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace orvel {
 /// a silent peer also while data waits, and ends the connection when data was repeated in vain for too long.
 ///
 /// Threads: any.
-class SystemSocketTuner final : public SocketTuner {
+class SystemSocketMonitor final : public SocketMonitor {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override;
 

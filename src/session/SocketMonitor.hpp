@@ -19,10 +19,11 @@ struct Backlog {
   Seconds time{0};  ///< How long it takes, at the pace of the last moments, until all of it has left this computer.
 };
 
-/// What each system does in a way of its own to find out that a peer has vanished. Threads: any.
-class SocketTuner {
+/// Watches what becomes of a TCP connection's peer and of the data sent to it, as each system's kernel reports it.
+/// Threads: any.
+class SocketMonitor {
  public:
-  virtual ~SocketTuner() = default;
+  virtual ~SocketMonitor() = default;
 
   /// Has a silent peer probed after `idle`, and the connection fail when it stays silent: within 30 s for an `idle` of
   /// 10 s, but only while nothing sent waits for an acknowledgement. False when the system refuses.

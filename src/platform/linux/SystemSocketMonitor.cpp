@@ -1,4 +1,4 @@
-#include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemSocketMonitor.hpp"
 
 #include <linux/sockios.h>
 #include <linux/tcp.h>
@@ -42,7 +42,7 @@ bool setOption(int socket, int level, int name, int value) {
 
 }  // namespace
 
-bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
+bool SystemSocketMonitor::enableKeepAlive(int socket, Seconds idle) {
   if (!(idle > Seconds(0))) return false;
   const int idleSeconds = static_cast<int>(std::ceil(std::min(idle.count(), longestIdle)));
   return setOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1) && setOption(socket, IPPROTO_TCP, TCP_KEEPIDLE, idleSeconds) &&
@@ -52,7 +52,7 @@ bool SystemSocketTuner::enableKeepAlive(int socket, Seconds idle) {
 
 // The kernel's own limit, TCP_USER_TIMEOUT, would do almost the same, but it also ends a connection whose peer answers
 // every probe and only has no room: a phone whose program is asleep.
-Delivery SystemSocketTuner::delivery(int socket, Seconds timeout) {
+Delivery SystemSocketMonitor::delivery(int socket, Seconds timeout) {
   const auto known = stateOf(socket);
   if (!known || known->waiting == 0) return Delivery::done;
   // Both are counted from the peer's last answer.
@@ -61,12 +61,12 @@ Delivery SystemSocketTuner::delivery(int socket, Seconds timeout) {
   return repeats >= fewRepeats && silence > timeout ? Delivery::ignored : Delivery::pending;
 }
 
-bool SystemSocketTuner::hasHungUp(int socket) {
+bool SystemSocketMonitor::hasHungUp(int socket) {
   const auto known = stateOf(socket);
   return !known || known->info.tcpi_state != established;
 }
 
-Backlog SystemSocketTuner::backlog(int socket) {
+Backlog SystemSocketMonitor::backlog(int socket) {
   const auto known = stateOf(socket);
   if (!known || known->waiting <= 0) return {};
   return backlogAt({.unacknowledged = static_cast<std::size_t>(known->waiting),
@@ -74,7 +74,7 @@ Backlog SystemSocketTuner::backlog(int socket) {
                     .shortestTrip = known->info.tcpi_min_rtt});
 }
 
-Backlog SystemSocketTuner::backlogAt(const Pace& pace) {
+Backlog SystemSocketMonitor::backlogAt(const Pace& pace) {
   const double bytesPerSecond = std::max(static_cast<double>(pace.bytesPerSecond), slowestPace);
   const bool isTripKnown = pace.shortestTrip != std::numeric_limits<std::uint32_t>::max();
   // As much as fits into one way and back is on that way, not here.

@@ -1,4 +1,4 @@
-#include "platform/linux/SystemSocketTuner.hpp"
+#include "platform/linux/SystemSocketMonitor.hpp"
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -16,10 +16,10 @@ namespace orvel {
 namespace {
 
 /// Runs each test with a socket of one address family.
-class SystemSocketTunerTest : public ::testing::TestWithParam<int> {
+class SystemSocketMonitorTest : public ::testing::TestWithParam<int> {
  protected:
-  SystemSocketTunerTest() : socket_(socket(GetParam(), SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-  ~SystemSocketTunerTest() override { close(socket_); }
+  SystemSocketMonitorTest() : socket_(socket(GetParam(), SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+  ~SystemSocketMonitorTest() override { close(socket_); }
 
   int option(int level, int name) const {
     int value = -1;
@@ -31,45 +31,45 @@ class SystemSocketTunerTest : public ::testing::TestWithParam<int> {
   const int socket_;
 };
 
-TEST_P(SystemSocketTunerTest, ASilentPeerIsProbedAfterTheIdleTime) {
+TEST_P(SystemSocketMonitorTest, ASilentPeerIsProbedAfterTheIdleTime) {
   ASSERT_EQ(option(SOL_SOCKET, SO_KEEPALIVE), 0);
-  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(10)));
+  ASSERT_TRUE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(10)));
   EXPECT_EQ(option(SOL_SOCKET, SO_KEEPALIVE), 1);
   EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 10);
 }
 
-TEST_P(SystemSocketTunerTest, AVanishedPeerFailsWithinThirtySeconds) {
-  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(10)));
+TEST_P(SystemSocketMonitorTest, AVanishedPeerFailsWithinThirtySeconds) {
+  ASSERT_TRUE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(10)));
   const int probesEnd =
       option(IPPROTO_TCP, TCP_KEEPIDLE) + option(IPPROTO_TCP, TCP_KEEPINTVL) * option(IPPROTO_TCP, TCP_KEEPCNT);
   EXPECT_GE(option(IPPROTO_TCP, TCP_KEEPCNT), 3) << "one lost packet must not cost a connection";
   EXPECT_LE(probesEnd, 27) << "data that leaves just before the end is looked after 3 s later";
 }
 
-TEST_P(SystemSocketTunerTest, PartsOfASecondCountAsAWholeOne) {
-  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(0.2)));
+TEST_P(SystemSocketMonitorTest, PartsOfASecondCountAsAWholeOne) {
+  ASSERT_TRUE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(0.2)));
   EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 1);
 }
 
-TEST_P(SystemSocketTunerTest, AnEndlessIdleTimeIsTheKernelsLongest) {
-  ASSERT_TRUE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(std::numeric_limits<double>::infinity())));
+TEST_P(SystemSocketMonitorTest, AnEndlessIdleTimeIsTheKernelsLongest) {
+  ASSERT_TRUE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(std::numeric_limits<double>::infinity())));
   EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 32767);
 }
 
-TEST_P(SystemSocketTunerTest, SenselessIdleTimesAreRefused) {
-  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(0)));
-  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(-1)));
-  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(socket_, Seconds(std::numeric_limits<double>::quiet_NaN())));
+TEST_P(SystemSocketMonitorTest, SenselessIdleTimesAreRefused) {
+  EXPECT_FALSE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(0)));
+  EXPECT_FALSE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(-1)));
+  EXPECT_FALSE(SystemSocketMonitor().enableKeepAlive(socket_, Seconds(std::numeric_limits<double>::quiet_NaN())));
 }
 
-TEST_P(SystemSocketTunerTest, WhatIsNoTCPSocketIsRefused) {
-  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(-1, Seconds(10)));
+TEST_P(SystemSocketMonitorTest, WhatIsNoTCPSocketIsRefused) {
+  EXPECT_FALSE(SystemSocketMonitor().enableKeepAlive(-1, Seconds(10)));
   const int datagrams = socket(GetParam(), SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  EXPECT_FALSE(SystemSocketTuner().enableKeepAlive(datagrams, Seconds(10)));
+  EXPECT_FALSE(SystemSocketMonitor().enableKeepAlive(datagrams, Seconds(10)));
   close(datagrams);
 }
 
-INSTANTIATE_TEST_SUITE_P(Families, SystemSocketTunerTest, ::testing::Values(AF_INET, AF_INET6),
+INSTANTIATE_TEST_SUITE_P(Families, SystemSocketMonitorTest, ::testing::Values(AF_INET, AF_INET6),
                          [](const auto& family) { return family.param == AF_INET ? "IPv4" : "IPv6"; });
 
 /// Two ends of a connection of which the host's has unread data.
@@ -88,7 +88,7 @@ class HangUpTest : public ::testing::Test {
     host_ = accept(listener, nullptr, nullptr);
     close(listener);
     EXPECT_EQ(send(phone_, "unread", 6, 0), 6);
-    EXPECT_FALSE(tuner_.hasHungUp(host_));
+    EXPECT_FALSE(monitor_.hasHungUp(host_));
   }
   ~HangUpTest() override {
     if (phone_ >= 0) close(phone_);
@@ -97,13 +97,13 @@ class HangUpTest : public ::testing::Test {
 
   /// Loopback is swift, but not immediate.
   bool hasHungUp() {
-    for (int look = 0; look < 200 && !tuner_.hasHungUp(host_); ++look) {
+    for (int look = 0; look < 200 && !monitor_.hasHungUp(host_); ++look) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    return tuner_.hasHungUp(host_);
+    return monitor_.hasHungUp(host_);
   }
 
-  SystemSocketTuner tuner_;
+  SystemSocketMonitor monitor_;
   int phone_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   int host_ = -1;
 };
@@ -126,13 +126,13 @@ TEST_F(HangUpTest, IsSeenBehindUnreadDataWhenThePeerResets) {
 }
 
 TEST_F(HangUpTest, IsTrueOfASocketThatIsNone) {
-  EXPECT_TRUE(tuner_.hasHungUp(-1));
+  EXPECT_TRUE(monitor_.hasHungUp(-1));
 }
 
-TEST(SystemSocketTuner, ABacklogLeavesAtThePaceOfTheConnectionLessWhatIsOnItsWay) {
+TEST(SystemSocketMonitor, ABacklogLeavesAtThePaceOfTheConnectionLessWhatIsOnItsWay) {
   constexpr std::uint32_t unknown = 0xffffffff;
   struct Case {
-    SystemSocketTuner::Pace pace;
+    SystemSocketMonitor::Pace pace;
     double seconds;
   };
   for (const Case& expected :
@@ -143,16 +143,16 @@ TEST(SystemSocketTuner, ABacklogLeavesAtThePaceOfTheConnectionLessWhatIsOnItsWay
         Case{{.unacknowledged = 60'000, .bytesPerSecond = 600'000, .shortestTrip = unknown}, 0.1},
         Case{{.unacknowledged = 60'000, .bytesPerSecond = 0, .shortestTrip = unknown}, 60},
         Case{{.unacknowledged = 60'000, .bytesPerSecond = 0, .shortestTrip = 40'000}, 59.96}}) {
-    const Backlog backlog = SystemSocketTuner::backlogAt(expected.pace);
+    const Backlog backlog = SystemSocketMonitor::backlogAt(expected.pace);
     EXPECT_EQ(backlog.bytes, expected.pace.unacknowledged);
     EXPECT_NEAR(backlog.time.count(), expected.seconds, 1e-9) << expected.pace.unacknowledged;
   }
 }
 
 /// Two ends of a connection on loopback; the far one reads only on request.
-class SystemSocketTunerDeliveryTest : public ::testing::Test {
+class SystemSocketMonitorDeliveryTest : public ::testing::Test {
  protected:
-  SystemSocketTunerDeliveryTest() {
+  SystemSocketMonitorDeliveryTest() {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -166,14 +166,14 @@ class SystemSocketTunerDeliveryTest : public ::testing::Test {
     far_ = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     close(listener);
   }
-  ~SystemSocketTunerDeliveryTest() override {
+  ~SystemSocketMonitorDeliveryTest() override {
     close(near_);
     close(far_);
   }
 
-  Delivery delivery(Seconds timeout = Seconds(0)) { return SystemSocketTuner().delivery(near_, timeout); }
+  Delivery delivery(Seconds timeout = Seconds(0)) { return SystemSocketMonitor().delivery(near_, timeout); }
 
-  Backlog backlog() { return SystemSocketTuner().backlog(near_); }
+  Backlog backlog() { return SystemSocketMonitor().backlog(near_); }
 
   /// Sends until the far end and the kernel have no more room.
   void fill() {
@@ -186,7 +186,7 @@ class SystemSocketTunerDeliveryTest : public ::testing::Test {
   int far_ = -1;
 };
 
-TEST_F(SystemSocketTunerDeliveryTest, WhatWasTakenIsDone) {
+TEST_F(SystemSocketMonitorDeliveryTest, WhatWasTakenIsDone) {
   EXPECT_EQ(delivery(), Delivery::done);
   ASSERT_EQ(send(near_, "x", 1, 0), 1);
   char byte = 0;
@@ -194,14 +194,14 @@ TEST_F(SystemSocketTunerDeliveryTest, WhatWasTakenIsDone) {
   EXPECT_EQ(delivery(), Delivery::done);
 }
 
-TEST_F(SystemSocketTunerDeliveryTest, APeerWithoutRoomLivesAllTheSame) {
+TEST_F(SystemSocketMonitorDeliveryTest, APeerWithoutRoomLivesAllTheSame) {
   fill();
   // Long enough for a few probes of the closed window, all of them answered.
   std::this_thread::sleep_for(std::chrono::milliseconds(1500));
   EXPECT_EQ(delivery(), Delivery::pending);
 }
 
-TEST_F(SystemSocketTunerDeliveryTest, WhatWasTakenIsNoBacklog) {
+TEST_F(SystemSocketMonitorDeliveryTest, WhatWasTakenIsNoBacklog) {
   EXPECT_EQ(backlog().bytes, 0u);
   EXPECT_EQ(backlog().time, Seconds(0));
   ASSERT_EQ(send(near_, "x", 1, 0), 1);
@@ -211,17 +211,17 @@ TEST_F(SystemSocketTunerDeliveryTest, WhatWasTakenIsNoBacklog) {
   EXPECT_EQ(backlog().time, Seconds(0));
 }
 
-TEST_F(SystemSocketTunerDeliveryTest, WhatThePeerHasNoRoomForIsABacklog) {
+TEST_F(SystemSocketMonitorDeliveryTest, WhatThePeerHasNoRoomForIsABacklog) {
   fill();
   EXPECT_GT(backlog().bytes, 10'000u);
 }
 
-TEST_F(SystemSocketTunerDeliveryTest, ASocketThatIsNoneHasNoBacklog) {
-  EXPECT_EQ(SystemSocketTuner().backlog(-1).bytes, 0u);
+TEST_F(SystemSocketMonitorDeliveryTest, ASocketThatIsNoneHasNoBacklog) {
+  EXPECT_EQ(SystemSocketMonitor().backlog(-1).bytes, 0u);
 }
 
-TEST_F(SystemSocketTunerDeliveryTest, ASocketThatIsNoneHasNothingToDeliver) {
-  EXPECT_EQ(SystemSocketTuner().delivery(-1, Seconds(0)), Delivery::done);
+TEST_F(SystemSocketMonitorDeliveryTest, ASocketThatIsNoneHasNothingToDeliver) {
+  EXPECT_EQ(SystemSocketMonitor().delivery(-1, Seconds(0)), Delivery::done);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/SocketTuner.hpp"
+#include "session/SocketMonitor.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace orvel {
 /// Asks the kernel for what it knows of a peer.
 ///
 /// Threads: any.
-class SystemSocketTuner final : public SocketTuner {
+class SystemSocketMonitor final : public SocketMonitor {
  public:
   bool enableKeepAlive(int socket, Seconds idle) override;
   Delivery delivery(int socket, Seconds timeout) override;
