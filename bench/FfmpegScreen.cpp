@@ -70,7 +70,7 @@ std::size_t FfmpegScreen::nextFrame() {
 void FfmpegScreen::readMore() {
   pollfd awaited{images_.get(), POLLIN, 0};
   std::array<char, 65536> part;
-  const bool came = poll(&awaited, 1, static_cast<int>(patience.count())) == 1;
+  const bool came = poll(&awaited, 1, static_cast<int>(timeout.count())) == 1;
   const ssize_t length = came ? read(images_.get(), part.data(), part.size()) : 0;
   if (length <= 0) throw std::runtime_error("ffmpeg gives no images (is it installed?): " + program_->output());
   read_.append(part.data(), static_cast<std::size_t>(length));

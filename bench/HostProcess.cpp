@@ -23,7 +23,7 @@ ChildProcess::Program hostProgram(ChildProcess::Environment environment, const s
 
 HostProcess::HostProcess(const ChildProcess::Environment& environment)
     : program_(hostProgram(environment, "--background")) {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (!RawPhone::isAnswered(hostPort)) {
     if (program_.waitForExit(Milliseconds(0)) || deadline.left() == Milliseconds(0)) {
       throw std::runtime_error("the host does not start: " + program_.output());

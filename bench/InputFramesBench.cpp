@@ -7,7 +7,7 @@
 #include "bench/RealServer.hpp"
 #include "bench/Samples.hpp"
 #include "bench/ServerProcess.hpp"
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 #include "tools/PhoneFrames.hpp"
 
 #include <sys/prctl.h>
@@ -61,7 +61,7 @@ class Phones {
 
   /// Waits until the server has taken everything.
   void settle() const {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     const Tally& tally = server_.tally();
     while (tally.dx != frames_ || tally.dy != dy_) {
       if (deadline.left() == Milliseconds(0)) throw std::runtime_error("a server has lost frames");

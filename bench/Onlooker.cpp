@@ -1,6 +1,6 @@
 #include "bench/Onlooker.hpp"
 
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 
 #include <poll.h>
 #include <xcb/damage.h>
@@ -47,7 +47,7 @@ void Onlooker::lookAt(const Rect& part) {
 }
 
 Onlooker::Moment Onlooker::seeNewLook() {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   bool hasChanged = false;
   Moment moment{};
   while (waitForDrawing(hasChanged ? stillness : deadline.left())) {

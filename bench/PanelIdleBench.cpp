@@ -36,7 +36,7 @@ constexpr milliseconds betweenClicks{500};
 constexpr milliseconds lookInterval{2};
 
 void waitUntil(const char* what, const std::function<bool()>& isTrue) {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (!isTrue()) {
     if (deadline.left() == Milliseconds(0)) throw std::runtime_error(std::string("in vain waited until ") + what);
     std::this_thread::sleep_for(lookInterval);
@@ -63,7 +63,7 @@ class PanelUser {
       : login_(login),
         host_(host),
         hasScreenReader_(hasScreenReader),
-        bus_(MessageBus::open(login.bus.address(), TimeLimit(patience))) {
+        bus_(MessageBus::open(login.bus.address(), TimeLimit(timeout))) {
     if (!bus_) throw std::runtime_error("there is no bus");
     if (!login.tray.waitForIcon()) throw std::runtime_error("the host has no icon");
   }
@@ -75,7 +75,7 @@ class PanelUser {
                            .interface = "org.freedesktop.Application",
                            .method = "Activate",
                            .arguments = g_variant_new("(a{sv})", nullptr)};
-    if (!bus_->call(activate, TimeLimit(patience))) throw std::runtime_error("the host does not open its panel");
+    if (!bus_->call(activate, TimeLimit(timeout))) throw std::runtime_error("the host does not open its panel");
     waitUntil("the panel has the keyboard", [this] {
       const auto windows = login_.windowManager.windowsOf("orvel");
       return !windows.empty() && windows.back() == login_.windowManager.activeWindow();

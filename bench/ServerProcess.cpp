@@ -1,7 +1,7 @@
 #include "bench/ServerProcess.hpp"
 
 #include "desktop/Descriptor.hpp"
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 
 #include <netinet/in.h>
 #include <signal.h>
@@ -42,7 +42,7 @@ ServerProcess::~ServerProcess() {
 }
 
 void ServerProcess::waitUntilListening() {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (tally_.port == 0) {
     if (pid_ < 0 || deadline.left() == Milliseconds(0) || waitpid(pid_, nullptr, WNOHANG) != 0) {
       throw std::runtime_error("a server does not start");

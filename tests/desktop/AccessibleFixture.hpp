@@ -18,7 +18,7 @@ struct AccessibleFixture : testing::Test {
   AccessibleFixture() { EXPECT_TRUE(bus.waitForAccessibility()); }
 
   /// Waits until something becomes true. False when it does not in time.
-  static bool eventually(const std::function<bool()>& isTrue, Milliseconds limit = patience) {
+  static bool eventually(const std::function<bool()>& isTrue, Milliseconds limit = timeout) {
     const Deadline deadline(limit);
     while (!isTrue()) {
       if (deadline.left() == Milliseconds(0)) return false;

@@ -28,14 +28,14 @@ constexpr int focusedState = 12;
 constexpr int showingState = 25;
 
 std::string accessibilityAddress(const SessionBus& session) {
-  const auto bus = MessageBus::open(session.address(), TimeLimit(patience));
+  const auto bus = MessageBus::open(session.address(), TimeLimit(timeout));
   if (!bus) throw std::runtime_error("no message bus");
   const auto reply = bus->call({.destination = "org.a11y.Bus",
                                 .path = "/org/a11y/bus",
                                 .interface = "org.a11y.Bus",
                                 .method = "GetAddress",
                                 .replyType = "(s)"},
-                               TimeLimit(patience));
+                               TimeLimit(timeout));
   if (!reply) throw std::runtime_error("no bus of accessibility");
   const char* address = nullptr;
   g_variant_get(reply.get(), "(&s)", &address);
@@ -72,7 +72,7 @@ std::string described(const AccessibleProgram::Nodes& nodes) {
 }  // namespace
 
 AccessibleProgram::AccessibleProgram(const SessionBus& bus, pid_t process, Milliseconds timeLimit)
-    : bus_(MessageBus::open(accessibilityAddress(bus), TimeLimit(patience))) {
+    : bus_(MessageBus::open(accessibilityAddress(bus), TimeLimit(timeout))) {
   if (!bus_) throw std::runtime_error("no bus of accessibility");
   const TimeLimit limit(timeLimit);
   while (!findProgram(process, limit)) {
@@ -137,7 +137,7 @@ bool AccessibleProgram::waitFor(const std::function<bool(const Nodes&)>& isRight
 }
 
 AccessibleNode AccessibleProgram::waitFor(const std::string& role, const std::string& name) const {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (true) {
     if (const auto found = find(role, name)) return *found;
     if (deadline.left() == Milliseconds(0)) {
@@ -209,7 +209,7 @@ std::string AccessibleProgram::spoken(const Heard& heard) const {
 }
 
 bool AccessibleProgram::waitForAnnouncement(const std::string& text) const {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (true) {
     const auto heard = hearing_->withLock([](const auto& all) { return all; });
     if (std::ranges::any_of(heard, [&](const Heard& one) { return spoken(one) == text; })) return true;

@@ -2,8 +2,8 @@
 
 #include "base/Geometry.hpp"
 #include "base/Guarded.hpp"
-#include "desktop/Patience.hpp"
 #include "desktop/SessionBus.hpp"
+#include "desktop/Timeout.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
 #include <sys/types.h>
@@ -41,7 +41,7 @@ class AccessibleProgram {
 
   /// Waits until that process tells of its user interface. It does so only if accessibility was on
   /// before its start. Throws when it does not.
-  AccessibleProgram(const SessionBus& bus, pid_t process, Milliseconds timeLimit = patience);
+  AccessibleProgram(const SessionBus& bus, pid_t process, Milliseconds timeLimit = timeout);
 
   /// All elements that are shown now, parents before their children, in the order of the program.
   Nodes showing() const;
@@ -57,7 +57,7 @@ class AccessibleProgram {
   std::optional<AccessibleNode> focused() const;
 
   /// Waits until what is shown pleases `isRight`. False when it does not in time.
-  bool waitFor(const std::function<bool(const Nodes&)>& isRight, Milliseconds limit = patience) const;
+  bool waitFor(const std::function<bool(const Nodes&)>& isRight, Milliseconds limit = timeout) const;
 
   /// Waits until that one is shown. Throws, with what is shown instead, when it is not in time.
   AccessibleNode waitFor(const std::string& role, const std::string& name) const;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 #include "platform/linux/GLibPointer.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
@@ -22,7 +22,7 @@ class BusService {
   using Answer = std::function<GVariant*(GDBusMessage* call)>;
 
   BusService(const std::string& address, const std::string& name, Answer answer)
-      : answer_(std::move(answer)), bus_(*MessageBus::open(address, TimeLimit(patience))) {
+      : answer_(std::move(answer)), bus_(*MessageBus::open(address, TimeLimit(timeout))) {
     bus_.observe([this](GDBusConnection* connection, GDBusMessage* message) { return handle(connection, message); });
     bus_.call({.destination = "org.freedesktop.DBus",
                .path = "/org/freedesktop/DBus",
@@ -30,7 +30,7 @@ class BusService {
                .method = "RequestName",
                .arguments = g_variant_new("(su)", name.c_str(), 0u),
                .replyType = "(u)"},
-              TimeLimit(patience));
+              TimeLimit(timeout));
   }
   ~BusService() {
     g_dbus_connection_close_sync(bus_.connection(), nullptr, nullptr);

@@ -2,7 +2,7 @@
 
 #include "desktop/FrameReceiver.hpp"
 #include "desktop/Painter.hpp"
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "platform/linux/x11/X11CaptureService.hpp"
 #include "platform/linux/x11/X11Connection.hpp"

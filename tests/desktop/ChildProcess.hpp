@@ -1,7 +1,7 @@
 #pragma once
 
 #include "desktop/Descriptor.hpp"
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 
 #include <sys/types.h>
 
@@ -38,7 +38,7 @@ class ChildProcess {
   const std::string& output();
 
   /// Waits until `text` stands in the output. False when it does not come in time or the program ends without it.
-  bool waitForOutput(const std::string& text, Milliseconds limit = patience);
+  bool waitForOutput(const std::string& text, Milliseconds limit = timeout);
 
   /// Writes to its input.
   void write(const std::string& text);
@@ -47,7 +47,7 @@ class ChildProcess {
   void signal(int number);
 
   /// Waits for its end: its exit code, or 128 plus the signal that killed it. Nothing when it does not end in time.
-  std::optional<int> waitForExit(Milliseconds limit = patience);
+  std::optional<int> waitForExit(Milliseconds limit = timeout);
 
  private:
   void pump(Milliseconds limit);

@@ -63,7 +63,7 @@ struct ClockTest : testing::Test {
 
   /// A picture in which the clock can be read.
   Camera::Pixels pictureWithTime() const {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     auto picture = camera.photograph();
     while (!timeIn(picture) && deadline.left() > Milliseconds(0)) picture = camera.photograph();
     return picture;
@@ -75,9 +75,9 @@ struct ClockTest : testing::Test {
 
 TEST_F(ClockTest, ShowsTheTimeWhereItIsTold) {
   ChildProcess program(clock({"--geometry", "480x300+641+397"}));
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   Camera::Pixels picture;
-  milliseconds age = patience;
+  milliseconds age = timeout;
   // A busy computer may keep it waiting now and then.
   while (abs(age) > milliseconds(100) && deadline.left() > Milliseconds(0)) {
     const auto before = now();
@@ -93,7 +93,7 @@ TEST_F(ClockTest, GoesOn) {
   ChildProcess program(clock({}));
   const auto first = timeIn(pictureWithTime());
   ASSERT_TRUE(first) << program.output();
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   auto later = first;
   while (later == first && deadline.left() > Milliseconds(0)) later = timeIn(pictureWithTime());
   ASSERT_TRUE(later);
@@ -111,7 +111,7 @@ TEST_F(ClockTest, SomethingMovesWhereThereShallBeNoise) {
     return noise;
   };
   const auto first = noiseIn(pictureWithTime());
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   auto later = first;
   while (later == first && deadline.left() > Milliseconds(0)) later = noiseIn(pictureWithTime());
   EXPECT_NE(later, first);

@@ -47,7 +47,7 @@ struct CursorSnapDesktopTest : AccessibleFixture {
   void waitForSnap() {
     std::binary_semaphore ended{0};
     snapQueue->post([&] { ended.release(); });
-    EXPECT_TRUE(ended.try_acquire_for(patience));
+    EXPECT_TRUE(ended.try_acquire_for(timeout));
   }
 
   SystemClock clock;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/Patience.hpp"
 #include "desktop/Picture.hpp"
+#include "desktop/Timeout.hpp"
 #include "mirror/CaptureService.hpp"
 
 #include <sys/types.h>
@@ -32,10 +32,10 @@ class FrameReceiver {
   std::vector<Time> times() const;
 
   /// Waits until so many were offered in all.
-  bool waitForCount(std::size_t count, Milliseconds limit = patience);
+  bool waitForCount(std::size_t count, Milliseconds limit = timeout);
 
   /// Waits until the newest picture pleases. False when none does in time.
-  bool waitForPicture(const std::function<bool(const Picture&)>& pleases, Milliseconds limit = patience);
+  bool waitForPicture(const std::function<bool(const Picture&)>& pleases, Milliseconds limit = timeout);
 
   /// Waits until no frame has come for a while, and returns how many there were in all.
   std::size_t settle(Milliseconds silence = 3 * lull);
@@ -44,7 +44,7 @@ class FrameReceiver {
   Picture picture() const;
 
   /// Waits until the stream has ended by itself; false when it does not.
-  bool waitForEnd(Milliseconds limit = patience);
+  bool waitForEnd(Milliseconds limit = timeout);
 
   /// How often the stream's thread has gone to sleep until now.
   long sleeps() const;

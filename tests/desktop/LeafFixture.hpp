@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/X11Witness.hpp"
 #include "platform/linux/SystemWorkspace.hpp"
@@ -47,7 +47,7 @@ class LeafSet {
   }
 
   /// Whether the end of the server is told of in time.
-  bool waitForEnd() { return ended_.get_future().wait_for(patience) == std::future_status::ready; }
+  bool waitForEnd() { return ended_.get_future().wait_for(timeout) == std::future_status::ready; }
 
  private:
   const std::unique_ptr<X11Connection> connection_;

@@ -1,7 +1,7 @@
 #include "base/Clock.hpp"
 #include "base/WorkerThreads.hpp"
 #include "catalog/Workspace.hpp"
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/X11Witness.hpp"
 #include "input/Displays.hpp"
@@ -83,7 +83,7 @@ TEST_F(OpenPlatformTest, ItsLeavesWorkTogether) {
   std::counting_semaphore<> activations{0};
   platform->workspace().observeActivation([&] { activations.release(); });
   witness.setRootProperty("_NET_ACTIVE_WINDOW", 17);
-  EXPECT_TRUE(activations.try_acquire_for(patience));
+  EXPECT_TRUE(activations.try_acquire_for(timeout));
   platform = nullptr;
 }
 
@@ -91,19 +91,19 @@ TEST_F(OpenPlatformTest, TheEndOfTheDesktopIsToldOfOnce) {
   std::promise<void> ended;  // throws when it is told twice
   platform->observeEnd([&] { ended.set_value(); });
   desktop.killServer();
-  EXPECT_EQ(ended.get_future().wait_for(patience), std::future_status::ready);
+  EXPECT_EQ(ended.get_future().wait_for(timeout), std::future_status::ready);
   EXPECT_FALSE(platform->trust().isTrusted());
   platform = nullptr;
 }
 
 TEST_F(OpenPlatformTest, AnEndBeforeAnybodyObservesIsToldOfAtOnce) {
   desktop.killServer();
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (platform->trust().isTrusted() && deadline.left() > Milliseconds(0)) {
   }
   std::promise<void> ended;
   platform->observeEnd([&] { ended.set_value(); });
-  EXPECT_EQ(ended.get_future().wait_for(patience), std::future_status::ready);
+  EXPECT_EQ(ended.get_future().wait_for(timeout), std::future_status::ready);
   platform = nullptr;
 }
 

@@ -72,7 +72,7 @@ struct ProgramsTest : testing::Test {
     return program;
   }
 
-  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = patience) {
+  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = timeout) {
     const Deadline deadline(limit);
     while (!isSo()) {
       if (deadline.left() == Milliseconds(0)) return false;
@@ -571,12 +571,12 @@ TEST_F(LaunchTest, ABusThatDoesNotAnswerHoldsNothingUp) {
   const auto entry = writeScript("");
   bus->signal(SIGSTOP);
   auto opening = std::async(std::launch::async, [&] { workspace.open(entry); });
-  EXPECT_EQ(opening.wait_for(patience / 2), std::future_status::ready);
+  EXPECT_EQ(opening.wait_for(timeout / 2), std::future_status::ready);
   bus->signal(SIGCONT);
   opening.get();
   EXPECT_FALSE(fs::exists(reportPath()));
   workspace.open(entry);
-  EXPECT_TRUE(eventually([&] { return fs::exists(reportPath()); }, patience / 4)) << "what failed may be tried again";
+  EXPECT_TRUE(eventually([&] { return fs::exists(reportPath()); }, timeout / 4)) << "what failed may be tried again";
 }
 
 TEST_F(LaunchTest, NoBusIsStarted) {

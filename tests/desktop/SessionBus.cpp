@@ -25,7 +25,7 @@ BusCall toAccessibility(const char* method, GVariant* arguments, const char* rep
 
 bool isAccessibilityOn(const MessageBus& bus) {
   const auto reply = bus.call(toAccessibility("Get", g_variant_new("(ss)", "org.a11y.Status", "IsEnabled"), "(v)"),
-                              TimeLimit(patience));
+                              TimeLimit(timeout));
   if (!reply) return false;
   GVariant* value = nullptr;
   g_variant_get(reply.get(), "(v)", &value);
@@ -64,16 +64,16 @@ void SessionBus::stop() {
 }
 
 bool SessionBus::switchOnAccessibility() const {
-  const auto bus = MessageBus::open(address_, TimeLimit(patience));
+  const auto bus = MessageBus::open(address_, TimeLimit(timeout));
   if (!bus) return false;
   GVariant* on = g_variant_new("(ssv)", "org.a11y.Status", "IsEnabled", g_variant_new_boolean(TRUE));
-  return bus->call(toAccessibility("Set", on, "()"), TimeLimit(patience)) != nullptr;
+  return bus->call(toAccessibility("Set", on, "()"), TimeLimit(timeout)) != nullptr;
 }
 
 bool SessionBus::waitForAccessibility() const {
-  const auto bus = MessageBus::open(address_, TimeLimit(patience));
+  const auto bus = MessageBus::open(address_, TimeLimit(timeout));
   if (!bus) return false;
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (!isAccessibilityOn(*bus)) {
     if (deadline.left() == Milliseconds(0)) return false;
     std::this_thread::sleep_for(Milliseconds(5));

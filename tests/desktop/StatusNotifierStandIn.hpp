@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/Patience.hpp"
 #include "desktop/SessionBus.hpp"
+#include "desktop/Timeout.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 
 #include <atomic>
@@ -18,7 +18,7 @@ class StatusNotifierStandIn {
  public:
   /// Answers that many questions with that, and then hangs.
   StatusNotifierStandIn(const SessionBus& bus, const char* answer, int answers = std::numeric_limits<int>::max())
-      : bus_(MessageBus::open(bus.address(), TimeLimit(patience))) {
+      : bus_(MessageBus::open(bus.address(), TimeLimit(timeout))) {
     if (!bus_) throw std::runtime_error("no bus");
     // A message may still be looked at when this object has gone.
     bus_->observe([questions = questions_, answer, answers](GDBusConnection* connection, GDBusMessage* message) {
@@ -32,7 +32,7 @@ class StatusNotifierStandIn {
                                    .method = "RequestName",
                                    .arguments = g_variant_new("(su)", name, 0u),
                                    .replyType = "(u)"},
-                                  TimeLimit(patience));
+                                  TimeLimit(timeout));
     if (!named) throw std::runtime_error("no name on the bus");
   }
   ~StatusNotifierStandIn() { g_dbus_connection_close_sync(bus_->connection(), nullptr, nullptr); }
@@ -50,7 +50,7 @@ class StatusNotifierStandIn {
   int questions() const { return *questions_; }
 
   bool waitForQuestions(int count) const {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (questions() < count && deadline.left() > Milliseconds(0)) std::this_thread::sleep_for(Milliseconds(5));
     return questions() >= count;
   }

@@ -97,7 +97,7 @@ struct SystemAppearanceTest : testing::Test {
         {.event = [this](const xcb_generic_event_t& event) { settings->handle(event); }, .ended = [] {}});
   }
 
-  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = patience) {
+  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = timeout) {
     const Deadline deadline(limit);
     while (!isSo()) {
       if (deadline.left() == Milliseconds(0)) return false;

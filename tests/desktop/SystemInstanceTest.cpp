@@ -96,7 +96,7 @@ TEST_F(SystemInstanceTest, WhenTheFirstHasGoneTheNextIsTheFirst) {
 TEST_F(SystemInstanceTest, OfManyAtOnceOneIsTheFirst) {
   for (int i = 0; i < 12; ++i) start({"show"});
   const auto isFirst = [](ChildProcess& program) { return program.output().find("first\n") != std::string::npos; };
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   std::size_t ended = 0;
   while (ended < 11 && deadline.left() > Milliseconds(0)) {
     ended = static_cast<std::size_t>(std::count_if(
@@ -175,7 +175,7 @@ struct StrangersTest : SystemInstanceTest {
     EXPECT_TRUE(parsed) << arguments;
     const GLibPointer<GVariant> reply(g_dbus_connection_call_sync(
         stranger.get(), "app.orvel.Orvel", "/app/orvel/Orvel", interface, method, parsed.get(), nullptr,
-        G_DBUS_CALL_FLAGS_NO_AUTO_START, static_cast<int>(patience.count()), nullptr, &error));
+        G_DBUS_CALL_FLAGS_NO_AUTO_START, static_cast<int>(timeout.count()), nullptr, &error));
     if (error == nullptr) return {};
     const GLibPointer<char> name(g_dbus_error_get_remote_error(error));
     std::string result = name ? name.get() : error->message;

@@ -34,7 +34,7 @@ class IconProgram {
   std::string state() {
     const std::size_t heard = process_.output().size();
     tell("ask");
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (process_.output().find('\n', heard) == std::string::npos && deadline.left() > Milliseconds(0)) {
       std::this_thread::sleep_for(Milliseconds(5));
     }
@@ -44,7 +44,7 @@ class IconProgram {
 
   /// Waits until it is shown, or is not. False when that does not come in time.
   bool waitForState(const std::string& word) {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (!state().starts_with(word)) {
       if (deadline.left() == Milliseconds(0)) return false;
       std::this_thread::sleep_for(Milliseconds(20));
@@ -54,7 +54,7 @@ class IconProgram {
 
   /// How often it has been activated, once that is `expected` or more, or when that does not come in time.
   int activations(int expected) {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (countOf("activated\n") < expected && deadline.left() > Milliseconds(0)) {
       std::this_thread::sleep_for(Milliseconds(5));
     }
@@ -120,7 +120,7 @@ TEST_P(SystemStatusItemTest, ShowsAnotherSymbol) {
   ASSERT_TRUE(tray.waitForIcon());
   const Picture before = picture();
   program.tell("rays");
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (picture() == before && deadline.left() > Milliseconds(0)) std::this_thread::sleep_for(Milliseconds(10));
   EXPECT_NE(picture(), before);
 }

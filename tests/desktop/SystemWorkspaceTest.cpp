@@ -12,9 +12,9 @@ struct SystemWorkspaceTest : LeafFixture {
 TEST_F(SystemWorkspaceTest, AnotherActiveWindowIsToldOfEachTime) {
   leaves.workspace.observeActivation([this] { activations.release(); });
   witness.setRootProperty("_NET_ACTIVE_WINDOW", 17);
-  EXPECT_TRUE(activations.try_acquire_for(patience));
+  EXPECT_TRUE(activations.try_acquire_for(timeout));
   witness.setRootProperty("_NET_ACTIVE_WINDOW", 18);
-  EXPECT_TRUE(activations.try_acquire_for(patience));
+  EXPECT_TRUE(activations.try_acquire_for(timeout));
   EXPECT_FALSE(activations.try_acquire());
 }
 
@@ -22,7 +22,7 @@ TEST_F(SystemWorkspaceTest, OtherPropertiesAreNot) {
   leaves.workspace.observeActivation([this] { activations.release(); });
   witness.setRootProperty("_NET_CURRENT_DESKTOP", 1);
   witness.setRootProperty("_NET_ACTIVE_WINDOW", 17);
-  EXPECT_TRUE(activations.try_acquire_for(patience));
+  EXPECT_TRUE(activations.try_acquire_for(timeout));
   EXPECT_FALSE(activations.try_acquire()) << "only the last of the two";
 }
 
@@ -31,7 +31,7 @@ TEST_F(SystemWorkspaceTest, ActivationsThatNobodyObservesAreHarmless) {
   witness.catchUp();
   leaves.workspace.observeActivation([this] { activations.release(); });
   witness.setRootProperty("_NET_ACTIVE_WINDOW", 18);
-  EXPECT_TRUE(activations.try_acquire_for(patience));
+  EXPECT_TRUE(activations.try_acquire_for(timeout));
 }
 
 }  // namespace

@@ -69,10 +69,10 @@ TrayHost::~TrayHost() {
 
 void TrayHost::start() {
   panel_.emplace(ChildProcess::Program{.command = command(), .environment = bus_.environment()});
-  if (!waitUntil([this] { return isServing(); }, patience)) {
+  if (!waitUntil([this] { return isServing(); }, timeout)) {
     throw std::runtime_error("no tray: " + panel_->output());
   }
-  waitUntil([this] { return isStill(iconPlace()); }, patience);
+  waitUntil([this] { return isStill(iconPlace()); }, timeout);
 }
 
 void TrayHost::stop() {
@@ -81,7 +81,7 @@ void TrayHost::stop() {
   panel_.reset();
   for (const pid_t plugin : plugins) kill(plugin, SIGKILL);
   if (look_.kind == Kind::xfce) forgetXfceSettings();
-  waitUntil([this] { return !isPainted(view_.picture()); }, patience);
+  waitUntil([this] { return !isPainted(view_.picture()); }, timeout);
 }
 
 Rect TrayHost::place() const {
@@ -219,7 +219,7 @@ void TrayHost::writeXfceSettings() const {
 
 /// Ends the keeper of the settings, who would hand out those that it has read, and not those of the next panel.
 void TrayHost::forgetXfceSettings() const {
-  const TimeLimit limit(patience);
+  const TimeLimit limit(timeout);
   const auto bus = MessageBus::open(bus_.address(), limit);
   if (!bus) return;
   const auto reply = bus->call({.destination = "org.freedesktop.DBus",
@@ -262,7 +262,7 @@ bool TrayHost::ownsXEmbedTray() const {
 }
 
 bool TrayHost::isStatusNotifierHost() const {
-  const TimeLimit limit(patience);
+  const TimeLimit limit(timeout);
   const auto bus = MessageBus::open(bus_.address(), limit);
   if (!bus) return false;
   const auto reply =

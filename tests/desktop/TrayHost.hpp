@@ -3,8 +3,8 @@
 #include "base/Geometry.hpp"
 #include "desktop/ChildProcess.hpp"
 #include "desktop/DesktopView.hpp"
-#include "desktop/Patience.hpp"
 #include "desktop/SessionBus.hpp"
+#include "desktop/Timeout.hpp"
 #include "desktop/VirtualDesktop.hpp"
 
 #include <xcb/xcb.h>
@@ -61,10 +61,10 @@ class TrayHost {
   std::optional<Rect> iconPlace() const;
 
   /// Waits until it shows an icon that has stopped to move. Nothing when none comes in time.
-  std::optional<Rect> waitForIcon(Milliseconds limit = patience) const;
+  std::optional<Rect> waitForIcon(Milliseconds limit = timeout) const;
 
   /// Waits until it shows no icon. False when there is still one after that time.
-  bool waitForNoIcon(Milliseconds limit = patience) const;
+  bool waitForNoIcon(Milliseconds limit = timeout) const;
 
   /// Waits for the icon, then moves the pointer to its middle and presses and releases a button so many times.
   /// False without an icon.

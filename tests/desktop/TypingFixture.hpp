@@ -27,7 +27,7 @@ struct TypingFixture : testing::Test {
 
   /// Waits until something becomes true. False when it does not in time.
   template <class Condition>
-  static bool eventually(Condition isTrue, Milliseconds limit = patience) {
+  static bool eventually(Condition isTrue, Milliseconds limit = timeout) {
     const Deadline deadline(limit);
     while (!isTrue()) {
       if (deadline.left() == Milliseconds(0)) return false;

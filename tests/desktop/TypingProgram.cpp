@@ -27,7 +27,7 @@ class Terminal final : public TypingProgram {
  public:
   explicit Terminal(const VirtualDesktop& desktop)
       : file_(desktop.home() / "typed"), process_({.command = command(), .environment = environmentOf(desktop)}) {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (!std::filesystem::exists(file_)) {
       if (deadline.left() == Milliseconds(0)) throw std::runtime_error("no terminal: " + process_.output());
       std::this_thread::sleep_for(windowLookInterval);
@@ -88,7 +88,7 @@ std::unique_ptr<TypingProgram> TypingProgram::start(const VirtualDesktop& deskto
 }
 
 std::string TypingProgram::contentExpecting(const std::string& expected) {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   std::string typed = content();
   while (typed != expected && expected.starts_with(typed) && deadline.left() > Milliseconds(0)) {
     std::this_thread::sleep_for(windowLookInterval);

@@ -277,7 +277,7 @@ TEST_F(TypingTest, AServerThatIsKilledEndsIt) {
   });
   std::this_thread::sleep_for(lull);
   desktop.killServer();
-  EXPECT_EQ(typing.wait_for(patience), std::future_status::ready);
+  EXPECT_EQ(typing.wait_for(timeout), std::future_status::ready);
   EXPECT_FALSE(leaves.events.post(TextEvent{.text = u"abc"}));
 }
 
@@ -290,7 +290,7 @@ TEST_F(TypingTest, AServerThatHangsHoldsItUpUntilItIsPartedFrom) {
   desktop.signalServer(SIGSTOP);
   EXPECT_EQ(typing.wait_for(lull), std::future_status::timeout);
   leaves.connection().shutDown();
-  EXPECT_EQ(typing.wait_for(patience), std::future_status::ready);
+  EXPECT_EQ(typing.wait_for(timeout), std::future_status::ready);
   desktop.killServer();
 }
 

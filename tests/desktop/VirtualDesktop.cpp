@@ -49,7 +49,7 @@ std::string VirtualDesktop::start(const std::vector<std::string>& serverArgument
   command.insert(command.end(), serverArguments.begin(), serverArguments.end());
   server_.emplace(ChildProcess::Program{.command = command, .keptDescriptors = {writer.get()}});
   writer.close();
-  std::string number = readLine(reader.get(), patience);
+  std::string number = readLine(reader.get(), timeout);
   if (number.empty()) throw std::runtime_error("Xvfb does not start: " + server_->output());
   return number;
 }

@@ -66,7 +66,7 @@ WaylandDesktop::WaylandDesktop(Kind kind, bool hasOutput)
 
 WaylandDesktop::~WaylandDesktop() {
   compositor_->signal(SIGTERM);
-  compositor_->waitForExit(patience);
+  compositor_->waitForExit(timeout);
 }
 
 const std::filesystem::path& WaylandDesktop::privateHome() const {

@@ -23,7 +23,7 @@ WidgetWindow::WidgetWindow(const SessionBus& bus, const std::string& toolkit, co
 
 std::map<std::string, Rect> WidgetWindow::places() {
   tell("places");
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (process_.output().find("places said\n", heard_) == std::string::npos) {
     if (deadline.left() == Milliseconds(0)) throw std::runtime_error("the window is silent: " + process_.output());
     std::this_thread::sleep_for(Milliseconds(2));
@@ -44,7 +44,7 @@ std::map<std::string, Rect> WidgetWindow::places() {
 }
 
 Rect WidgetWindow::place(const std::string& widget) {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (deadline.left() > Milliseconds(0)) {
     const auto all = places();
     if (const auto found = all.find(widget); found != all.end()) return found->second;

@@ -1,6 +1,6 @@
 #include "desktop/WindowManager.hpp"
 
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 
 #include <algorithm>
 #include <csignal>
@@ -46,7 +46,7 @@ WindowManager::WindowManager(const VirtualDesktop& desktop)
                 .environment = environmentOn(desktop)}),
       connection_(xcb_connect(desktop.display().c_str(), nullptr)),
       root_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root) {
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (!std::filesystem::exists(readyMark(desktop))) {
     if (deadline.left() == Milliseconds(0)) throw std::runtime_error("no window manager");
     std::this_thread::sleep_for(Milliseconds(5));

@@ -193,7 +193,7 @@ TEST_F(X11CaptureServiceTest, ToGoOnWhileTheAnswerIsOnItsWayIsNotLost) {
                                       },
                                   .stopped = [] {}});
   started.set_value(std::get<std::unique_ptr<CaptureStream>>(result).get());
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (frames < 5 && deadline.left() > Milliseconds(0)) std::this_thread::yield();
   EXPECT_GE(frames, 5);
 }
@@ -474,7 +474,7 @@ TEST_F(X11CaptureServiceTest, WhoWaitsForAServerThatHangsCanGiveUp) {
   EXPECT_EQ(found.wait_for(lull), std::future_status::timeout);
   connection->shutDown();
   service.disconnect();
-  ASSERT_EQ(found.wait_for(patience), std::future_status::ready);
+  ASSERT_EQ(found.wait_for(timeout), std::future_status::ready);
   EXPECT_EQ(std::get<CaptureFailure>(found.get()).description, "The desktop does not answer.");
 }
 
@@ -484,7 +484,7 @@ TEST_F(X11CaptureServiceTest, AStartThatWaitsForAServerThatHangsCanBeGivenUp) {
   auto started = std::async(std::launch::async, [&] { return shareable->start(0, fullSize, receiver.handlers()); });
   EXPECT_EQ(started.wait_for(lull), std::future_status::timeout);
   service.disconnect();
-  ASSERT_EQ(started.wait_for(patience), std::future_status::ready);
+  ASSERT_EQ(started.wait_for(timeout), std::future_status::ready);
   EXPECT_EQ(std::get<CaptureFailure>(started.get()).description, "The desktop does not answer.");
 }
 
@@ -512,7 +512,7 @@ TEST_F(X11CaptureServiceTest, ManyCapturesLeaveNothingBehind) {
   }
   EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
   // The system forgets a thread a little later than those who have waited for its end.
-  const Deadline deadline(patience);
+  const Deadline deadline(timeout);
   while (entriesOf("/proc/self/task") > threads && deadline.left() > Milliseconds(0)) std::this_thread::yield();
   EXPECT_LE(entriesOf("/proc/self/task"), threads);
   EXPECT_EQ(sharedMappings(), 0);

@@ -68,7 +68,7 @@ TEST(X11ConnectionTest, AServerThatHangsDoesNotHoldUpTheEnd) {
   leaves->events.post(MouseEvent{.position = Point{10, 10}});
   leaves->events.flush();
   const auto end = std::async(std::launch::async, [&] { leaves.reset(); });
-  const bool ended = end.wait_for(patience) == std::future_status::ready;
+  const bool ended = end.wait_for(timeout) == std::future_status::ready;
   EXPECT_TRUE(ended);
   if (!ended) desktop.signalServer(SIGCONT);
 }

@@ -15,7 +15,7 @@ struct X11DisplaysTest : LeafFixture {
 
   /// Waits until the leaf tells of so many screens, or gives up.
   std::shared_ptr<const DisplayLayout> layoutOf(std::size_t screens) {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     auto layout = leaves.displays.layout();
     while (layout->screens.size() != screens && deadline.left() > Milliseconds(0)) {
       std::this_thread::yield();

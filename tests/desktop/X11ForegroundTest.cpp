@@ -143,7 +143,7 @@ class Leaf {
 };
 
 struct ForegroundFixture : testing::Test {
-  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = patience) {
+  static bool eventually(const std::function<bool()>& isSo, Milliseconds limit = timeout) {
     const Deadline deadline(limit);
     while (!isSo()) {
       if (deadline.left() == Milliseconds(0)) return false;
@@ -152,7 +152,7 @@ struct ForegroundFixture : testing::Test {
     return true;
   }
 
-  bool hasKeyboard(xcb_window_t window, Milliseconds limit = patience) {
+  bool hasKeyboard(xcb_window_t window, Milliseconds limit = timeout) {
     return eventually([&] { return toolkit.focus() == window; }, limit);
   }
 

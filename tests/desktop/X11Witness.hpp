@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Patience.hpp"
+#include "desktop/Timeout.hpp"
 
 #include <xcb/xcb.h>
 
@@ -42,10 +42,10 @@ class X11Witness {
   void forget() { inputs_.clear(); }
 
   /// Waits until what has come pleases `isEnough`. False when it does not in time, or the server goes.
-  bool waitFor(const std::function<bool(const Inputs&)>& isEnough, Milliseconds limit = patience);
+  bool waitFor(const std::function<bool(const Inputs&)>& isEnough, Milliseconds limit = timeout);
 
   /// The same, for a number of inputs.
-  bool waitForCount(std::size_t count, Milliseconds limit = patience);
+  bool waitForCount(std::size_t count, Milliseconds limit = timeout);
 
   /// Takes all that the server has sent by now, without waiting for more.
   const Inputs& catchUp();

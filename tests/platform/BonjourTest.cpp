@@ -119,7 +119,7 @@ void BonjourTest::expectOffered(const std::vector<Found>& expected) {
 }
 
 bool BonjourTest::eventually(const std::function<bool()>& holds) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
   while (!holds()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(Milliseconds(20));

@@ -258,7 +258,7 @@ struct AwkwardProgramTest : SystemLoginItemServiceTest, testing::WithParamInterf
   }
 
   bool waitForRecord() const {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (!fs::exists(record) && deadline.left() > Milliseconds(0)) std::this_thread::sleep_for(Milliseconds(5));
     return fs::exists(record);
   }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "desktop/DesktopView.hpp"
-#include "desktop/Patience.hpp"
 #include "desktop/SessionBus.hpp"
+#include "desktop/Timeout.hpp"
 #include "desktop/VirtualDesktop.hpp"
 #include "desktop/WindowManager.hpp"
 #include "tools/Deadline.hpp"
@@ -34,7 +34,7 @@ struct DesktopFixture : testing::Test {
     return true;
   }
 
-  static constexpr phone::Seconds phonePatience{30};
+  static constexpr phone::Seconds phoneTimeout{30};
 
   VirtualDesktop desktop;
   SessionBus bus{desktop};

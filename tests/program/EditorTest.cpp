@@ -37,7 +37,7 @@ struct EditorTest : LoginFixture {
   /// Types and waits until it is typed.
   void type(const std::string& text) {
     phone->sendFrame(*phone::textFrame(text));
-    const auto failure = phone->finishWork(phonePatience);
+    const auto failure = phone->finishWork(phoneTimeout);
     ASSERT_FALSE(failure) << failure->text;
   }
 
@@ -51,7 +51,7 @@ struct EditorTest : LoginFixture {
   /// What the phone's list says of the editor.
   std::optional<AppEntry> editor() {
     phone->send({{"t", "getApps"}});
-    const auto answer = phone->receive("apps", phonePatience);
+    const auto answer = phone->receive("apps", phoneTimeout);
     if (!answer) return std::nullopt;
     for (const auto& item : answer->at("items").as_array()) {
       if (item.at("id").as_string() != editorID) continue;

@@ -21,7 +21,7 @@ struct LifecycleTest : ProgramFixture {
 TEST_F(LifecycleTest, PhonesComeByBothInternetProtocols) {
   for (const char* address : {"127.0.0.1", "::1"}) {
     auto phone = connect(address);
-    const auto greeting = phone.greeting(phonePatience);
+    const auto greeting = phone.greeting(phoneTimeout);
     ASSERT_TRUE(greeting) << address;
     EXPECT_EQ(greeting->version, 1);
     EXPECT_FALSE(greeting->mac.empty());
@@ -30,17 +30,17 @@ TEST_F(LifecycleTest, PhonesComeByBothInternetProtocols) {
 
 TEST_F(LifecycleTest, PairingSaysWhetherInputIsAllowed) {
   auto phone = connect();
-  const auto welcome = phone.pair(code, "Zoe's phone", phonePatience);
+  const auto welcome = phone.pair(code, "Zoe's phone", phoneTimeout);
   ASSERT_TRUE(welcome);
   EXPECT_TRUE(welcome->accessibility);
 }
 
 TEST_F(LifecycleTest, AWrongCodeIsDeniedAndTheConnectionClosed) {
   auto phone = connect();
-  const auto welcome = phone.pair("ABCDEFGHJKMNPQRS", "Mallory", phonePatience);
+  const auto welcome = phone.pair("ABCDEFGHJKMNPQRS", "Mallory", phoneTimeout);
   ASSERT_FALSE(welcome);
   EXPECT_EQ(welcome.error().kind, phone::Error::Kind::denied);
-  const auto failure = phone.idle(phonePatience);
+  const auto failure = phone.idle(phoneTimeout);
   ASSERT_TRUE(failure);
   EXPECT_EQ(failure->kind, phone::Error::Kind::ended);
 }
@@ -75,7 +75,7 @@ TEST_P(SignalTest, EndsItCleanly) {
   phone.sendFrame(phone::buttonFrame(MouseButton::left, true));
   ASSERT_TRUE(waitForInput(Kind::buttonDown, 1));
   host.process().signal(GetParam());
-  const auto failure = phone.idle(phonePatience);
+  const auto failure = phone.idle(phoneTimeout);
   ASSERT_TRUE(failure);
   EXPECT_EQ(failure->kind, phone::Error::Kind::ended);
   EXPECT_TRUE(waitForInput(Kind::buttonUp, 1));
@@ -88,7 +88,7 @@ TEST_F(LifecycleTest, WhenTheDesktopGoesItEnds) {
   auto phone = connectPaired();
   desktop.killServer();
   EXPECT_EQ(host.process().waitForExit(), 1) << host.process().output();
-  EXPECT_TRUE(phone.idle(phonePatience));
+  EXPECT_TRUE(phone.idle(phoneTimeout));
 }
 
 TEST_F(LifecycleTest, ADesktopThatHangsDoesNotHoldUpTheEnd) {

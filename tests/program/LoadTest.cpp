@@ -21,7 +21,7 @@ struct LoadTest : ProgramFixture {
 
   /// Waits until the host has let go of what it had for its phones.
   bool waitForDescriptors(std::size_t count) {
-    const Deadline deadline(patience);
+    const Deadline deadline(timeout);
     while (host.footprint().descriptors > count) {
       if (deadline.left() == Milliseconds(0)) return false;
       std::this_thread::sleep_for(Milliseconds(5));
@@ -36,7 +36,7 @@ TEST_F(LoadTest, AThousandPhonesAtOnceAndNothingLeftBehind) {
   {
     std::vector<phone::PhoneClient> phones;
     for (int number = 0; number < 1000; ++number) phones.push_back(connect());
-    for (auto& phone : phones) ASSERT_TRUE(phone.greeting(phonePatience));
+    for (auto& phone : phones) ASSERT_TRUE(phone.greeting(phoneTimeout));
     const auto during = host.footprint();
     EXPECT_LE(during.threads, before.threads) << "a phone has no thread of its own";
     expectPrivateKilobytesBelow(before.privateKilobytes + 1000u * 12);
@@ -58,7 +58,7 @@ TEST_F(LoadTest, TwoThousandVisitsLeaveNothingBehind) {
         phone.hangUp();
         break;
       default:
-        phone.close(phonePatience);
+        phone.close(phoneTimeout);
     }
   };
   for (int number = 0; number < 200; ++number) visit(number);

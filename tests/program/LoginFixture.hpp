@@ -17,10 +17,10 @@ namespace orvel {
 struct LoginFixture : DesktopFixture {
   void SetUp() override {
     ASSERT_TRUE(host.waitUntilListening()) << host.process().output();
-    auto connected = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
+    auto connected = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phoneTimeout);
     ASSERT_TRUE(connected) << connected.error().text;
     phone.emplace(std::move(*connected));
-    ASSERT_TRUE(phone->pair(host.code(), "Test phone", phonePatience));
+    ASSERT_TRUE(phone->pair(host.code(), "Test phone", phoneTimeout));
   }
 
   HostProcess host{desktop, bus.environment()};

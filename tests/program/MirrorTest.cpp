@@ -24,7 +24,7 @@ struct Watcher {
   explicit Watcher(phone::PhoneClient connected) : client(std::move(connected)) {}
 
   phone::Result<phone::MirrorSize> start(const phone::MirrorWish& wish = {}) {
-    return mirror.start(wish, phonePatience);
+    return mirror.start(wish, phoneTimeout);
   }
 
   /// Takes what has come until nothing more does.
@@ -66,11 +66,11 @@ TEST_F(MirrorTest, TheFirstFrameComesAtOnceAndTheNextWhenSomethingChanges) {
   const auto size = phone->start();
   ASSERT_TRUE(size) << size.error().text;
   EXPECT_EQ(*size, (phone::MirrorSize{900, 563}));
-  ASSERT_TRUE(phone->mirror.next(phonePatience));
+  ASSERT_TRUE(phone->mirror.next(phoneTimeout));
   phone->takeFrames();
   EXPECT_EQ(phone->takeFrames(), 0) << "as nothing changes";
   movePointer();
-  EXPECT_TRUE(phone->mirror.next(phonePatience));
+  EXPECT_TRUE(phone->mirror.next(phoneTimeout));
   EXPECT_TRUE(waitForWords("Sharing your screen\n"));
 }
 
@@ -78,21 +78,21 @@ TEST_F(MirrorTest, TheLastToStartWinsAndTheFirstEndsItAllTheSame) {
   const auto first = watcher("First");
   const auto second = watcher("Second");
   ASSERT_TRUE(first->start());
-  ASSERT_TRUE(first->mirror.next(phonePatience));
+  ASSERT_TRUE(first->mirror.next(phoneTimeout));
   const auto size = second->start({.width = 640, .fps = 30, .quality = 0.6});
   ASSERT_TRUE(size);
   EXPECT_EQ(*size, (phone::MirrorSize{640, 400}));
-  ASSERT_TRUE(second->mirror.next(phonePatience));
+  ASSERT_TRUE(second->mirror.next(phoneTimeout));
   first->takeFrames();
   second->takeFrames();
   movePointer();
   EXPECT_GT(second->takeFrames(), 0);
   EXPECT_EQ(first->takeFrames(), 0);
-  ASSERT_FALSE(first->mirror.stop(phonePatience));
+  ASSERT_FALSE(first->mirror.stop(phoneTimeout));
   EXPECT_TRUE(waitForWords("No longer sharing your screen\n"));
   movePointer();
   EXPECT_EQ(second->takeFrames(), 0);
-  EXPECT_TRUE(second->client.ping(phonePatience)) << "and is connected still";
+  EXPECT_TRUE(second->client.ping(phoneTimeout)) << "and is connected still";
 }
 
 TEST_F(MirrorTest, APhoneThatVanishesIsNotSharedWithAnyMore) {
@@ -106,16 +106,16 @@ TEST_F(MirrorTest, APhoneThatVanishesIsNotSharedWithAnyMore) {
 TEST_F(MirrorTest, RestartedAHundredTimesItLeavesNothingBehind) {
   const auto phone = watcher("Phone");
   ASSERT_TRUE(phone->start());
-  ASSERT_TRUE(phone->mirror.next(phonePatience));
+  ASSERT_TRUE(phone->mirror.next(phoneTimeout));
   const auto before = host.footprint();
   for (int count = 0; count < 100; ++count) {
     ASSERT_TRUE(phone->start({.width = 400 + count, .fps = 30, .quality = 0.45}));
     if (count % 3 == 0) {
-      ASSERT_FALSE(phone->mirror.stop(phonePatience));
+      ASSERT_FALSE(phone->mirror.stop(phoneTimeout));
     }
   }
   ASSERT_TRUE(phone->start());
-  ASSERT_TRUE(phone->mirror.next(phonePatience));
+  ASSERT_TRUE(phone->mirror.next(phoneTimeout));
   const auto after = host.footprint();
   EXPECT_LE(after.threads, before.threads + 1) << "one that has just done its work may still be there";
   EXPECT_EQ(after.descriptors, before.descriptors);
@@ -133,13 +133,13 @@ TEST_F(MirrorTest, StartsThatWaitForNothingAreSurvived) {
   EXPECT_LE(host.footprint().threads, 20u);
   const auto size = first->start({.width = 640, .fps = 30, .quality = 0.45});
   ASSERT_TRUE(size) << size.error().text;
-  EXPECT_TRUE(first->mirror.next(phonePatience));
+  EXPECT_TRUE(first->mirror.next(phoneTimeout));
 }
 
 TEST_F(MirrorTest, TheProgramEndsWhileItMirrors) {
   const auto phone = watcher("Phone");
   ASSERT_TRUE(phone->start());
-  ASSERT_TRUE(phone->mirror.next(phonePatience));
+  ASSERT_TRUE(phone->mirror.next(phoneTimeout));
   host.process().signal(SIGTERM);
   EXPECT_EQ(host.process().waitForExit(), 0);
 }
@@ -147,7 +147,7 @@ TEST_F(MirrorTest, TheProgramEndsWhileItMirrors) {
 TEST_F(MirrorTest, TheProgramEndsWhileItMirrorsADesktopThatHangs) {
   const auto phone = watcher("Phone");
   ASSERT_TRUE(phone->start());
-  ASSERT_TRUE(phone->mirror.next(phonePatience));
+  ASSERT_TRUE(phone->mirror.next(phoneTimeout));
   desktop.signalServer(SIGSTOP);
   host.process().signal(SIGTERM);
   EXPECT_EQ(host.process().waitForExit(), 0);

@@ -30,7 +30,7 @@ struct MirroredDesktopTest : LoginFixture {
   /// The newest picture, once no more come.
   std::string lastFrame(phone::MirrorSession& mirror) {
     std::string newest;
-    for (phone::Seconds limit = phonePatience;; limit = phone::Seconds(1)) {
+    for (phone::Seconds limit = phoneTimeout;; limit = phone::Seconds(1)) {
       const auto frame = mirror.next(limit);
       if (!frame) return newest;
       newest = frame->jpeg();
@@ -49,7 +49,7 @@ struct MirroredDesktopTest : LoginFixture {
     const auto isOpen = Contains(HasSubstr("Mousepad"));
     ASSERT_TRUE(eventually([&] { return testing::Value(view.windowTitles(), isOpen); }));
     phone->sendFrame(*phone::textFrame(text));
-    ASSERT_FALSE(phone->finishWork(phonePatience));
+    ASSERT_FALSE(phone->finishWork(phoneTimeout));
     phone->sendFrame(phone::moveAbsoluteFrame(1, 1));
   }
 };
@@ -58,7 +58,7 @@ TEST_F(MirroredDesktopTest, ThePhoneSeesWhatTheScreenShows) {
   holdCursorStill();
   write(letter);
   phone::MirrorSession mirror(*phone);
-  const auto size = mirror.start({.width = 900, .fps = 12, .quality = 0.45}, phonePatience);
+  const auto size = mirror.start({.width = 900, .fps = 12, .quality = 0.45}, phoneTimeout);
   ASSERT_TRUE(size);
   const std::string jpeg = lastFrame(mirror);
   std::ofstream(ORVEL_SCREENSHOTS "/mirrored.jpg", std::ios::binary) << jpeg;
@@ -73,7 +73,7 @@ TEST_F(MirroredDesktopTest, WhatIsTypedMeanwhileIsInTheLastPicture) {
   holdCursorStill();
   write("");
   phone::MirrorSession mirror(*phone);
-  const auto size = mirror.start({.width = 900, .fps = 5, .quality = 0.45}, phonePatience);
+  const auto size = mirror.start({.width = 900, .fps = 5, .quality = 0.45}, phoneTimeout);
   ASSERT_TRUE(size);
   const Picture before = shownBy(lastFrame(mirror));
   phone->sendFrame(*phone::textFrame(letter));

@@ -90,14 +90,14 @@ struct PanelFixture : DesktopFixture {
   }
 
   static phone::PhoneClient connectPaired(const std::string& code, const std::string& device) {
-    auto client = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
+    auto client = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phoneTimeout);
     if (!client) throw std::runtime_error(client.error().text);
-    if (!client->pair(code, device, phonePatience)) throw std::runtime_error("not paired");
+    if (!client->pair(code, device, phoneTimeout)) throw std::runtime_error("not paired");
     return std::move(*client);
   }
 
   static bool isDisconnected(phone::PhoneClient& client) {
-    const auto failure = client.idle(phonePatience);
+    const auto failure = client.idle(phoneTimeout);
     return failure && failure->kind == phone::Error::Kind::ended;
   }
 

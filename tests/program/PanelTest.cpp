@@ -51,7 +51,7 @@ TEST_F(PanelTest, NoListOfProgramsShowsIt) {
   EXPECT_FALSE(windowManager.isInTaskbar(windowManager.windowsOf("orvel").front()));
   auto phone = connectPaired(host->code(), "Anna's iPhone");
   ASSERT_FALSE(phone.send({{"t", "getApps"}}));
-  const auto apps = phone.receive("apps", phonePatience);
+  const auto apps = phone.receive("apps", phoneTimeout);
   ASSERT_TRUE(apps);
   EXPECT_THAT(boost::json::serialize(*apps), testing::Not(HasSubstr("orvel")));
 }
@@ -144,7 +144,7 @@ TEST_F(PanelTest, AClickOnTheBarOrOnTheBareDesktopClosesIt) {
     ASSERT_FALSE(phone.sendFrame(phone::moveAbsoluteFrame(x / 1280.0, y / 800.0)));
     ASSERT_FALSE(phone.sendFrame(phone::clickFrame(phone::MouseButton::left, 1)));
     EXPECT_TRUE(waitUntilClosed()) << x << ' ' << y;
-    ASSERT_FALSE(phone.close(phonePatience));
+    ASSERT_FALSE(phone.close(phoneTimeout));
     std::this_thread::sleep_for(Milliseconds(600));  // as two clicks on the icon, not one double click
   }
 }
@@ -411,7 +411,7 @@ TEST_P(HangingTrayTest, DoesNotHoldUpTheEnd) {
   // It may hang before it could say that it listens.
   std::optional<phone::PhoneClient> phone;
   ASSERT_TRUE(eventually([&] {
-    auto connected = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phonePatience);
+    auto connected = phone::PhoneClient::connect("127.0.0.1", HostProcess::port, phoneTimeout);
     if (connected) phone.emplace(std::move(*connected));
     return phone.has_value();
   }));

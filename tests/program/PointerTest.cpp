@@ -26,7 +26,7 @@ TEST_F(PointerTest, APairedPhoneMovesThePointer) {
 TEST_F(PointerTest, AStrangerDoesNot) {
   const auto before = witness.pointer();
   auto phone = connect();
-  ASSERT_TRUE(phone.greeting(phonePatience));
+  ASSERT_TRUE(phone.greeting(phoneTimeout));
   phone.sendFrame(phone::moveAbsoluteFrame(0.25, 0.5));
   phone.sendFrame(phone::clickFrame(MouseButton::left, 1));
   settle(phone);
@@ -142,7 +142,7 @@ TEST_F(PointerTest, APhoneThatTakesLeaveInADragLetsGo) {
   auto phone = connectPaired();
   phone.sendFrame(phone::buttonFrame(MouseButton::left, true));
   ASSERT_TRUE(waitForInput(Kind::buttonDown, 1));
-  EXPECT_FALSE(phone.close(phonePatience));
+  EXPECT_FALSE(phone.close(phoneTimeout));
   EXPECT_TRUE(waitForInput(Kind::buttonUp, 1));
 }
 

@@ -13,7 +13,7 @@
 
 namespace orvel {
 
-inline constexpr phone::Seconds phonePatience{10};
+inline constexpr phone::Seconds phoneTimeout{10};
 
 /// A desktop with the host on it and a witness of what happens there.
 struct ProgramFixture : testing::Test {
@@ -23,20 +23,20 @@ struct ProgramFixture : testing::Test {
   }
 
   static phone::PhoneClient connect(const std::string& address = "127.0.0.1") {
-    auto client = phone::PhoneClient::connect(address, HostProcess::port, phonePatience);
+    auto client = phone::PhoneClient::connect(address, HostProcess::port, phoneTimeout);
     if (!client) throw std::runtime_error(client.error().text);
     return std::move(*client);
   }
 
   phone::PhoneClient connectPaired(const std::string& device = "Test phone") {
     auto client = connect();
-    const auto welcome = client.pair(code, device, phonePatience);
+    const auto welcome = client.pair(code, device, phoneTimeout);
     if (!welcome) throw std::runtime_error(welcome.error().text);
     return client;
   }
 
   /// Waits until everything that the phone has sent is done and visible to others.
-  void settle(phone::PhoneClient& client) { ASSERT_TRUE(client.ping(phonePatience)); }
+  void settle(phone::PhoneClient& client) { ASSERT_TRUE(client.ping(phoneTimeout)); }
 
   bool waitForInput(X11Witness::Kind kind, int detail) {
     return witness.waitFor([&](const X11Witness::Inputs& inputs) {

@@ -15,7 +15,7 @@ struct SnapTest : LoginFixture {
     return waitForPointer(place);
   }
 
-  bool waitForPointer(Point place, Milliseconds limit = patience) {
+  bool waitForPointer(Point place, Milliseconds limit = timeout) {
     const auto isThere = [&] {
       const auto [x, y] = view.pointer();
       return std::abs(x - place.x) <= 1 && std::abs(y - place.y) <= 1;

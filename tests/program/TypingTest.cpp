@@ -61,7 +61,7 @@ TEST_F(TypingTest, WhileALongTextIsTypedThePointerFollowsAllPhonesAndTheProgramC
     const int x = 10 * turn;
     phone.sendFrame(phone::moveAbsoluteFrame(x / 1280.0, 0.5));
     ASSERT_TRUE(waitForMotionTo(x, 400)) << turn;
-    const auto answer = phone.ping(phonePatience);
+    const auto answer = phone.ping(phoneTimeout);
     ASSERT_TRUE(answer);
     EXPECT_LT(*answer, phone::Seconds(1));
     typed += typedCharacters();
@@ -93,7 +93,7 @@ TEST_F(TypingTest, AKeyComesAfterACharacterThatNoKeyHas) {
   phone.sendFrame(*phone::textFrame("\u00e9"));
   press(phone, returnKey);
   ASSERT_TRUE(waitForInput(Kind::keyUp, returnKey));
-  ASSERT_FALSE(phone.finishWork(phonePatience));
+  ASSERT_FALSE(phone.finishWork(phoneTimeout));
   witness.catchUp();
   EXPECT_GE(pressedKeys().size(), 2u);
   EXPECT_EQ(pressedKeys().back(), returnKey);

@@ -7,7 +7,7 @@ namespace orvel {
 using Milliseconds = std::chrono::milliseconds;
 
 /// How long a desktop test waits for what must happen; only a test that fails waits that long.
-inline constexpr Milliseconds patience{10'000};
+inline constexpr Milliseconds timeout{10'000};
 
 /// How long it waits for what must not happen.
 inline constexpr Milliseconds lull{100};
