@@ -107,8 +107,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     if (!frames_) {
       // Few phones watch; the others need not carry it.
       frames_ = std::make_unique<FrameLane>(
-          queue_, [this] { return monitor_.backlog(stream_.next_layer().socket().native_handle()); },
-          [this] { write(); });
+          queue_, [this] { return monitor_.backlog(nativeSocket()); }, [this] { write(); });
       if (ended_) frames_->end();
     }
     frames_->add(std::move(frame));
@@ -238,7 +237,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void checkForHangUp() {
     if (ended_ || closing_ || (reading_ && !pongIsOwed_)) return;
-    const bool hasHungUp = monitor_.hasHungUp(stream_.next_layer().socket().native_handle());
+    const bool hasHungUp = monitor_.hasHungUp(nativeSocket());
     if (!reading_) {
       if (hasHungUp) {
         if (handlers_.hungUp) handlers_.hungUp();
@@ -316,14 +315,15 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   void checkDelivery() {
     watchingDelivery_ = false;
-    SocketLayer& layer = stream_.next_layer();
-    const Delivery delivery = monitor_.delivery(layer.socket().native_handle(), deliveryTimeout);
+    const Delivery delivery = monitor_.delivery(nativeSocket(), deliveryTimeout);
     if (delivery == Delivery::ignored) {
-      layer.close();
+      stream_.next_layer().close();
     } else if (delivery == Delivery::pending || writing_) {
       watchDelivery();
     }
   }
+
+  int nativeSocket() { return stream_.next_layer().socket().native_handle(); }
 
   NetworkQueue& queue_;
   SocketMonitor& monitor_;
@@ -349,10 +349,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
 class WebSocketTransport final : public Transport {
  public:
-  WebSocketTransport(NetworkQueue& queue, SocketMonitor& monitor, ConnectionSocket socket,
-                     std::size_t maximumMessageSize)
-      : queue_(queue),
-        connection_(std::make_shared<Connection>(queue, monitor, std::move(socket), maximumMessageSize)) {}
+  WebSocketTransport(NetworkQueue& queue, std::shared_ptr<Connection> connection)
+      : queue_(queue), connection_(std::move(connection)) {}
 
   // Only memory that has run out could be thrown here, and nothing could go on then.
   ~WebSocketTransport() override { cancel(); }  // NOLINT(bugprone-exception-escape)
@@ -368,10 +366,9 @@ class WebSocketTransport final : public Transport {
   void receive() override { connection_->receive(); }
 
   void send(std::string text, Task sent) override {
-    asio::dispatch(queue_.context(),
-                   [connection = connection_, text = std::move(text), sent = std::move(sent)]() mutable {
-                     connection->send(std::move(text), std::move(sent));
-                   });
+    asio::dispatch(queue_.context(), [here = connection_, text = std::move(text), sent = std::move(sent)]() mutable {
+      here->send(std::move(text), std::move(sent));
+    });
   }
 
   void sendFrame(std::uint8_t marker, SharedBytes image, Task taken) override {
@@ -396,7 +393,8 @@ class WebSocketTransport final : public Transport {
 
 std::unique_ptr<Transport> makeWebSocketTransport(NetworkQueue& queue, SocketMonitor& monitor, ConnectionSocket socket,
                                                   std::size_t maximumMessageSize) {
-  return std::make_unique<WebSocketTransport>(queue, monitor, std::move(socket), maximumMessageSize);
+  auto connection = std::make_shared<Connection>(queue, monitor, std::move(socket), maximumMessageSize);
+  return std::make_unique<WebSocketTransport>(queue, std::move(connection));
 }
 
 }  // namespace orvel

@@ -13,7 +13,7 @@
 
 namespace orvel {
 
-/// A desktop with a message bus and a window manager, on which programs tell of their user interfaces.
+/// A desktop with a message bus and a window manager, on which programs report their user interfaces.
 struct AccessibleFixture : testing::Test {
   AccessibleFixture() { EXPECT_TRUE(bus.waitForAccessibility()); }
 

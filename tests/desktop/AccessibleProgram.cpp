@@ -76,7 +76,7 @@ AccessibleProgram::AccessibleProgram(const SessionBus& bus, pid_t process, Milli
   if (!bus_) throw std::runtime_error("no bus of accessibility");
   const TimeLimit limit(timeLimit);
   while (!findProgram(process, limit)) {
-    if (limit.hasPassed()) throw std::runtime_error("the program does not tell of its user interface");
+    if (limit.hasPassed()) throw std::runtime_error("the program does not report its user interface");
     std::this_thread::sleep_for(lookInterval);
   }
 }

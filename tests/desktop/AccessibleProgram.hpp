@@ -39,7 +39,7 @@ class AccessibleProgram {
  public:
   using Nodes = std::vector<AccessibleNode>;
 
-  /// Waits until that process tells of its user interface. It does so only if accessibility was on
+  /// Waits until that process reports its user interface. It does so only if accessibility was on
   /// before its start. Throws when it does not.
   AccessibleProgram(const SessionBus& bus, pid_t process, Milliseconds timeLimit = timeout);
 

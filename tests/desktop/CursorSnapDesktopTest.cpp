@@ -20,7 +20,7 @@ struct CursorSnapDesktopTest : AccessibleFixture {
   CursorSnapDesktopTest() { permission.refresh(); }
   ~CursorSnapDesktopTest() override { workers.finish(); }
 
-  /// The centre of a button 300 points wide, once its program tells of it.
+  /// The centre of a button 300 points wide, once its program reports it.
   Point wideButton(WidgetWindow& window) {
     std::optional<AccessibleElement> element;
     EXPECT_TRUE(eventually([&] {
@@ -98,7 +98,7 @@ TEST_F(CursorSnapDesktopTest, AWindowMayCloseUnderTheGlide) {
   pointer.place({centre.x + 100, centre.y}, false);
   snap.settle();
   ASSERT_TRUE(eventually([&] { return distanceTo(centre) < 90; })) << "it does not glide";
-  window.tell("close");
+  window.send("close");
   waitForSnap();
   EXPECT_LE(distanceTo(centre), 0.8);
   ASSERT_TRUE(window.process().waitForExit());

@@ -46,14 +46,14 @@ class LeafSet {
     return [this](Point position) { return findWindowAt(*connection_, position); };
   }
 
-  /// Whether the end of the server is told of in time.
+  /// Whether the end of the server is reported in time.
   bool waitForEnd() { return ended_.get_future().wait_for(timeout) == std::future_status::ready; }
 
  private:
   const std::unique_ptr<X11Connection> connection_;
   const DataFolders dataFolders_ = DataFolders::ofUser();
   DesktopEntries desktopEntries_{dataFolders_.shared};
-  std::promise<void> ended_;  // throws when it is told twice
+  std::promise<void> ended_;  // throws when it is set twice
 
  public:
   X11Displays displays{*connection_};

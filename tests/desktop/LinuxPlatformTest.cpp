@@ -88,7 +88,7 @@ TEST_F(OpenPlatformTest, ItsLeavesWorkTogether) {
 }
 
 TEST_F(OpenPlatformTest, TheEndOfTheDesktopIsToldOfOnce) {
-  std::promise<void> ended;  // throws when it is told twice
+  std::promise<void> ended;  // throws when it is set twice
   platform->observeEnd([&] { ended.set_value(); });
   desktop.killServer();
   EXPECT_EQ(ended.get_future().wait_for(timeout), std::future_status::ready);

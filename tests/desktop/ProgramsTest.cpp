@@ -161,7 +161,7 @@ TEST_F(ProgramsTest, AreFoundByTheClassThatTheirEntryNames) {
   writeEntry("right.desktop", "Name=A\nExec=true\nStartupWMClass=special_instance");
   writeEntry("browser.desktop", "Name=B\nExec=true\nStartupWMClass=Browser");
   start({"special_instance", "Browser"});
-  EXPECT_EQ(running(), Texts{"right"}) << "what tells programs of one browser apart is the instance";
+  EXPECT_EQ(running(), Texts{"right"}) << "programs of one browser differ by their instance";
 }
 
 TEST_F(ProgramsTest, AreFoundByTheirClassHoweverItIsWritten) {
@@ -179,7 +179,7 @@ TEST_F(ProgramsTest, AreFoundByTheNameOfTheirProgram) {
   start({"odd", "Odd"});
   EXPECT_EQ(running(), Texts{"right"});
   writeEntry("another.desktop", std::string("Name=D\nExec=") + PLAIN_WINDOW + " --other");
-  EXPECT_EQ(running(), Texts{"Odd"}) << "a program that several entries start tells nothing";
+  EXPECT_EQ(running(), Texts{"Odd"}) << "a program that several entries start says nothing";
 }
 
 TEST_F(ProgramsTest, WithoutAWindowForPeopleAreNotRegular) {

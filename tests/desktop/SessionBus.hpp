@@ -37,11 +37,11 @@ class SessionBus {
   /// Signals the bus alone, to stop it or to let it go on.
   void signal(int number) { daemon_->signal(number); }
 
-  /// Asks programs that start from now on to tell of their user interfaces, as a screen reader does. False when that
+  /// Asks programs that start from now on to report their user interfaces, as a screen reader does. False when that
   /// cannot be.
   bool switchOnAccessibility() const;
 
-  /// Waits until programs are asked to tell of their user interfaces. False when that does not come in time.
+  /// Waits until programs are asked to report their user interfaces. False when that does not come in time.
   bool waitForAccessibility() const;
 
  private:

@@ -22,7 +22,7 @@ std::string wordsOf(const orvel::Rect& place) {
 
 }  // namespace
 
-// A program with nothing but the icon, which does what its input says and tells what happens.
+// A program with nothing but the icon, which does what its input says and reports what happens.
 int main(int argc, char** argv) {
   orvel::keepToolkitOffUnresponsiveBus(orvel::TimeLimit(std::chrono::seconds(1)));
   QApplication application(argc, argv);

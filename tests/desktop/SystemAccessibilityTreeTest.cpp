@@ -154,7 +154,7 @@ struct SystemAccessibilityTreeTest : AccessibleFixture {
     WidgetWindow window(bus, toolkit.name, toolkit.arguments);
     expectWidgets(window, toolkit);
     const Rect before = window.place("button");
-    window.tell("move 37 21");
+    window.send("move 37 21");
     ASSERT_TRUE(eventually([&] { return window.place("button") != before; }));
     expectWidgets(window, toolkit);
   }
@@ -222,15 +222,15 @@ TEST_F(SystemAccessibilityTreeTest, AnElementCountsAsFarAsItsBorder) {
 
 TEST_F(SystemAccessibilityTreeTest, OnlyTheWindowOnTopCounts) {
   WidgetWindow below(bus, "gtk3");
-  below.tell("move 50 50");
+  below.send("move 50 50");
   WidgetWindow above(bus, "qt6");
-  above.tell("move 50 50");
+  above.send("move 50 50");
   const auto isCovered = [&] {
     const Point tab = above.place("tab").centre();
     return above.place("menu").minY() < 100 && below.place("menu").minY() < 100 && roleAt(tab) == "AXTabButton";
   };
   EXPECT_TRUE(eventually(isCovered));
-  above.tell("close");
+  above.send("close");
   EXPECT_TRUE(eventually([&] { return roleAt(below.place("tab").centre()) == "AXTabButton"; }));
 }
 

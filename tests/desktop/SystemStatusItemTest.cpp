@@ -28,12 +28,12 @@ class IconProgram {
     EXPECT_TRUE(process_.waitForOutput("ready\n")) << process_.output();
   }
 
-  void tell(const std::string& command) { process_.write(command + "\n"); }
+  void send(const std::string& command) { process_.write(command + "\n"); }
 
   /// Whether it is shown, and where, in its own words.
   std::string state() {
     const std::size_t heard = process_.output().size();
-    tell("ask");
+    send("ask");
     const Deadline deadline(timeout);
     while (process_.output().find('\n', heard) == std::string::npos && deadline.left() > Milliseconds(0)) {
       std::this_thread::sleep_for(Milliseconds(5));
@@ -119,7 +119,7 @@ TEST_P(SystemStatusItemTest, ShowsAnotherSymbol) {
   IconProgram program(bus);
   ASSERT_TRUE(tray.waitForIcon());
   const Picture before = picture();
-  program.tell("rays");
+  program.send("rays");
   const Deadline deadline(timeout);
   while (picture() == before && deadline.left() > Milliseconds(0)) std::this_thread::sleep_for(Milliseconds(10));
   EXPECT_NE(picture(), before);
@@ -160,10 +160,10 @@ TEST_F(IconTest, ToldItsPlaceWhereTheTrayTells) {
   ASSERT_TRUE(seen);
   std::istringstream words(program.state());
   std::string word;
-  Rect told;
-  words >> word >> word >> told.origin.x >> told.origin.y >> told.size.width >> told.size.height;
-  EXPECT_EQ(told.unionWith(*seen), told) << program.state();
-  EXPECT_LE(told.size.width, TrayHost::thickness);
+  Rect reported;
+  words >> word >> word >> reported.origin.x >> reported.origin.y >> reported.size.width >> reported.size.height;
+  EXPECT_EQ(reported.unionWith(*seen), reported) << program.state();
+  EXPECT_LE(reported.size.width, TrayHost::thickness);
 }
 
 /// The server may give the windows of the new one the names of the old one's.
@@ -189,7 +189,7 @@ TEST_F(IconTest, HearsTheRightButton) {
 
 TEST_F(IconTest, IsNowhereWithoutATray) {
   IconProgram program(bus);
-  program.tell("rays");
+  program.send("rays");
   EXPECT_EQ(program.state(), "hidden at nowhere");
 }
 

@@ -9,7 +9,7 @@
 
 namespace orvel {
 
-/// Another program that has the keyboard, and tells what was typed into it.
+/// Another program that has the keyboard, and reports what was typed into it.
 ///
 /// Threads: one at a time; the thread that made it must live as long as the program.
 class TypingProgram {

@@ -83,7 +83,7 @@ TEST_P(ProgramTypingTest, CapsLockAndLayoutsChangeNothing) {
 INSTANTIATE_TEST_SUITE_P(Programs, ProgramTypingTest, testing::Values("xterm", "gtk3", "gtk4", "qt6"),
                          [](const auto& test) { return std::string(test.param); });
 
-/// Programs that tell when they have read their keys.
+/// Programs that report when they have read their keys.
 struct AnsweringProgramTypingTest : ProgramTypingTest {
   void resumeProgramLater() {
     resumption_ = std::async(std::launch::async, [this] {

@@ -22,7 +22,7 @@ WidgetWindow::WidgetWindow(const SessionBus& bus, const std::string& toolkit, co
 }
 
 std::map<std::string, Rect> WidgetWindow::places() {
-  tell("places");
+  send("places");
   const Deadline deadline(timeout);
   while (process_.output().find("places said\n", heard_) == std::string::npos) {
     if (deadline.left() == Milliseconds(0)) throw std::runtime_error("the window is silent: " + process_.output());

@@ -25,7 +25,7 @@ class WidgetWindow {
   Rect place(const std::string& widget);
 
   /// Sends a command, such as "move 10 20" or "close".
-  void tell(const std::string& command) { process_.write(command + "\n"); }
+  void send(const std::string& command) { process_.write(command + "\n"); }
 
   ChildProcess& process() { return process_; }
 

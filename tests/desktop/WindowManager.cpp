@@ -90,15 +90,15 @@ bool WindowManager::isInTaskbar(xcb_window_t window) const {
 }
 
 void WindowManager::minimise(xcb_window_t window) const {
-  tell(window, "WM_CHANGE_STATE", iconicState);
+  send(window, "WM_CHANGE_STATE", iconicState);
 }
 
 void WindowManager::close(xcb_window_t window) const {
-  tell(window, "_NET_CLOSE_WINDOW", 0);
+  send(window, "_NET_CLOSE_WINDOW", 0);
 }
 
 void WindowManager::moveToWorkspace(xcb_window_t window, std::uint32_t workspace) const {
-  tell(window, "_NET_WM_DESKTOP", workspace);
+  send(window, "_NET_WM_DESKTOP", workspace);
 }
 
 void WindowManager::kill() {
@@ -126,7 +126,7 @@ std::string WindowManager::text(xcb_window_t window, const std::string& name) co
   return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
 }
 
-void WindowManager::tell(xcb_window_t window, const std::string& message, std::uint32_t word) const {
+void WindowManager::send(xcb_window_t window, const std::string& message, std::uint32_t word) const {
   const xcb_client_message_event_t event{.response_type = XCB_CLIENT_MESSAGE,
                                          .format = 32,
                                          .sequence = 0,

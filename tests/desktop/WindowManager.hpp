@@ -48,7 +48,7 @@ class WindowManager {
   xcb_atom_t atom(const std::string& name) const;
   std::vector<std::uint32_t> numbers(xcb_window_t window, const std::string& property) const;
   std::string text(xcb_window_t window, const std::string& property) const;
-  void tell(xcb_window_t window, const std::string& message, std::uint32_t word) const;
+  void send(xcb_window_t window, const std::string& message, std::uint32_t word) const;
 
   ChildProcess openbox_;
   xcb_connection_t* const connection_;

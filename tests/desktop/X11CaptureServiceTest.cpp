@@ -163,7 +163,7 @@ TEST_F(X11CaptureServiceTest, WhoWaitsIsOfferedNothingUntilTheyGoOn) {
     EXPECT_FALSE(receiver.waitForCount(2, 5 * lull));
   }
   painter.movePointer(300, 300);
-  EXPECT_LE(receiver.sleeps(), sleeps + 2) << "for all that was drawn is told of once";
+  EXPECT_LE(receiver.sleeps(), sleeps + 2) << "for all that was drawn is reported once";
   painter.fill(0, 0, 100, 100, orange);
   receiver.answerWith(FrameAnswer::taken);
   stream->resume();
@@ -370,7 +370,7 @@ TEST_F(TwoMonitorsTest, ACaptureWaitsForItsMonitorToComeBack) {
   ASSERT_TRUE(receiver.waitForPicture(shows(background, 320, 400)));
   ASSERT_EQ(desktop.run({"xrandr", "--delmonitor", "RIGHT"}), 0);
   ASSERT_EQ(desktop.run({"xrandr", "--delmonitor", "THIRD"}), 0);
-  // The server tells of monitors that come, not of those that go.
+  // The server reports monitors that come, not those that go.
   ASSERT_TRUE(setMonitor("RIGHT", "640/170x800/210+640+0", "none"));
   const auto frames = receiver.settle();
   const long sleeps = receiver.sleeps();

@@ -13,7 +13,7 @@ struct X11DisplaysTest : LeafFixture {
     return desktop.run({"xrandr", "--setmonitor", name, geometry, output}) == 0;
   }
 
-  /// Waits until the leaf tells of so many screens, or gives up.
+  /// Waits until the leaf reports so many screens, or gives up.
   std::shared_ptr<const DisplayLayout> layoutOf(std::size_t screens) {
     const Deadline deadline(timeout);
     auto layout = leaves.displays.layout();

@@ -18,7 +18,7 @@
 namespace orvel {
 namespace {
 
-/// A toolkit with windows of its own, that sees which of them has the keyboard and what is told of starts.
+/// A toolkit with windows of its own, that sees which of them has the keyboard and what is announced of starts.
 class Toolkit {
  public:
   explicit Toolkit(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
@@ -81,7 +81,7 @@ class Toolkit {
     return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
   }
 
-  /// All that was told of starts until now, each ended by a zero byte.
+  /// All that was announced of starts until now, each ended by a zero byte.
   std::string notices() {
     catchUp();
     const xcb_atom_t begin = atom("_NET_STARTUP_INFO_BEGIN");

@@ -47,7 +47,7 @@ struct PanelFixture : DesktopFixture {
     return exitCode;
   }
 
-  /// The toolkit tells nothing of a program before its first window.
+  /// The toolkit reports nothing of a program before its first window.
   bool waitUntilOpen() {
     if (!panel) panel.emplace(bus, host->process().pid());
     return eventually([this] { return isOpen(); });

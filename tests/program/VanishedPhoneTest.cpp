@@ -39,7 +39,7 @@ class OtherComputer {
                 "orvel-host"});
   }
 
-  /// Nothing arrives any more, neither here nor there, and nobody is told.
+  /// Nothing arrives any more, neither here nor there, and nobody is notified.
   bool vanish() { return runThere({"ip", "addr", "flush", "dev", "orvel-phone"}); }
 
   std::vector<std::string> there(std::vector<std::string> command) const {

@@ -17,8 +17,8 @@ constexpr int height = 300;
 constexpr int childrenWithoutEnd = 100'000;
 constexpr gulong slowness = 40'000;  // microseconds for an answer
 
-/// A window of a program that tells nonsense of its user interface: in what way is named by `mode`. Its frame is told
-/// rightly, so that the nonsense is come to.
+/// A window of a program that reports nonsense of its user interface: in what way is named by `mode`. Its frame is
+/// reported rightly, so that the nonsense is reached.
 class HostileWindow {
  public:
   explicit HostileWindow(std::string mode) : mode_(std::move(mode)) {}
@@ -37,7 +37,7 @@ class HostileWindow {
     xcb_flush(server_);
   }
 
-  /// Tells the desktop that it is there, and answers from then on.
+  /// Announces itself to the desktop, and answers from then on.
   bool speak() {
     bus_ = g_dbus_connection_new_for_address_sync(address().c_str(),
                                                   GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |

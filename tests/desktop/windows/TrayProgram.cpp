@@ -12,7 +12,7 @@
 #include <QWidget>
 #include <string>
 
-// A red icon in the tray, each click on which is told, and a small window that hears the clicks on its button.
+// A red icon in the tray, each click on which is reported, and a small window that hears the clicks on its button.
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QPixmap red(32, 32);
