@@ -51,7 +51,7 @@ class FrameOffers final : public std::enable_shared_from_this<FrameOffers> {
   const CaptureStream::Handlers handlers_;
   CFPointer<CMSampleBufferRef> kept_;
   std::uint64_t timesKept_ = 0;  // identifies `kept_`
-  bool receiverWaits_ = false;
+  bool receiverIsBlocked_ = false;
   std::atomic<bool> hasEnded_ = false;
 };
 

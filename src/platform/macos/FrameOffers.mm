@@ -76,7 +76,7 @@ FrameOffers::FrameOffers(int framesPerSecond, CaptureStream::Handlers handlers)
 void FrameOffers::sampleCame(CMSampleBufferRef sample, SCStreamOutputType type) {
   if (hasEnded_) return;
   Sample frame(sample, type);
-  if (!receiverWaits_) {
+  if (!receiverIsBlocked_) {
     offer(frame, sample);
   } else if (frame.showsScreen()) {
     keep(sample);
@@ -87,7 +87,7 @@ void FrameOffers::offer(Sample& frame, CMSampleBufferRef sample) {
   const dispatch_time_t next = dispatch_time(DISPATCH_TIME_NOW, frameInterval_);
   const FrameAnswer answer = handlers_.frame(frame);
   if (hasEnded_) return;
-  receiverWaits_ = answer == FrameAnswer::blocked;
+  receiverIsBlocked_ = answer == FrameAnswer::blocked;
   if (!frame.showsScreen()) return;
   keep(answer == FrameAnswer::taken ? nullptr : sample);
   if (answer == FrameAnswer::again) offerAgainAt(next);
@@ -121,7 +121,7 @@ void FrameOffers::resume() {
   // Behind the handler that may not have returned its answer yet.
   dispatch_async(queue_, ^{
     @autoreleasepool {
-      if (std::exchange(self->receiverWaits_, false)) self->offerKept();
+      if (std::exchange(self->receiverIsBlocked_, false)) self->offerKept();
     }
   });
 }
