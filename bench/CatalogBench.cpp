@@ -126,8 +126,10 @@ Verdict measure() {
   const DataFolders folders = DataFolders::ofUser();
   DesktopEntries entries(folders.shared);
   SystemApplicationBundles bundles(entries);
-  X11Windows windows(*connection);
-  X11ActivationTokens tokens(*connection);
+  const X11Atoms atoms(*connection);
+  const ServerTime time(*connection);
+  X11Windows windows(*connection, atoms, time);
+  X11ActivationTokens tokens(*connection, atoms, time);
   X11ThemeSettings theme(*connection);
   SystemWorkspace workspace(windows, tokens, theme, entries, folders, {RLIM_INFINITY, RLIM_INFINITY});
   AppCatalog catalog(workspace, bundles);

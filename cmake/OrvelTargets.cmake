@@ -56,11 +56,12 @@ if(ORVEL_SANITIZE MATCHES thread)
   target_compile_definitions(orvel_flags INTERFACE BOOST_ASIO_DISABLE_FENCED_BLOCK)
 endif()
 
-# orvel_room(NAME [FOLDER folder] [ONLY entry ... | EXCEPT entry ...] SOURCES ... USES room ... LINKS library ...)
+# orvel_room(NAME [FOLDER folder] [ONLY pattern ... | EXCEPT entry ...] SOURCES ... USES room ... LINKS library ...)
 #
-# Makes the library orvel_NAME from src/FOLDER, which is NAME unless said otherwise: from all of it, or of its entries ONLY
-# those or all EXCEPT those, where several rooms share a folder. Its headers are reached as "FOLDER/Type.hpp" through a view that holds this room alone, so
-# a target sees a room only when it, or a room that it uses, names it in USES.
+# Makes the library orvel_NAME from src/FOLDER, which is NAME unless said otherwise: from all of it, or, where several
+# rooms share a folder, from its entries that match ONLY, or all EXCEPT those. Its headers are reached as
+# "FOLDER/Type.hpp" through a view that holds this room alone, so a target sees a room only when it, or a room that it
+# uses, names it in USES.
 function(orvel_room name)
   cmake_parse_arguments(PARSE_ARGV 1 room "" "FOLDER" "ONLY;EXCEPT;SOURCES;USES;LINKS")
   if(NOT room_FOLDER)
@@ -71,11 +72,13 @@ function(orvel_room name)
   file(REMOVE_RECURSE ${view})
   if(room_ONLY OR room_EXCEPT)
     file(MAKE_DIRECTORY ${view}/${room_FOLDER})
-    set(entries ${room_ONLY})
+    set(patterns ${room_ONLY})
     if(room_EXCEPT)
-      file(GLOB entries CONFIGURE_DEPENDS RELATIVE ${folder} ${folder}/*)
-      list(REMOVE_ITEM entries ${room_EXCEPT})
+      set(patterns *)
     endif()
+    list(TRANSFORM patterns PREPEND ${folder}/)
+    file(GLOB entries CONFIGURE_DEPENDS RELATIVE ${folder} ${patterns})
+    list(REMOVE_ITEM entries CMakeLists.txt ${room_EXCEPT})
     foreach(entry IN LISTS entries)
       file(CREATE_LINK ${folder}/${entry} ${view}/${room_FOLDER}/${entry} SYMBOLIC)
     endforeach()

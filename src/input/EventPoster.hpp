@@ -112,7 +112,7 @@ class EventPoster {
   virtual bool post(const TextEvent& event) = 0;
 
   /// Whether the desktop reports the pointer's position at any time and at little cost. Where it does not, mouse events
-  /// carry no position, and `pointerLocation` is asked for a snap alone.
+  /// carry no position but those that put it somewhere, and `pointerLocation` is asked for a snap alone.
   virtual bool tracksPointer() const = 0;
 
   /// Where the pointer is, events posted but not yet flushed included. Nothing when the desktop does not say.

@@ -61,7 +61,7 @@ class Platform {
   /// Text that is being typed ends where it is, and no more is typed: the program ends. Threads: any.
   virtual void stopTyping() = 0;
 
-  /// Parts from a desktop that does not answer any more: who waits for it gets nothing. Threads: any.
+  /// Disconnects from a desktop that does not answer any more: who waits for it gets nothing. Threads: any.
   virtual void giveUp() = 0;
 };
 
@@ -69,7 +69,7 @@ class Platform {
 /// else is made, for the toolkit ends a program that has no desktop.
 std::optional<std::string> missingDesktop();
 
-/// Sees to it that the toolkit starts beside a desktop of which parts hang, and returns the options by which it works
+/// Prepares the toolkit for a desktop of which parts hang, and returns the options by which it works
 /// with the same desktop as `Platform`. Called before the toolkit is made.
 std::vector<std::string> prepareToolkit();
 

@@ -4,7 +4,7 @@
 
 namespace orvel {
 
-/// Hears of pointer buttons that are pressed, wherever on the desktop that is: not every window takes the keyboard from
+/// Reports presses of pointer buttons, wherever on the desktop they are: not every window takes the keyboard from
 /// ours when it is clicked. Threads: the main thread.
 class PressWatch {
  public:

@@ -59,8 +59,10 @@ class LeafSet {
   X11Displays displays{*connection_};
   X11EventPoster events{*connection_, displays};
   X11TrustCheck trust{*connection_};
-  X11Windows windows{*connection_};
-  X11ActivationTokens tokens{*connection_};
+  X11Atoms atoms{*connection_};
+  ServerTime time{*connection_};
+  X11Windows windows{*connection_, atoms, time};
+  X11ActivationTokens tokens{*connection_, atoms, time};
   X11ThemeSettings theme{*connection_};
   SystemWorkspace workspace{windows, tokens, theme, desktopEntries_, dataFolders_, {RLIM_INFINITY, RLIM_INFINITY}};
 };

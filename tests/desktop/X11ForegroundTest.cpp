@@ -115,7 +115,8 @@ class Toolkit {
 /// The leaf and its connection.
 class Leaf {
  public:
-  explicit Leaf(const std::string& display) : connection_(X11Connection::open(display)), foreground(*connection_) {
+  explicit Leaf(const std::string& display)
+      : connection_(X11Connection::open(display)), atoms_(*connection_), foreground(*connection_, atoms_) {
     connection_->listen(
         {.event = [this](const xcb_generic_event_t& event) { foreground.handle(event); }, .ended = [] {}});
   }
@@ -137,6 +138,7 @@ class Leaf {
   };
 
   const std::unique_ptr<X11Connection> connection_;
+  const X11Atoms atoms_;
 
  public:
   X11Foreground foreground;

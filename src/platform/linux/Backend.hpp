@@ -1,10 +1,12 @@
 #pragma once
 
+#include "base/PermissionNotice.hpp"
 #include "platform/linux/accessibility/WindowAtPoint.hpp"
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace orvel {
 
@@ -61,5 +63,28 @@ class Backend {
   /// Disconnects from a server that does not answer any more: who waits for it gets nothing.
   virtual void disconnect() = 0;
 };
+
+/// A kind of backend, and how it is reached. Each backend exports its own. Threads: the main thread, but where said.
+struct BackendKind {
+  /// Whether this login has such a desktop, by its environment alone.
+  bool (*isPresent)();
+  /// Why it does not answer, as the end of a sentence; nothing when it does.
+  std::optional<std::string> (*missing)();
+  /// The toolkit's plugin that shows windows on it.
+  const char* toolkitPlatform;
+  /// Null when it does not answer.
+  std::unique_ptr<Backend> (*open)();
+  /// Why nothing that phones send moves anything there, in a sentence for the user. Nothing where it does, and where
+  /// that cannot be known. Waits for the desktop, which may hang. Threads: any.
+  std::optional<std::string> (*inputObstacle)();
+};
+
+/// What is said where Wayland is all there is, until there is a backend for it.
+inline PermissionNotice noticeOnWayland() {
+  return {.heading = "Orvel does not work on Wayland yet",
+          .explanation =
+              "In a Wayland session Orvel can neither move the pointer nor type: log out, then log in to an X11 "
+              "session."};
+}
 
 }  // namespace orvel

@@ -9,10 +9,10 @@
 namespace orvel {
 
 SystemAppearance::SystemAppearance(ThemeSettings& settings)
-    : settings_(settings), theme_(settings.read()), change_(std::make_shared<MainThreadCall>([this] {
+    : settings_(settings), change_(std::make_shared<MainThreadCall>([this] {
         if (changed_) changed_();
       })) {
-  settings_.observe([this] { readAgain(); });
+  settings_.observe([change = change_] { change->ask(); });
 }
 
 SystemAppearance::~SystemAppearance() {
@@ -21,23 +21,17 @@ SystemAppearance::~SystemAppearance() {
 
 std::optional<bool> SystemAppearance::isDark() const {
   if (const auto said = portal_ ? portal_->isDark() : std::nullopt) return said;
-  const std::string name = theme_.withLock([](const DesktopTheme& theme) { return theme.name; });
+  const std::string name = settings_.theme().name;
   return name.empty() ? std::nullopt : std::optional(isDarkTheme(name));
 }
 
 std::optional<DesktopFont> SystemAppearance::font() const {
-  return parseFontDescription(theme_.withLock([](const DesktopTheme& theme) { return theme.font; }));
+  return parseFontDescription(settings_.theme().font);
 }
 
 void SystemAppearance::observe(std::function<void()> changed) {
   changed_ = std::move(changed);
   portal_ = std::make_unique<PortalColorScheme>([this] { changed_(); });
-}
-
-void SystemAppearance::readAgain() {
-  const DesktopTheme now = settings_.read();
-  const DesktopTheme before = theme_.withLock([&](DesktopTheme& theme) { return std::exchange(theme, now); });
-  if (now.name != before.name || now.font != before.font) change_->ask();
 }
 
 }  // namespace orvel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Guarded.hpp"
 #include "platform/linux/appearance/DesktopTheme.hpp"
 #include "ui/Appearance.hpp"
 
@@ -31,10 +30,7 @@ class SystemAppearance final : public Appearance {
   void observe(std::function<void()> changed) override;
 
  private:
-  void readAgain();
-
   ThemeSettings& settings_;
-  Guarded<DesktopTheme> theme_;
   std::function<void()> changed_;
   const std::shared_ptr<MainThreadCall> change_;
   std::unique_ptr<PortalColorScheme> portal_;  // made with the first observer

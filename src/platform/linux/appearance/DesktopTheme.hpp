@@ -9,11 +9,11 @@
 
 namespace orvel {
 
-/// What the desktop has all programs look like. What it does not say is empty.
+/// What the desktop has all programs look like.
 struct DesktopTheme {
-  std::string name;
-  std::string font;
-  std::string iconTheme;
+  std::string name;                      ///< Empty when it does not say.
+  std::string font;                      ///< Empty when it does not say.
+  std::optional<std::string> iconTheme;  ///< Empty for none; nothing when it does not say.
 
   friend bool operator==(const DesktopTheme&, const DesktopTheme&) = default;
 };
@@ -23,10 +23,10 @@ class ThemeSettings {
  public:
   virtual ~ThemeSettings() = default;
 
-  /// Waits for the desktop.
-  virtual DesktopTheme read() = 0;
+  /// The newest that the backend knows of, without waiting.
+  virtual DesktopTheme theme() const = 0;
 
-  /// Calls `handler` whenever the theme may have changed. Called once. Threads: the handler runs on that of the
+  /// Calls `handler` whenever the theme has changed. Called once. Threads: the handler runs on that of the
   /// backend.
   virtual void observe(std::function<void()> handler) = 0;
 };

@@ -30,7 +30,7 @@ std::string IconThemeChoice::name() const {
   if (isKDE_) {
     if (auto name = valueIn(configuration_ + "/kdeglobals", "Icons", "Theme"); !name.empty()) return name;
   }
-  if (auto name = settings_.read().iconTheme; !name.empty()) return name;
+  if (auto name = settings_.theme().iconTheme) return *std::move(name);
   return valueIn(configuration_ + "/gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name");
 }
 

@@ -42,14 +42,16 @@ PortalColorScheme::PortalColorScheme(Task changed) : changed_(std::move(changed)
   askTimer_.setSingleShot(true);
   askTimer_.setInterval(askDelay);
   QObject::connect(&askTimer_, &QTimer::timeout, [this] { ask(); });
-  QTimer::singleShot(0ms, &askTimer_, [this] { connect(); });
+  connect();
 }
 
 void PortalColorScheme::connect() {
   bus_.emplace(QDBusConnection::sessionBus());
   owner_ = std::make_unique<QDBusServiceWatcher>(portal, *bus_, QDBusServiceWatcher::WatchForRegistration);
   QObject::connect(owner_.get(), &QDBusServiceWatcher::serviceRegistered, &askTimer_, [this] { ask(); });
-  bus_->connect(portal, portalPath, settings, QStringLiteral("SettingChanged"), {appearance, colorScheme}, QString(),
+  // From whoever sends it, for the toolkit would wait for the bus to name the owner; and all that it leads to is a
+  // question.
+  bus_->connect(QString(), portalPath, settings, QStringLiteral("SettingChanged"), {appearance, colorScheme}, QString(),
                 &askTimer_, SLOT(start()));
   ask();
 }

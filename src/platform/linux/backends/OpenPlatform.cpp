@@ -4,8 +4,7 @@
 #include "platform/linux/LinuxPlatform.hpp"
 #include "platform/linux/bus/MessageBus.hpp"
 #include "platform/linux/files/Files.hpp"
-#include "platform/linux/x11/X11Backend.hpp"
-#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11BackendKind.hpp"
 
 #include <malloc.h>
 #include <sys/resource.h>
@@ -17,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace orvel {
 namespace {
@@ -25,56 +25,22 @@ constexpr rlim_t mostDescriptors = 65536;
 constexpr std::chrono::seconds silentBusTimeout{1};
 constexpr int largestKeptBlock = 256 * 1024;
 
-/// A kind of desktop that Orvel can work on, and how its backend is reached.
-struct BackendKind {
-  /// Whether this login has such a desktop, by its environment.
-  bool (*isPresent)();
-  /// Why it does not answer; nothing when it does.
-  std::optional<std::string> (*missing)();
-  /// The toolkit's plugin that shows windows on it.
-  const char* toolkitPlatform;
-  /// Null when it does not answer.
-  std::unique_ptr<Backend> (*open)();
-  /// Why nothing that phones send moves anything there. Waits for the desktop, which may hang.
-  std::optional<std::string> (*inputObstacle)();
-};
-
-std::string x11Display() {
-  return environmentVariable("DISPLAY");
+/// In the order of preference.
+std::array<BackendKind, 1> backendKinds() {
+  return {x11BackendKind()};
 }
 
-bool isX11Present() {
-  return !x11Display().empty();
-}
-
-std::optional<std::string> missingX11() {
-  if (X11Connection::open(x11Display())) return std::nullopt;
-  return "no X display answers at \"" + x11Display() + "\".";
-}
-
-std::unique_ptr<Backend> openX11() {
-  return X11Backend::open(x11Display());
-}
-
-std::optional<std::string> inputObstacleOfX11() {
-  // Another computer's display, such as that of whoever has logged in from there, says nothing of this one.
-  return x11Display().starts_with(':') ? X11Backend::inputObstacle(x11Display()) : std::nullopt;
-}
-
-/// In the order of preference. X11 stands for Wayland too: there only Xwayland lets a window open beside an icon.
-constexpr std::array backendKinds{
-    BackendKind{.isPresent = isX11Present,
-                .missing = missingX11,
-                .toolkitPlatform = "xcb",
-                .open = openX11,
-                .inputObstacle = inputObstacleOfX11},
-};
-
-/// Null where this login has no desktop that Orvel can work on.
-const BackendKind* chosenBackend() {
-  const auto kind =
-      std::ranges::find_if(backendKinds, [](const BackendKind& candidate) { return candidate.isPresent(); });
-  return kind == backendKinds.end() ? nullptr : &*kind;
+/// The first kind that is present and answers, or else the first that is present, which can say why it does not. A lone
+/// one is not asked. Nothing where this login has no desktop that Orvel can work on.
+std::optional<BackendKind> chosenBackend() {
+  std::vector<BackendKind> present;
+  for (const BackendKind& kind : backendKinds()) {
+    if (kind.isPresent()) present.push_back(kind);
+  }
+  if (present.empty()) return std::nullopt;
+  if (present.size() == 1) return present.front();
+  const auto answering = std::ranges::find_if(present, [](const BackendKind& kind) { return !kind.missing(); });
+  return answering == present.end() ? present.front() : *answering;
 }
 
 bool isWaylandPresent() {
@@ -113,8 +79,8 @@ void giveMemoryBack() {
 }  // namespace
 
 std::optional<std::string> missingDesktop() {
-  const BackendKind* kind = chosenBackend();
-  if (kind == nullptr) return noBackend();
+  const auto kind = chosenBackend();
+  if (!kind) return noBackend();
   const auto reason = kind->missing();
   return reason ? std::optional(needsDesktop(*reason)) : std::nullopt;
 }
@@ -123,15 +89,16 @@ std::vector<std::string> prepareToolkit() {
   keepToolkitOffUnresponsiveBus(TimeLimit(silentBusTimeout));
   // The panel's look is ours. A theme of the desktop's would bring another whole toolkit into this process.
   QGuiApplication::setDesktopSettingsAware(false);
-  const BackendKind* kind = chosenBackend();
-  return kind == nullptr ? std::vector<std::string>() : std::vector<std::string>{"-platform", kind->toolkitPlatform};
+  const auto kind = chosenBackend();
+  if (!kind) return {};
+  return {"-platform", kind->toolkitPlatform};
 }
 
 std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
   const rlimit openFiles = allowManyConnections();
   giveMemoryBack();
-  const BackendKind* kind = chosenBackend();
-  if (kind == nullptr) return noBackend();
+  const auto kind = chosenBackend();
+  if (!kind) return noBackend();
   auto backend = kind->open();
   if (!backend) return needsDesktop(kind->missing().value_or("it does not answer."));
   auto platform = std::make_unique<LinuxPlatform>(std::move(backend), openFiles);
@@ -140,9 +107,9 @@ std::variant<std::unique_ptr<Platform>, std::string> openPlatform() {
 }
 
 std::optional<std::string> inputObstacle() {
-  const BackendKind* kind = chosenBackend();
-  if (kind == nullptr) {
-    return isWaylandPresent() ? std::optional(X11TrustCheck::noticeOnWayland().explanation) : std::nullopt;
+  const auto kind = chosenBackend();
+  if (!kind) {
+    return isWaylandPresent() ? std::optional(noticeOnWayland().explanation) : std::nullopt;
   }
   const auto answer = std::make_shared<Guarded<std::optional<std::string>>>();
   {

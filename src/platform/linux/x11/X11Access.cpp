@@ -1,5 +1,6 @@
 #include "platform/linux/x11/X11Access.hpp"
 
+#include "platform/linux/Backend.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <xcb/xtest.h>
@@ -38,13 +39,6 @@ PermissionNotice X11TrustCheck::notice() const {
           .explanation =
               "The X server does not let Orvel move the pointer: switch its XTEST extension on in the server's "
               "configuration, then log in again."};
-}
-
-PermissionNotice X11TrustCheck::noticeOnWayland() {
-  return {.heading = "Orvel does not work on Wayland yet",
-          .explanation =
-              "In a Wayland session Orvel can neither move the pointer nor type: log out, then log in to an X11 "
-              "session."};
 }
 
 X11ScreenRecordingAccess::X11ScreenRecordingAccess(const X11Connection& connection)

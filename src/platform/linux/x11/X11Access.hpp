@@ -15,9 +15,6 @@ class X11TrustCheck final : public TrustCheck {
  public:
   explicit X11TrustCheck(const X11Connection& connection);
 
-  /// What is said in a Wayland session, also in one without an X server.
-  static PermissionNotice noticeOnWayland();
-
   bool isTrusted() override;
   PermissionNotice notice() const override;
   void prompt() override {}

@@ -62,9 +62,6 @@ int StartupNotice::screenNumber() const {
   return number;
 }
 
-X11ActivationTokens::X11ActivationTokens(const X11Connection& connection)
-    : atoms_(connection), time_(connection), notice_(connection, atoms_) {}
-
 std::string X11ActivationTokens::issue(const std::string& name, const std::string& entryPath) {
   const auto time = time_.now();
   if (time == XCB_CURRENT_TIME) return {};

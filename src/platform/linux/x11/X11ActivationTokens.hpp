@@ -34,18 +34,18 @@ class StartupNotice {
 
 /// Activation tokens with the server's time in them, by which window managers know which window the user wished last.
 ///
-/// Threads: any; making it and `issue` wait for the server.
+/// Threads: any; `issue` waits for the server.
 class X11ActivationTokens final : public ActivationTokens {
  public:
-  explicit X11ActivationTokens(const X11Connection& connection);
+  X11ActivationTokens(const X11Connection& connection, const X11Atoms& atoms, const ServerTime& time)
+      : time_(time), notice_(connection, atoms) {}
 
   /// Empty when the server does not say its time.
   std::string issue(const std::string& name, const std::string& entryPath) override;
   void revoke(const std::string& token) override { notice_.end(token); }
 
  private:
-  const X11Atoms atoms_;
-  const ServerTime time_;
+  const ServerTime& time_;
   const StartupNotice notice_;
   Guarded<std::uint64_t> issued_;
 };

@@ -1,6 +1,8 @@
 #include "platform/linux/x11/X11Backend.hpp"
 
+#include "platform/linux/files/Files.hpp"
 #include "platform/linux/x11/WindowSearch.hpp"
+#include "platform/linux/x11/X11BackendKind.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Tray.hpp"
 
@@ -18,35 +20,58 @@ int socketOfToolkit() {
   return toolkit == nullptr ? -1 : xcb_get_file_descriptor(toolkit->connection());
 }
 
-}  // namespace
-
-std::unique_ptr<X11Backend> X11Backend::open(const std::string& display) {
-  auto connection = X11Connection::open(display);
-  if (!connection) return nullptr;
-  return std::unique_ptr<X11Backend>(new X11Backend(std::move(connection), display));
+std::string displayName() {
+  return environmentVariable("DISPLAY");
 }
 
-std::optional<std::string> X11Backend::inputObstacle(const std::string& display) {
-  const auto connection = X11Connection::open(display);
+bool isPresent() {
+  return !displayName().empty();
+}
+
+std::optional<std::string> missing() {
+  if (X11Connection::open(displayName())) return std::nullopt;
+  return "no X display answers at \"" + displayName() + "\".";
+}
+
+std::unique_ptr<Backend> openBackend() {
+  const std::string display = displayName();
+  auto connection = X11Connection::open(display);
+  return connection ? std::make_unique<X11Backend>(std::move(connection), display) : nullptr;
+}
+
+std::optional<std::string> inputObstacle() {
+  // Another computer's display, such as that of whoever has logged in from there, says nothing of this one.
+  const auto connection = displayName().starts_with(':') ? X11Connection::open(displayName()) : nullptr;
   if (!connection) return std::nullopt;
   X11TrustCheck trust(*connection);
-  if (trust.isTrusted()) return std::nullopt;
-  return trust.notice().explanation;
+  return trust.isTrusted() ? std::nullopt : std::optional(trust.notice().explanation);
+}
+
+}  // namespace
+
+BackendKind x11BackendKind() {
+  return {.isPresent = isPresent,
+          .missing = missing,
+          .toolkitPlatform = "xcb",
+          .open = openBackend,
+          .inputObstacle = inputObstacle};
 }
 
 X11Backend::X11Backend(std::unique_ptr<X11Connection> connection, const std::string& display)
     : connection_(std::move(connection)),
       toolkitSocket_(socketOfToolkit()),
-      activationTokens_(*connection_),
+      atoms_(*connection_),
+      time_(*connection_),
+      activationTokens_(*connection_, atoms_, time_),
       capture_(*connection_, display),
       displays_(*connection_),
       events_(*connection_, displays_),
-      foreground_(*connection_),
+      foreground_(*connection_, atoms_),
       presses_(*connection_),
       screenRecording_(*connection_),
       theme_(*connection_),
       trust_(*connection_),
-      windows_(*connection_) {}
+      windows_(*connection_, atoms_, time_) {}
 
 X11Backend::~X11Backend() {
   // Before the leaves go to which its thread dispatches.

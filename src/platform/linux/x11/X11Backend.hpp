@@ -24,13 +24,8 @@ class X11Connection;
 /// Threads: as `Backend`; made on the main thread, while the toolkit is there.
 class X11Backend final : public Backend {
  public:
-  /// Null when no server answers at `display`.
-  static std::unique_ptr<X11Backend> open(const std::string& display);
-
-  /// Why nothing that is posted moves anything on that display, in a sentence for the user. Nothing where it does, and
-  /// where no server answers. Waits for the server.
-  static std::optional<std::string> inputObstacle(const std::string& display);
-
+  /// The connection is one to `display`.
+  X11Backend(std::unique_ptr<X11Connection> connection, const std::string& display);
   ~X11Backend() override;
 
   CaptureService& capture() override { return capture_; }
@@ -53,13 +48,13 @@ class X11Backend final : public Backend {
   void disconnect() override;
 
  private:
-  X11Backend(std::unique_ptr<X11Connection> connection, const std::string& display);
-
   void dispatch(const xcb_generic_event_t& event);
   void disconnectToolkit() const;
 
   const std::unique_ptr<X11Connection> connection_;
   const int toolkitSocket_;  // of the toolkit's own connection, or -1
+  const X11Atoms atoms_;
+  const ServerTime time_;
   X11ActivationTokens activationTokens_;
   X11CaptureService capture_;
   X11Displays displays_;

@@ -30,9 +30,9 @@ void focus(const X11Connection& connection, xcb_window_t window, xcb_timestamp_t
 
 }  // namespace
 
-X11Foreground::X11Foreground(const X11Connection& connection)
+X11Foreground::X11Foreground(const X11Connection& connection, const X11Atoms& atoms)
     : connection_(connection),
-      atoms_(connection),
+      atoms_(atoms),
       commands_(connection, atoms_),
       notice_(connection, atoms_),
       clock_(makeClock(connection)) {}

@@ -23,7 +23,7 @@ class X11Connection;
 /// connection, on which `handle` is called.
 class X11Foreground final : public Foreground {
  public:
-  explicit X11Foreground(const X11Connection& connection);
+  X11Foreground(const X11Connection& connection, const X11Atoms& atoms);
 
   /// Desktops here list windows.
   void becomeAccessory() override {}
@@ -53,7 +53,7 @@ class X11Foreground final : public Foreground {
   bool canWindowManagerActivate() const;
 
   const X11Connection& connection_;
-  const X11Atoms atoms_;
+  const X11Atoms& atoms_;
   const WindowCommands commands_;
   const StartupNotice notice_;
   const xcb_window_t clock_;  // never shown; the server dates its changes

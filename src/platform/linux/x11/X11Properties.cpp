@@ -60,9 +60,10 @@ xcb_atom_t namedAtom(xcb_connection_t* connection, std::string_view name) {
   return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-PropertyReply readProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length) {
+PropertyReply readProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length,
+                           xcb_atom_t type) {
   return awaitReply(connection, xcb_get_property_reply,
-                    xcb_get_property(connection, false, window, name, XCB_ATOM_ANY, 0, length));
+                    xcb_get_property(connection, false, window, name, type, 0, length));
 }
 
 std::vector<std::uint32_t> numbersIn(const PropertyReply& property) {

@@ -51,9 +51,10 @@ xcb_atom_t namedAtom(xcb_connection_t* connection, std::string_view name);
 /// What a window's property holds; null when the window or the server has gone.
 using PropertyReply = XCBPointer<xcb_get_property_reply_t>;
 
-/// Asks for a property of whatever type, and waits for the server: at most `length` units of four bytes of it, what is
-/// longer is cut off. Threads: any.
-PropertyReply readProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length);
+/// Asks for a property, and waits for the server: at most `length` units of four bytes of it, what is longer is cut
+/// off. One of another type than `type` is empty. Threads: any.
+PropertyReply readProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name, std::uint32_t length,
+                           xcb_atom_t type = XCB_ATOM_ANY);
 
 /// Its numbers; none when it holds something else, or there is none.
 std::vector<std::uint32_t> numbersIn(const PropertyReply& property);

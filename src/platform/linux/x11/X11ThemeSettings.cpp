@@ -94,27 +94,36 @@ std::map<std::string, std::string> parseXSettings(std::span<const std::uint8_t> 
 X11ThemeSettings::X11ThemeSettings(const X11Connection& connection)
     : connection_(connection),
       selection_(namedAtom(connection.get(), settingsSelection)),
-      announcement_(namedAtom(connection.get(), "MANAGER")) {}
+      announcement_(namedAtom(connection.get(), "MANAGER")),
+      theme_(read()) {}
 
+DesktopTheme X11ThemeSettings::theme() const {
+  return theme_.withLock([](const DesktopTheme& theme) { return theme; });
+}
+
+/// Empty where nobody publishes settings. From now on the server reports their changes.
 DesktopTheme X11ThemeSettings::read() {
   const auto asked = xcb_get_selection_owner(connection_.get(), selection_);
   const auto reply = awaitReply(connection_, xcb_get_selection_owner_reply, asked);
-  const xcb_window_t manager = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
-  manager_ = manager;
-  if (manager == XCB_WINDOW_NONE) return {};
-  xcb_change_window_attributes(connection_.get(), manager, XCB_CW_EVENT_MASK, &watchedEvents);
-  auto texts = textsOf(connection_, manager);
-  return {.name = std::move(texts["Net/ThemeName"]),
-          .font = std::move(texts["Gtk/FontName"]),
-          .iconTheme = std::move(texts["Net/IconThemeName"])};
+  manager_ = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+  if (manager_ == XCB_WINDOW_NONE) return {};
+  xcb_change_window_attributes(connection_.get(), manager_, XCB_CW_EVENT_MASK, &watchedEvents);
+  auto texts = textsOf(connection_, manager_);
+  const auto iconTheme = texts.find("Net/IconThemeName");
+  return {.name = texts["Net/ThemeName"],
+          .font = texts["Gtk/FontName"],
+          .iconTheme = iconTheme == texts.end() ? std::nullopt : std::optional(iconTheme->second)};
 }
 
 void X11ThemeSettings::observe(std::function<void()> handler) {
   handler_.withLock([&](std::function<void()>& observer) { observer = std::move(handler); });
 }
 
-void X11ThemeSettings::handle(const xcb_generic_event_t& event) const {
+void X11ThemeSettings::handle(const xcb_generic_event_t& event) {
   if (!isChange(event)) return;
+  const DesktopTheme now = read();
+  const DesktopTheme before = theme_.withLock([&](DesktopTheme& theme) { return std::exchange(theme, now); });
+  if (now == before) return;
   const auto handler = handler_.withLock([](const std::function<void()>& observer) { return observer; });
   if (handler) handler();
 }

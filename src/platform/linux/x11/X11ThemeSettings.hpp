@@ -5,7 +5,6 @@
 
 #include <xcb/xcb.h>
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <span>
@@ -17,26 +16,27 @@ class X11Connection;
 
 /// The theme among the XSETTINGS, which the owner of a selection of the X server publishes to all programs.
 ///
-/// Threads: any; making it and `read` wait for the server. `handle` is called on the thread of the connection, and
-/// calls the observer there.
+/// Threads: any; making it waits for the server. `handle` is called on the thread of the connection, reads the settings
+/// and calls the observer there.
 class X11ThemeSettings final : public ThemeSettings {
  public:
   explicit X11ThemeSettings(const X11Connection& connection);
 
-  /// Empty where nobody publishes settings. From now on the server reports their changes.
-  DesktopTheme read() override;
+  DesktopTheme theme() const override;
   void observe(std::function<void()> handler) override;
 
   /// Takes an event of the server.
-  void handle(const xcb_generic_event_t& event) const;
+  void handle(const xcb_generic_event_t& event);
 
  private:
+  DesktopTheme read();
   bool isChange(const xcb_generic_event_t& event) const;
 
   const X11Connection& connection_;
   const xcb_atom_t selection_;     // whose owner publishes them
   const xcb_atom_t announcement_;  // by which a new owner makes itself known
-  std::atomic<xcb_window_t> manager_ = XCB_WINDOW_NONE;
+  xcb_window_t manager_ = XCB_WINDOW_NONE;
+  Guarded<DesktopTheme> theme_;
   Guarded<std::function<void()>> handler_;
 };
 

@@ -55,7 +55,7 @@ void X11Tray::follow(std::uint32_t owner) {
 bool X11Tray::isTranslucent() const {
   if (!isOwned()) return false;
   const auto name = namedAtom(connection_, "_NET_SYSTEM_TRAY_VISUAL");
-  const auto visual = numbersIn(readProperty(connection_, owner_, name, 1));
+  const auto visual = numbersIn(readProperty(connection_, owner_, name, 1, XCB_ATOM_VISUALID));
   return visual.size() == 1 && depthOf(connection_, visual.front()) == translucentDepth;
 }
 

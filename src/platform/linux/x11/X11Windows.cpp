@@ -17,12 +17,12 @@ std::vector<WindowID> inOrder(const std::vector<WindowID>& windows, std::vector<
 
 }  // namespace
 
-X11Windows::X11Windows(const X11Connection& connection)
+X11Windows::X11Windows(const X11Connection& connection, const X11Atoms& atoms, const ServerTime& time)
     : root_(connection.root()),
-      atoms_(connection),
+      atoms_(atoms),
       windows_(connection, atoms_),
       commands_(connection, atoms_),
-      time_(connection) {}
+      time_(time) {}
 
 void X11Windows::observeActivation(std::function<void()> handler) {
   handler_.withLock([&](std::function<void()>& observer) { observer = std::move(handler); });

@@ -19,7 +19,7 @@ class X11Connection;
 /// Threads: any; `handle` is called on the thread of the connection and calls the observer there.
 class X11Windows final : public DesktopWindows {
  public:
-  explicit X11Windows(const X11Connection& connection);
+  X11Windows(const X11Connection& connection, const X11Atoms& atoms, const ServerTime& time);
 
   void observeActivation(std::function<void()> handler) override;
   std::optional<std::vector<ManagedWindow>> read() override { return windows_.read(); }
@@ -31,10 +31,10 @@ class X11Windows final : public DesktopWindows {
 
  private:
   const xcb_window_t root_;
-  const X11Atoms atoms_;
+  const X11Atoms& atoms_;
   const WindowList windows_;
   const WindowCommands commands_;
-  const ServerTime time_;
+  const ServerTime& time_;
   Guarded<std::function<void()>> handler_;
 };
 

@@ -74,7 +74,7 @@ std::optional<xcb_window_t> FocusedProgram::findAnsweringWindow(xcb_window_t win
 }
 
 bool FocusedProgram::answersPing(xcb_window_t window) const {
-  const auto protocols = numbersIn(readProperty(connection_.get(), window, protocols_, mostProtocols));
+  const auto protocols = numbersIn(readProperty(connection_.get(), window, protocols_, mostProtocols, XCB_ATOM_ATOM));
   return std::ranges::find(protocols, ping_) != protocols.end();
 }
 

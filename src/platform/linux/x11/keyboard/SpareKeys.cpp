@@ -107,7 +107,8 @@ void SpareKeys::unbindAll(const KeyboardMap& map) {
 }
 
 std::vector<SpareKeys::Note> SpareKeys::readNotes() const {
-  const auto fields = numbersIn(readProperty(connection_.get(), connection_.root(), notesName_, mostNoteFields));
+  const auto fields =
+      numbersIn(readProperty(connection_.get(), connection_.root(), notesName_, mostNoteFields, XCB_ATOM_CARDINAL));
   std::vector<Note> notes;
   for (std::size_t i = 0; i + noteFields <= fields.size(); i += noteFields) {
     notes.push_back({.writer = fields[i], .keyCode = fields[i + 1], .meaning = {fields[i + 2], fields[i + 3]}});
@@ -134,7 +135,7 @@ void SpareKeys::noteBindings() const {
 }
 
 bool SpareKeys::isAlive(xcb_window_t writer) const {
-  return numbersIn(readProperty(connection_.get(), writer, notesName_, 1)).size() == 1;
+  return numbersIn(readProperty(connection_.get(), writer, notesName_, 1, XCB_ATOM_WINDOW)).size() == 1;
 }
 
 }  // namespace orvel

@@ -72,7 +72,12 @@ class FakeBackend final : public Backend {
     log_.ended = std::move(ended);
     return log_.hasThread;
   }
-  void stopListening() override { ++log_.stops; }
+  /// What an event would still have brought just before is dispatched first.
+  void stopListening() override {
+    if (theme_.changed) theme_.changed();
+    if (log_.quiet.activated) log_.quiet.activated();
+    ++log_.stops;
+  }
   void stopTyping() override { ++log_.typingStops; }
   void disconnect() override { ++log_.disconnections; }
 
@@ -80,8 +85,10 @@ class FakeBackend final : public Backend {
   /// Says nothing.
   class NoTheme final : public ThemeSettings {
    public:
-    DesktopTheme read() override { return {}; }
-    void observe(std::function<void()>) override {}
+    DesktopTheme theme() const override { return {}; }
+    void observe(std::function<void()> handler) override { changed = std::move(handler); }
+
+    std::function<void()> changed;
   };
 
   BackendLog& log_;
@@ -100,8 +107,8 @@ ManagedWindow windowOf(WindowID id, WindowID owner) {
   return window;
 }
 
-struct LinuxPlatformTest : testing::Test {
-  LinuxPlatformTest() {
+struct LinuxLeavesTest : testing::Test {
+  LinuxLeavesTest() {
     for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
       setenv(name, home.path().c_str(), 1);
     }
@@ -112,10 +119,11 @@ struct LinuxPlatformTest : testing::Test {
 
   TemporaryFolder home;
   BackendLog log;
+  int activations = 0;
   std::unique_ptr<LinuxPlatform> platform;
 };
 
-TEST_F(LinuxPlatformTest, TakesFromTheBackendWhatNeedsADisplayServer) {
+TEST_F(LinuxLeavesTest, TakesFromTheBackendWhatNeedsADisplayServer) {
   EXPECT_EQ(&platform->events(), &log.desktop);
   EXPECT_EQ(&platform->displays(), &log.desktop);
   EXPECT_EQ(&platform->trust(), &log.desktop);
@@ -125,7 +133,7 @@ TEST_F(LinuxPlatformTest, TakesFromTheBackendWhatNeedsADisplayServer) {
   EXPECT_EQ(&platform->presses(), &log.presses);
 }
 
-TEST_F(LinuxPlatformTest, ADesktopMayReportNoWindows) {
+TEST_F(LinuxLeavesTest, ADesktopMayReportNoWindows) {
   EXPECT_EQ(platform->workspace().runningApplications(), std::nullopt);
   EXPECT_FALSE(platform->accessibility().elementAt({10, 10}));
   RunningApplication unknown;
@@ -136,7 +144,7 @@ TEST_F(LinuxPlatformTest, ADesktopMayReportNoWindows) {
   EXPECT_TRUE(log.quiet.closed.empty());
 }
 
-TEST_F(LinuxPlatformTest, ProgramsAreKnownByTheWindowsOfTheBackend) {
+TEST_F(LinuxLeavesTest, ProgramsAreKnownByTheWindowsOfTheBackend) {
   log.quiet.windows = {windowOf(7, 0), windowOf(8, 7)};
   const auto running = platform->workspace().runningApplications();
   ASSERT_TRUE(running);
@@ -149,19 +157,27 @@ TEST_F(LinuxPlatformTest, ProgramsAreKnownByTheWindowsOfTheBackend) {
   EXPECT_EQ(log.quiet.closed, (std::vector<WindowID>{7, 8}));
 }
 
-TEST_F(LinuxPlatformTest, TheObserverOfActivationsIsTheBackends) {
-  int activations = 0;
+TEST_F(LinuxLeavesTest, TheObserverOfActivationsIsTheBackends) {
   platform->workspace().observeActivation([&] { ++activations; });
   log.quiet.activated();
   EXPECT_EQ(activations, 1);
 }
 
-TEST_F(LinuxPlatformTest, WithoutATrayThereIsNoIcon) {
+TEST_F(LinuxLeavesTest, WithoutATrayThereIsNoIcon) {
   EXPECT_FALSE(platform->statusItem().isShown());
   EXPECT_EQ(platform->statusItem().place(), std::nullopt);
 }
 
-TEST_F(LinuxPlatformTest, TheEndOfTheServerIsReportedOnceAlsoToALateObserver) {
+TEST_F(LinuxLeavesTest, TheEndOfTheServerIsReportedOnce) {
+  int ends = 0;
+  platform->observeEnd([&] { ++ends; });
+  ASSERT_TRUE(platform->listen());
+  log.ended();
+  log.ended();
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(LinuxLeavesTest, ALateObserverHearsOfTheEndAtOnce) {
   int ends = 0;
   ASSERT_TRUE(platform->listen());
   log.ended();
@@ -169,19 +185,21 @@ TEST_F(LinuxPlatformTest, TheEndOfTheServerIsReportedOnceAlsoToALateObserver) {
   EXPECT_EQ(ends, 1);
 }
 
-TEST_F(LinuxPlatformTest, ABackendWithoutAThreadCannotListen) {
+TEST_F(LinuxLeavesTest, ABackendWithoutAThreadCannotListen) {
   log.hasThread = false;
   EXPECT_FALSE(platform->listen());
 }
 
-TEST_F(LinuxPlatformTest, TheBackendStopsBeforeTheLeavesGo) {
+TEST_F(LinuxLeavesTest, TheBackendStopsBeforeTheLeavesGo) {
   platform->stopTyping();
   EXPECT_EQ(log.typingStops, 1);
   platform->giveUp();
   EXPECT_EQ(log.disconnections, 1);
   EXPECT_EQ(log.stops, 0);
+  platform->workspace().observeActivation([&] { ++activations; });
   platform = nullptr;
   EXPECT_EQ(log.stops, 1);
+  EXPECT_EQ(activations, 1) << "what was on its way came while they were there";
 }
 
 }  // namespace
