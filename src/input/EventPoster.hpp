@@ -60,10 +60,10 @@ struct KeyEvent {
   bool down = false;
   std::uint64_t flags = 0;
 
-  /// On a press: modifier keys that other hands hold and that must not modify it, where the flags do not say it all.
+  /// On a press: modifier keys that somebody else holds and that must not modify it, where the flags do not say it all.
   std::vector<std::uint16_t> unwantedKeys{};
 
-  /// On a release: other hands hold the key, which stays down; only the modifiers that were pressed with it go up.
+  /// On a release: somebody else holds the key, which stays down; only the modifiers that were pressed with it go up.
   bool staysDown = false;
 
   friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
