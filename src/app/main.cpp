@@ -40,8 +40,7 @@ std::vector<std::string> toolkitArguments() {
 int runApplication(orvel::MainLoop& mainLoop, orvel::Instance& instance, bool inBackground,
                    std::function<void(const std::string&)>& showPanel) {
   // Outlives the platform, whose threads may report the desktop's end until they have ended. Its lock is held
-  // meanwhile,
-  // so that the application stays until they have.
+  // meanwhile, so that the application stays until they have.
   orvel::Guarded<orvel::OrvelApp*> running;
   auto opened = orvel::openPlatform();
   if (const auto* reason = std::get_if<std::string>(&opened)) return fail(noDesktop, *reason);
