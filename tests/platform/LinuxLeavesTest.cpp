@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QEventLoop>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -107,6 +109,46 @@ ManagedWindow windowOf(WindowID id, WindowID owner) {
   return window;
 }
 
+constexpr BackendKind absent{.isPresent = [] { return false; },
+                             .missing = []() -> std::optional<std::string> { return std::nullopt; },
+                             .toolkitPlatform = "absent",
+                             .open = nullptr,
+                             .inputObstacle = nullptr};
+constexpr BackendKind silent{.isPresent = [] { return true; },
+                             .missing = []() -> std::optional<std::string> { return "it is silent."; },
+                             .toolkitPlatform = "silent",
+                             .open = nullptr,
+                             .inputObstacle = nullptr};
+constexpr BackendKind answering{.isPresent = [] { return true; },
+                                .missing = []() -> std::optional<std::string> { return std::nullopt; },
+                                .toolkitPlatform = "answering",
+                                .open = nullptr,
+                                .inputObstacle = nullptr};
+
+std::string chosenOf(const std::vector<BackendKind>& kinds) {
+  const auto chosen = chooseBackend(kinds);
+  return chosen ? chosen->toolkitPlatform : "none";
+}
+
+TEST(BackendChoiceTest, TheFirstThatAnswersIsTaken) {
+  EXPECT_EQ(chosenOf({absent, silent, answering, silent}), "answering");
+}
+
+TEST(BackendChoiceTest, OneThatDoesNotAnswerSaysWhy) {
+  EXPECT_EQ(chosenOf({absent, silent, silent}), "silent");
+}
+
+TEST(BackendChoiceTest, WhatIsNotThereIsNotTaken) {
+  EXPECT_EQ(chosenOf({absent}), "none");
+  EXPECT_EQ(chosenOf({}), "none");
+}
+
+TEST(BackendChoiceTest, ALoneOneIsNotAsked) {
+  BackendKind lone = answering;
+  lone.missing = nullptr;
+  EXPECT_EQ(chosenOf({absent, lone}), "answering");
+}
+
 struct LinuxLeavesTest : testing::Test {
   LinuxLeavesTest() {
     for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
@@ -164,8 +206,19 @@ TEST_F(LinuxLeavesTest, TheObserverOfActivationsIsTheBackends) {
 }
 
 TEST_F(LinuxLeavesTest, WithoutATrayThereIsNoIcon) {
+  int argumentCount = 1;
+  std::string name = "test";
+  char* arguments[2] = {name.data(), nullptr};
+  const QCoreApplication application(argumentCount, arguments);
+  std::optional<bool> hasPlace;
+  platform->statusItem().show(Symbol::cursorArrow, {.activated = [] {}, .decided = [&](bool has) { hasPlace = has; }});
+  for (int turns = 0; !hasPlace && turns < 1000; ++turns) {
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  EXPECT_EQ(hasPlace, false);
   EXPECT_FALSE(platform->statusItem().isShown());
   EXPECT_EQ(platform->statusItem().place(), std::nullopt);
+  platform = nullptr;  // before the application, as in the program
 }
 
 TEST_F(LinuxLeavesTest, TheEndOfTheServerIsReportedOnce) {

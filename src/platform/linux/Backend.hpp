@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace orvel {
@@ -78,6 +79,10 @@ struct BackendKind {
   /// that cannot be known. Waits for the desktop, which may hang. Threads: any.
   std::optional<std::string> (*inputObstacle)();
 };
+
+/// The first kind that is present and answers, or else the first that is present, which can say why it does not. A lone
+/// one is not asked. Nothing where none is present. Waits for the desktops that are asked.
+std::optional<BackendKind> chooseBackend(std::span<const BackendKind> kinds);
 
 /// What is said where Wayland is all there is, until there is a backend for it.
 inline PermissionNotice noticeOnWayland() {

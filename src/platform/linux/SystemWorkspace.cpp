@@ -28,9 +28,9 @@ void SystemWorkspace::observeActivation(std::function<void()> handler) {
 }
 
 std::optional<std::vector<RunningApplication>> SystemWorkspace::runningApplications() {
-  std::vector<RunningApplication> applications;
   auto programs = programs_.read();
   if (!programs) return std::nullopt;
+  std::vector<RunningApplication> applications;
   for (WindowedProgram& program : *programs) {
     if (program.location) launcher_.hasStarted(*program.location);
     applications.push_back({.instance = program.instance,

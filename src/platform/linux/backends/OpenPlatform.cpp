@@ -25,22 +25,10 @@ constexpr rlim_t mostDescriptors = 65536;
 constexpr std::chrono::seconds silentBusTimeout{1};
 constexpr int largestKeptBlock = 256 * 1024;
 
-/// In the order of preference.
-std::array<BackendKind, 1> backendKinds() {
-  return {x11BackendKind()};
-}
-
-/// The first kind that is present and answers, or else the first that is present, which can say why it does not. A lone
-/// one is not asked. Nothing where this login has no desktop that Orvel can work on.
 std::optional<BackendKind> chosenBackend() {
-  std::vector<BackendKind> present;
-  for (const BackendKind& kind : backendKinds()) {
-    if (kind.isPresent()) present.push_back(kind);
-  }
-  if (present.empty()) return std::nullopt;
-  if (present.size() == 1) return present.front();
-  const auto answering = std::ranges::find_if(present, [](const BackendKind& kind) { return !kind.missing(); });
-  return answering == present.end() ? present.front() : *answering;
+  // In the order of preference.
+  const std::array backendKinds{x11BackendKind()};
+  return chooseBackend(backendKinds);
 }
 
 bool isWaylandPresent() {
